@@ -11,17 +11,16 @@ void Scl_buffered_istream::init(const Scl_buffer& buffer, bool at_end, Scl_statu
 }
 
 std::span<const std::byte> Scl_buffered_istream::window(Scl_status& status) {
-    if (at_hand() == 0 && !status.has_failed()) refill(status);
-    return bytes_at_hand();
+    return window(1, status);
 }
 
 std::span<const std::byte> Scl_buffered_istream::window(std::size_t count, Scl_status& status) {
-    if (at_hand() < count && !status.has_failed()) refill(status);
+    if (at_hand() < count && !status.has_failed()) refill(count, status);
     return bytes_at_hand();
 }
 
 // Loads the window anew from the position on, what is left of the old one included.
-void Scl_buffered_istream::refill(Scl_status& status) {
+void Scl_buffered_istream::refill(std::size_t wanted, Scl_status& status) {
     const std::uint64_t position = tell();
     if (buffer() == nullptr || position >= size(status)) return;
     const std::span<const std::byte> contents = buffer()->contents();
@@ -30,7 +29,7 @@ void Scl_buffered_istream::refill(Scl_status& status) {
         return;
     }
     if (storage_ == nullptr) storage_ = std::make_unique_for_overwrite<std::byte[]>(WINDOW_BYTES);
-    const std::span<std::byte> storage(storage_.get(), WINDOW_BYTES);
+    const std::span<std::byte> storage(storage_.get(), std::max(wanted, read_ahead_));
     set_window(storage.first(buffer()->read_at(position, storage, status)), position);
 }
 

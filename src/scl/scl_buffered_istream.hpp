@@ -33,16 +33,21 @@ public:
     // Steps over bytes of the window.
     void skip(std::size_t count) { (void)take(count); }
 
+    // Lets each refill read this many bytes, or what is asked for when that is more: little for
+    // random access. WINDOW_BYTES at most, and at first.
+    void limit_read_ahead(std::size_t bytes) { read_ahead_ = bytes; }
+
     static constexpr std::size_t WINDOW_BYTES = std::size_t{64} << 10;
 
 protected:
     std::size_t read_beyond_window(std::span<std::byte> bytes, Scl_status& status) override;
 
 private:
-    void refill(Scl_status& status);
+    void refill(std::size_t wanted, Scl_status& status);
     [[nodiscard]] unsigned char read_char_beyond_window();
 
     std::unique_ptr<std::byte[]> storage_; // WINDOW_BYTES, taken when first needed
+    std::size_t read_ahead_ = WINDOW_BYTES;
     Scl_status* status_ = nullptr;
 };
 

@@ -1,0 +1,1 @@
+#include "records/field_token_writer.hpp"

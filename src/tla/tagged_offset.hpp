@@ -1,0 +1,54 @@
+#pragma once
+
+#include "scl/scl_endian.hpp"
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace tla {
+
+// A short hash over a record's counts and values. Records with different fingerprints differ.
+class Record_fingerprint {
+public:
+    void add(std::uint64_t value) {
+        state_ = (state_ ^ value) * MULTIPLIER;
+        state_ ^= state_ >> 32;
+    }
+    // Whole 64-bit words.
+    void add(std::span<const std::byte> values) {
+        for (; values.size() >= sizeof(std::uint64_t);
+             values = values.subspan(sizeof(std::uint64_t))) {
+            add(scl::scl_load_le<std::uint64_t>(values.data()));
+        }
+    }
+    [[nodiscard]] std::uint64_t value() const { return state_ * MULTIPLIER; }
+
+private:
+    static constexpr std::uint64_t MULTIPLIER = 0x9E3779B97F4A7C15; // 2^64 / golden ratio, odd
+
+    std::uint64_t state_ = 0;
+};
+
+// Keeps a file offset and, in the bits that no offset of the file needs, a tag: the top bits of the
+// record's fingerprint. So most neighbours with equal key hashes are told apart without a look at
+// their records, and a pair stays at 16 bytes.
+class Offset_tagger {
+public:
+    explicit Offset_tagger(std::uint64_t largest_offset)
+        : offset_mask_((std::uint64_t{1} << std::bit_width(largest_offset)) - 1) {}
+
+    [[nodiscard]] std::uint64_t tagged(std::uint64_t offset, std::uint64_t fingerprint) const {
+        return offset | (fingerprint & ~offset_mask_);
+    }
+    [[nodiscard]] std::uint64_t offset(std::uint64_t tagged) const { return tagged & offset_mask_; }
+    [[nodiscard]] bool same_tag(std::uint64_t a, std::uint64_t b) const {
+        return ((a ^ b) & ~offset_mask_) == 0;
+    }
+
+private:
+    std::uint64_t offset_mask_; // a file's size is a signed 64-bit number, so one bit is spare
+};
+
+} // namespace tla
