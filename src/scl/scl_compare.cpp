@@ -12,14 +12,17 @@ char32_t fold(char32_t code_point) {
     return code_point + static_cast<char32_t>(change);
 }
 
-/// `next` takes the code point at a position and moves the position past it.
+// `next` takes the code point at a position and moves the position past it.
 template <class Text, class Next>
 int compare(Text a, Text b, Next next) {
     std::size_t at_a = 0;
     std::size_t at_b = 0;
     while (at_a < a.size() && at_b < b.size()) {
-        const char32_t folded_a = fold(next(a, at_a));
-        const char32_t folded_b = fold(next(b, at_b));
+        const char32_t next_a = next(a, at_a);
+        const char32_t next_b = next(b, at_b);
+        if (next_a == next_b) continue;
+        const char32_t folded_a = fold(next_a);
+        const char32_t folded_b = fold(next_b);
         if (folded_a != folded_b) return folded_a < folded_b ? -1 : 1;
     }
     return static_cast<int>(at_a < a.size()) - static_cast<int>(at_b < b.size());

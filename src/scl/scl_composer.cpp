@@ -22,7 +22,7 @@ bool is_hangul_syllable(char32_t code_point) {
     return code_point - HANGUL_BASE < LEADS * VOWELS * TAILS;
 }
 
-/// The syllable of a lead and a vowel, or of a syllable without tail and a tail; else 0.
+// The syllable of a lead and a vowel, or of a syllable without tail and a tail; else 0.
 char32_t compose_hangul(char32_t first, char32_t second) {
     if (first - LEAD_BASE < LEADS && second - VOWEL_BASE < VOWELS)
         return HANGUL_BASE + ((first - LEAD_BASE) * VOWELS + second - VOWEL_BASE) * TAILS;
@@ -31,7 +31,7 @@ char32_t compose_hangul(char32_t first, char32_t second) {
     return takes_tail && is_tail ? first + (second - TAIL_BASE) : 0;
 }
 
-/// The primary composite of two characters, or 0.
+// The primary composite of two characters, or 0.
 char32_t compose_pair(char32_t first, char32_t second) {
     if (!scl_properties(second).composes_back) return 0;
     if (const char32_t syllable = compose_hangul(first, second)) return syllable;
@@ -43,7 +43,7 @@ char32_t compose_pair(char32_t first, char32_t second) {
     return matches ? found->composed : 0;
 }
 
-/// The decomposition of a code point that has one.
+// The decomposition of a code point that has one.
 const Scl_decomposition& decomposition(char32_t code_point) {
     return *std::lower_bound(
         SCL_DECOMPOSITIONS.begin(), SCL_DECOMPOSITIONS.end(), code_point,
@@ -83,8 +83,8 @@ void Scl_composer::decompose(char32_t code_point) {
     }
 }
 
-/// The canonical ordering: each run of marks is sorted by combining class, equal ones as they
-/// stand.
+// The canonical ordering: each run of marks is sorted by combining class, equal ones as they
+// stand.
 void Scl_composer::order_marks() {
     const auto is_starter = [](const Character& c) { return c.combining_class == 0; };
     const auto is_lower = [](const Character& a, const Character& b) {
@@ -98,8 +98,8 @@ void Scl_composer::order_marks() {
     }
 }
 
-/// The canonical composition, in place: a character goes into the last starter when the two form a
-/// composite and no character kept between them is a starter or of an equal or higher class.
+// The canonical composition, in place: a character goes into the last starter when the two form a
+// composite and no character kept between them is a starter or of an equal or higher class.
 void Scl_composer::recompose() {
     std::size_t kept = 0;
     std::size_t after_starter = 0; // the place after the last starter; 0 while there is none

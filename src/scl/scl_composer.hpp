@@ -7,13 +7,13 @@
 
 namespace scl::impl {
 
-/// Brings a segment of text to Normalization Form C: decomposes it, orders its combining marks,
-/// composes it again (Unicode Standard, section 3.11; Hangul by section 3.12). A segment must not
-/// interact with what stands before and after it. The working memory is kept from one segment to
-/// the next.
+// Brings a segment of text to Normalization Form C: decomposes it, orders its combining marks,
+// composes it again (Unicode Standard, section 3.11; Hangul by section 3.12). A segment must not
+// interact with what stands before and after it. The working memory is kept from one segment to
+// the next.
 class Scl_composer {
 public:
-    /// Appends the segment in Normalization Form C.
+    // Appends the segment in Normalization Form C.
     void compose(std::u16string_view segment, std::u16string& out);
 
 private:

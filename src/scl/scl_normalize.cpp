@@ -8,25 +8,15 @@ namespace scl {
 
 namespace {
 
-/// Below it nothing is a combining mark and nothing changes in NFC.
+// Below it nothing is a combining mark and nothing changes in NFC.
 constexpr char16_t FIRST_MARK = 0x300;
 
-// The two scans go over the whole text without a way out: so they run on many units at a time.
-bool has_surrogates(std::u16string_view text) {
-    bool found = false;
-    for (const char16_t unit : text)
-        found |= (unit & 0xF800U) == 0xD800;
-    return found;
-}
-
+// True for most texts that are wholly below the first mark, and for no others.
 bool is_below_marks(std::u16string_view text) {
-    bool found = false;
-    for (const char16_t unit : text)
-        found |= unit >= FIRST_MARK;
-    return !found;
+    return impl::scl_all_bits(text) < FIRST_MARK;
 }
 
-/// True when nothing before the character has to do with its normal form.
+// True when nothing before the character has to do with its normal form.
 bool is_boundary(const impl::Scl_properties& properties) {
     return properties.nfc_yes && properties.combining_class == 0;
 }
@@ -36,9 +26,9 @@ struct Stretch {
     bool is_whole;
 };
 
-/// The stretch of text from `at` on that is in NFC beyond doubt (the quick check of the annex).
-/// When it is not the whole rest, it ends before the last boundary, as what follows may change from
-/// there.
+// The stretch of text from `at` on that is in NFC beyond doubt (the quick check of the annex).
+// When it is not the whole rest, it ends before the last boundary, as what follows may change from
+// there.
 Stretch normal_stretch(std::u16string_view text, std::size_t at) {
     std::size_t boundary = at;
     std::uint8_t last_class = 0;
@@ -58,7 +48,7 @@ Stretch normal_stretch(std::u16string_view text, std::size_t at) {
     return {text.size(), true};
 }
 
-/// The first boundary after the character at `at`.
+// The first boundary after the character at `at`.
 std::size_t next_boundary(std::u16string_view text, std::size_t at) {
     std::size_t after = at;
     static_cast<void>(impl::scl_utf16_next(text, after));
@@ -69,7 +59,7 @@ std::size_t next_boundary(std::u16string_view text, std::size_t at) {
     return at;
 }
 
-/// The normal form of a text that begins with the stretch.
+// The normal form of a text that begins with the stretch.
 std::u16string composed(std::u16string_view text, Stretch stretch) {
     std::u16string result;
     result.reserve(text.size());
@@ -87,10 +77,9 @@ std::u16string composed(std::u16string_view text, Stretch stretch) {
 } // namespace
 
 bool scl_can_normalize(std::u16string_view text) {
-    if (!has_surrogates(text)) return true;
+    if (impl::scl_all_bits(text) < impl::SCL_FIRST_SURROGATE) return true;
     for (std::size_t at = 0; at < text.size();) {
-        const char32_t code_point = impl::scl_utf16_next(text, at);
-        if (impl::scl_is_lead(code_point) || impl::scl_is_trail(code_point)) return false;
+        if (impl::scl_is_surrogate(impl::scl_utf16_next(text, at))) return false;
     }
     return true;
 }

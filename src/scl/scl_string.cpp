@@ -30,22 +30,31 @@ bool is_ascii(Char c) {
     return static_cast<std::make_unsigned_t<Char>>(c) < 0x80;
 }
 
-/// Copies the ASCII characters that the text begins with, blockwise as far as that goes; gives
-/// their number.
+// Copies a block when it is wholly ASCII; tells whether it is.
+template <class To, class From>
+bool copy_block(To* to, const From* from) {
+    if (!is_ascii_block(from)) return false;
+    for (std::size_t i = 0; i < BLOCK; ++i)
+        to[i] = static_cast<To>(from[i]);
+    return true;
+}
+
+// Copies the ASCII characters that the text begins with, blockwise as far as that goes; gives
+// their number.
 template <class To, class From>
 std::size_t copy_ascii(To* to, const From* from, std::size_t size) {
     std::size_t at = 0;
-    for (; size - at >= BLOCK && is_ascii_block(from + at); at += BLOCK) {
-        for (std::size_t i = 0; i < BLOCK; ++i)
-            to[at + i] = static_cast<To>(from[at + i]);
-    }
+    while (size - at >= BLOCK && copy_block(to + at, from + at))
+        at += BLOCK;
+    const bool is_tail = at > 0 && size - at < BLOCK; // then the last block overlaps what is done
+    if (is_tail && copy_block(to + size - BLOCK, from + size - BLOCK)) return size;
     for (; at < size && is_ascii(from[at]); ++at)
         to[at] = static_cast<To>(from[at]);
     return at;
 }
 
-/// An upper bound of the bytes a text takes, exact for ASCII: a unit from U+0080 takes one byte
-/// more, one from U+0800 two. (A surrogate pair, four bytes, is counted as six.)
+// An upper bound of the bytes a text takes: a unit from U+0080 takes one byte more, one from U+0800
+// two. (A surrogate pair, four bytes, is counted as six.)
 std::size_t utf8_bound(std::u16string_view wide) {
     std::size_t size = wide.size();
     for (const char16_t unit : wide)
@@ -71,14 +80,17 @@ void scl_string_append(std::u16string& wide, std::string_view narrow) {
 
 void scl_string_append(std::string& narrow, std::u16string_view wide) {
     const std::size_t start = narrow.size();
-    narrow.resize(start + utf8_bound(wide));
-    char* to = narrow.data() + start;
-    for (std::size_t at = 0; at < wide.size();) {
+    narrow.resize(start + wide.size());
+    std::size_t at = copy_ascii(narrow.data() + start, wide.data(), wide.size());
+    if (at == wide.size()) return;
+    narrow.resize(start + at + utf8_bound(wide.substr(at)));
+    char* to = narrow.data() + start + at;
+    while (at < wide.size()) {
+        while (at < wide.size() && !is_ascii(wide[at]))
+            to = impl::scl_utf8_put(to, impl::scl_utf16_next(wide, at));
         const std::size_t ascii = copy_ascii(to, wide.data() + at, wide.size() - at);
         to += ascii;
         at += ascii;
-        while (at < wide.size() && !is_ascii(wide[at]))
-            to = impl::scl_utf8_put(to, impl::scl_utf16_next(wide, at));
     }
     narrow.resize(static_cast<std::size_t>(to - narrow.data()));
 }

@@ -4,8 +4,8 @@ namespace scl::impl {
 
 namespace {
 
-/// The code point of a sequence of `length` bytes at `at`, its lead byte's marks taken off; 0 when
-/// the bytes after the lead are too few or no continuation bytes.
+// The code point of a sequence of `length` bytes at `at`, its lead byte's marks taken off; 0 when
+// the bytes after the lead are too few or no continuation bytes.
 char32_t decode(std::string_view text, std::size_t at, std::size_t length, char32_t lead) {
     if (text.size() - at < length) return 0;
     char32_t code_point = lead;
@@ -17,11 +17,7 @@ char32_t decode(std::string_view text, std::size_t at, std::size_t length, char3
     return code_point;
 }
 
-constexpr bool is_surrogate(char32_t code_point) {
-    return (code_point & 0xFFFFF800U) == 0xD800;
-}
-
-/// A lead or a continuation byte that carries the bits above `shift`.
+// A lead or a continuation byte that carries the bits above `shift`.
 char part(char32_t mark, char32_t code_point, unsigned shift) {
     return static_cast<char>(mark | (code_point >> shift));
 }
@@ -44,7 +40,7 @@ char32_t scl_utf8_next_long(std::string_view text, std::size_t& at) {
     } else if (lead >= 0xE0 && lead < 0xF0) {
         length = 3;
         code_point = decode(text, at, length, lead & 0x0FU);
-        well_formed = code_point >= 0x800 && !is_surrogate(code_point);
+        well_formed = code_point >= 0x800 && !scl_is_surrogate(code_point);
     } else if (lead >= 0xF0 && lead < 0xF5) {
         length = 4;
         code_point = decode(text, at, length, lead & 0x07U);
@@ -55,7 +51,7 @@ char32_t scl_utf8_next_long(std::string_view text, std::size_t& at) {
 }
 
 char* scl_utf8_put(char* to, char32_t code_point) {
-    if (is_surrogate(code_point)) {
+    if (scl_is_surrogate(code_point)) {
         if (code_point >= 0xDC80 && code_point <= 0xDCFF) {
             *to++ = static_cast<char>(code_point - 0xDC00);
             return to;
