@@ -1,0 +1,302 @@
+#include "scl/scl_compare.hpp"
+#include "scl/scl_lower.hpp"
+#include "scl/scl_normalize.hpp"
+#include "scl/scl_status.hpp"
+#include "scl/scl_string.hpp"
+#include "scl/scl_unicode.hpp"
+#include "scl/scl_utf.hpp"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <functional>
+#include <map>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr char32_t LIMIT = 0x110000;
+
+std::string without_blanks(const std::string& text) {
+    const auto first = text.find_first_not_of(' ');
+    if (first == std::string::npos) return "";
+    return text.substr(first, text.find_last_not_of(' ') + 1 - first);
+}
+
+using Row = std::vector<std::string>;
+
+// The rows of a data file: its fields, between semicolons, comments left out.
+void for_each_row(const std::string& path, const std::function<void(const Row&)>& use) {
+    std::ifstream file(path);
+    ASSERT_TRUE(file) << path;
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream fields(line.substr(0, line.find('#')));
+        Row row;
+        for (std::string field; std::getline(fields, field, ';');)
+            row.push_back(without_blanks(field));
+        if (row.size() > 1) use(row);
+    }
+}
+
+char32_t code_point_of(const std::string& text) {
+    return static_cast<char32_t>(std::stoul(text, nullptr, 16));
+}
+
+std::u16string units_of(char32_t code_point) {
+    char16_t units[2] = {};
+    return {units, scl::impl::scl_utf16_put(units, code_point)};
+}
+
+// The text of code points in hexadecimal digits, separated by blanks.
+std::u16string text_of(const std::string& code_points) {
+    std::istringstream parts(code_points);
+    std::u16string text;
+    for (std::string part; parts >> part;)
+        text += units_of(code_point_of(part));
+    return text;
+}
+
+// Calls `use` with each code point of a file of ranges and the value given there.
+void for_each_value(const std::string& file,
+                    const std::function<void(char32_t, const std::string&)>& use) {
+    for_each_row(DSMAKE_UNICODE_DATA "/" + file, [&](const Row& row) {
+        const auto dots = row[0].find("..");
+        const auto last = dots == std::string::npos ? row[0] : row[0].substr(dots + 2);
+        for (char32_t c = code_point_of(row[0]); c <= code_point_of(last); ++c)
+            use(c, row[1]);
+    });
+}
+
+std::vector<std::string> values_of(const std::string& file, const std::string& otherwise) {
+    std::vector<std::string> values(LIMIT, otherwise);
+    for_each_value(file, [&](char32_t c, const std::string& value) { values[c] = value; });
+    return values;
+}
+
+std::vector<bool> having(const std::string& file, const std::string& property) {
+    std::vector<bool> found(LIMIT);
+    for_each_value(file, [&](char32_t c, const std::string& value) {
+        if (value == property) found[c] = true;
+    });
+    return found;
+}
+
+std::u16string lower(std::u16string text) {
+    scl::scl_lower(text);
+    return text;
+}
+
+std::u16string nfc(std::u16string_view text) {
+    std::u16string out;
+    scl::Scl_status status;
+    scl::scl_normalize(text, out, status);
+    EXPECT_TRUE(status.ok());
+    return out;
+}
+
+TEST(Unicode, ClassesFollowCategoryAndWhiteSpace) {
+    using Type = scl::Scl_unicode_code_point_type;
+    const std::map<char, Type> types = {{'L', Type::letter},
+                                        {'N', Type::number},
+                                        {'P', Type::punctuation},
+                                        {'S', Type::symbol},
+                                        {'M', Type::attached}};
+    const auto categories = values_of("extracted/DerivedGeneralCategory.txt", "Cn");
+    const auto white_space = having("PropList.txt", "White_Space");
+    for (char32_t c = 0; c < LIMIT; ++c) {
+        const auto type = types.find(categories[c][0]);
+        Type expected = type == types.end() ? Type::other : type->second;
+        if (categories[c] == "Cf") expected = Type::attached;
+        if (white_space[c]) expected = Type::white_space;
+        // Zl, Zp and Zs are white space without exception.
+        ASSERT_TRUE(categories[c][0] != 'Z' || white_space[c]) << std::hex << std::uint32_t{c};
+        ASSERT_EQ(scl::scl_code_point_type(c), expected) << std::hex << std::uint32_t{c};
+        ASSERT_EQ(scl::impl::scl_get_icu_char_type(c), expected) << std::hex << std::uint32_t{c};
+        ASSERT_EQ(scl::scl_is_white_space(c), white_space[c]) << std::hex << std::uint32_t{c};
+    }
+    EXPECT_EQ(scl::scl_code_point_type(LIMIT), Type::other);
+    EXPECT_EQ(scl::scl_code_point_type(0xFFFFFFFF), Type::other);
+}
+
+TEST(Unicode, WordBreaksFollowTheAnnexButForOneBlank) {
+    using Break = scl::Scl_word_break;
+    const std::map<std::string, Break> names = {{"Other", Break::other},
+                                                {"ALetter", Break::aletter},
+                                                {"Hebrew_Letter", Break::hebrew_letter},
+                                                {"Katakana", Break::katakana},
+                                                {"Numeric", Break::numeric},
+                                                {"ExtendNumLet", Break::extend_num_let},
+                                                {"MidLetter", Break::mid_letter},
+                                                {"MidNum", Break::mid_num},
+                                                {"MidNumLet", Break::mid_num_let},
+                                                {"Single_Quote", Break::single_quote},
+                                                {"Double_Quote", Break::double_quote},
+                                                {"Extend", Break::extend},
+                                                {"Format", Break::format},
+                                                {"ZWJ", Break::zwj},
+                                                {"WSegSpace", Break::wsegspace},
+                                                {"CR", Break::cr},
+                                                {"LF", Break::lf},
+                                                {"Newline", Break::newline},
+                                                {"Regional_Indicator", Break::regional_indicator}};
+    auto values = values_of("auxiliary/WordBreakProperty.txt", "Other");
+    const auto pictographic = having("emoji/emoji-data.txt", "Extended_Pictographic");
+    ASSERT_EQ(values[0x202F], "ExtendNumLet");
+    values[0x202F] = "WSegSpace";
+    for (char32_t c = 0; c < LIMIT; ++c) {
+        Break expected = names.at(values[c]);
+        if (pictographic[c])
+            expected =
+                expected == Break::aletter ? Break::aletter_pictographic : Break::pictographic;
+        ASSERT_EQ(scl::scl_word_break(c), expected) << std::hex << std::uint32_t{c};
+    }
+}
+
+TEST(Unicode, LowerMapsEveryCodePoint) {
+    std::vector<std::u16string> mapped(LIMIT);
+    for_each_row(DSMAKE_UNICODE_DATA "/UnicodeData.txt", [&](const Row& row) {
+        if (row[13] != "") mapped[code_point_of(row[0])] = text_of(row[13]);
+    });
+    for_each_row(DSMAKE_UNICODE_DATA "/SpecialCasing.txt", [&](const Row& row) {
+        if (row.size() == 5) mapped[code_point_of(row[0])] = text_of(row[1]);
+    });
+    for (char32_t c = 0; c < LIMIT; ++c) {
+        const std::u16string text = units_of(c);
+        const std::u16string expected = mapped[c].empty() ? text : mapped[c];
+        // With a letter behind it, so that a sigma is not final and nothing goes the ASCII way.
+        ASSERT_EQ(lower(text + u'\u00E9'), expected + u'\u00E9') << std::hex << std::uint32_t{c};
+        ASSERT_EQ(lower(text), expected) << std::hex << std::uint32_t{c};
+    }
+}
+
+TEST(Unicode, ComparisonFoldsEveryCodePoint) {
+    std::vector<char32_t> folded(LIMIT);
+    for (char32_t c = 0; c < LIMIT; ++c)
+        folded[c] = c;
+    for_each_row(DSMAKE_UNICODE_DATA "/CaseFolding.txt", [&](const Row& row) {
+        if (row[1] == "C" || row[1] == "S") folded[code_point_of(row[0])] = code_point_of(row[2]);
+    });
+    for (char32_t c = 0; c < LIMIT; ++c) {
+        const std::u16string a = units_of(c);
+        const std::u16string b = units_of(folded[c]);
+        ASSERT_EQ(scl::scl_utf16_compare_nc(a, b), 0) << std::hex << std::uint32_t{c};
+        std::string narrow_a;
+        std::string narrow_b;
+        scl::scl_utf16_to_utf8(a, narrow_a);
+        scl::scl_utf16_to_utf8(b, narrow_b);
+        ASSERT_EQ(scl::scl_utf8_compare_nc(narrow_a, narrow_b), 0) << std::hex << std::uint32_t{c};
+        // What folds to itself differs from its neighbour's folding unless that is the same one.
+        const char32_t next = c + 1 < LIMIT ? c + 1 : 0;
+        const int order = folded[c] < folded[next] ? -1 : folded[c] > folded[next] ? 1 : 0;
+        ASSERT_EQ(scl::scl_utf16_compare_nc(a, units_of(next)), order)
+            << std::hex << std::uint32_t{c};
+    }
+}
+
+TEST(Unicode, NormalizationConforms) {
+    std::set<char32_t> listed; // the single code points of part 1
+    std::size_t cases = 0;
+    for_each_row(DSMAKE_NORMALIZATION_TEST, [&](const Row& row) {
+        std::u16string c[5];
+        for (std::size_t i = 0; i < 5; ++i)
+            c[i] = text_of(row[i]);
+        for (std::size_t i = 0; i < 5; ++i) {
+            const std::u16string& expected = c[i < 3 ? 1 : 3];
+            EXPECT_EQ(nfc(c[i]), expected) << row[0] << " column " << i + 1;
+            EXPECT_EQ(scl::scl_is_normalized(c[i]), c[i] == expected) << row[0];
+        }
+        if (row[0].find(' ') == std::string::npos) listed.insert(code_point_of(row[0]));
+        ++cases;
+    });
+    EXPECT_GT(cases, 18000U);
+    for (char32_t c = 0; c < LIMIT; ++c) {
+        if (listed.count(c) != 0) continue;
+        const std::u16string text = units_of(c);
+        ASSERT_EQ(nfc(text), text) << std::hex << std::uint32_t{c};
+    }
+}
+
+TEST(Unicode, NormalizationInsideLongerText) {
+    EXPECT_EQ(nfc(u"xe\u0301y"), u"x\u00E9y");
+    EXPECT_EQ(nfc(u"\u0301e\u0301"), u"\u0301\u00E9");
+    EXPECT_EQ(nfc(u"a\u0323\u0302 a\u0302\u0323"), u"\u1EAD \u1EAD");
+    EXPECT_EQ(nfc(u"\u1112\u1161\u11AB\u1100\u1173\u11AF"), u"\uD55C\uAE00");
+    EXPECT_EQ(nfc(u"\uAC00\u11A7\u11A8"), u"\uAC00\u11A7\u11A8");
+    const std::u16string lone = {u'e', 0x301, 0xD800, u'e', 0x301, 0xDC00};
+    const std::u16string lone_normal = {0xE9, 0xD800, 0xE9, 0xDC00};
+    EXPECT_EQ(nfc(lone), lone_normal);
+    std::u16string own = u"--e\u0301--";
+    scl::impl::scl_normalize(std::u16string_view(own).substr(2), own);
+    EXPECT_EQ(own, u"\u00E9--");
+    scl::impl::scl_normalize(std::u16string_view(own).substr(1), own);
+    EXPECT_EQ(own, u"--");
+}
+
+TEST(Unicode, LongRunsOfMarksStayLinear) {
+    constexpr std::size_t PAIRS = 500000;
+    std::u16string text = u"a";
+    for (std::size_t i = 0; i < PAIRS; ++i)
+        text += u"\u0302\u0323";
+    // The first dot below goes into the letter, and the first circumflex into that one.
+    const std::u16string expected =
+        u"\u1EAD" + std::u16string(PAIRS - 1, u'\u0323') + std::u16string(PAIRS - 1, u'\u0302');
+    EXPECT_TRUE(nfc(text) == expected);
+    std::u16string sigmas;
+    for (std::size_t i = 0; i < 1000; ++i)
+        sigmas += u"\u03A3" + std::u16string(1000, u'.');
+    const std::u16string small = lower(sigmas);
+    EXPECT_EQ(small.find(u'\u03C2'), small.rfind(u'\u03C2'));
+    EXPECT_EQ(small.rfind(u'\u03C2'), 999U * 1001);
+}
+
+TEST(Unicode, CanNormalizeWhatIsWellFormed) {
+    EXPECT_TRUE(scl::scl_can_normalize(u""));
+    EXPECT_TRUE(scl::scl_can_normalize(u"a\U00010400\U0010FFFF\uE000\uD7FF"));
+    for (const std::u16string& lone :
+         {std::u16string{0xD800}, std::u16string{0xDFFF}, std::u16string{0xDC00, 0xD800},
+          std::u16string{u'a', 0xD83D, u'b', 0xDE00}, std::u16string{0xD83D, 0xD83D, 0xDE00}})
+        EXPECT_FALSE(scl::scl_can_normalize(u"0123456789" + lone));
+}
+
+TEST(Unicode, FinalSigma) {
+    EXPECT_EQ(lower(u"\u039F\u0394\u039F\u03A3"), u"\u03BF\u03B4\u03BF\u03C2");
+    EXPECT_EQ(lower(u"\u03A3"), u"\u03C3");         // nothing before it
+    EXPECT_EQ(lower(u"A\u03A3B"), u"a\u03C3b");     // cased after it
+    EXPECT_EQ(lower(u"A\u03A3 B"), u"a\u03C2 b");   // a blank ends the word
+    EXPECT_EQ(lower(u"A.\u03A3.B"), u"a.\u03C3.b"); // case-ignorable on both sides
+    EXPECT_EQ(lower(u"A.\u03A3."), u"a.\u03C2.");
+    EXPECT_EQ(lower(u"1\u03A3"), u"1\u03C3");
+    EXPECT_EQ(lower(u"A\u03A3\u03A3"), u"a\u03C3\u03C2");
+    // U+02B0 is cased and case-ignorable: skipped.
+    EXPECT_EQ(lower(u"\u02B0\u03A3"), u"\u02B0\u03C3");
+    EXPECT_EQ(lower(u"A\u03A3\u02B0"), u"a\u03C2\u02B0");
+    EXPECT_EQ(lower(u"A\u03A3\U00010400"), u"a\u03C3\U00010428");
+}
+
+TEST(Unicode, LowerKeepsNormalFormAndOnlyThat) {
+    EXPECT_EQ(lower(u"@AZ[`az{"), u"@az[`az{");
+    EXPECT_EQ(lower(u"\u0130X\u0130"), u"i\u0307xi\u0307");
+    EXPECT_EQ(lower(u"J\u030C"), u"\u01F0");
+    // Not in the form before: only mapped.
+    EXPECT_EQ(lower(u"E\u0301J\u030C"), u"e\u0301j\u030C");
+    const std::u16string lone = {u'J', 0x30C, 0xD800};
+    const std::u16string lone_small = {u'j', 0x30C, 0xD800};
+    EXPECT_EQ(lower(lone), lone_small);
+    const auto categories = values_of("extracted/DerivedGeneralCategory.txt", "Cn");
+    std::size_t composed = 0;
+    for (char32_t c = 0; c < LIMIT; ++c) {
+        if (categories[c] != "Lu" && categories[c] != "Lt") continue;
+        for (char32_t mark = 0x300; mark < 0x370; ++mark) {
+            const std::u16string text = units_of(c) + units_of(mark);
+            const std::u16string small = lower(text);
+            ASSERT_TRUE(!scl::scl_is_normalized(text) || scl::scl_is_normalized(small));
+            composed += small.size() < text.size() ? 1 : 0;
+        }
+    }
+    EXPECT_GT(composed, 0U);
+}
+
+} // namespace
