@@ -17,18 +17,20 @@ class Field_token_writer {
 public:
     Field_token_writer();
 
-    // Replaces `values` by the value's token values in text order. A failure to attach is left in
-    // the status; a value of more tokens than the pool holds throws std::runtime_error.
-    void collect(std::u16string_view value, std::vector<std::uint64_t>& values,
-                 scl::Scl_status& status);
+    // Replaces `values` by the value's token values in text order; false when the value holds no
+    // text. A failure to attach is left in the status, which is cleared first. A value of more
+    // tokens than a pool holds throws std::runtime_error.
+    [[nodiscard]] bool collect(std::u16string_view value, std::vector<std::uint64_t>& values,
+                               scl::Scl_status& status);
 
     // Writes the field as a record holds it: the token count as a big-endian u16, which wraps at
-    // 65,536, then every token value as a big-endian u64.
+    // 65,536, then every token value as a big-endian u64. Nothing after a failure to attach.
     void write(std::u16string_view value, scl::Scl_ostream& out, scl::Scl_status& status);
 
 private:
     txtdfc::Txtdfc_token_pool pool_;
     txtdfc::Txtdfc_format_codec codec_; // its view's tokens live in the pool
+    dff::Dff_text_facet& text_facet_;   // the codec's
     std::vector<std::uint64_t> values_;
 };
 

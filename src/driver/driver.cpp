@@ -1,0 +1,189 @@
+#include "driver/driver.hpp"
+
+#include "driver/console.hpp"
+#include "driver/option_scanner.hpp"
+#include "driver/scratch_name.hpp"
+#include "scl/scl_string.hpp"
+#include "tla/data_set_generator.hpp"
+#include "tla/scratch_file.hpp"
+#include "tla/upgrade_data_set.hpp"
+
+#include <cctype>
+#include <cstdio>
+
+namespace driver {
+
+namespace {
+
+constexpr std::string_view OPTION_LETTERS = "k:s:i:o:hu";
+
+std::u16string wide(std::string_view narrow) {
+    std::u16string text;
+    scl::scl_string_append(text, narrow);
+    return text;
+}
+
+bool fail_with_usage(const char* message) {
+    print_message(message);
+    print_usage();
+    return false;
+}
+
+} // namespace
+
+Driver::~Driver() {
+    if (output_given_ && std::uncaught_exceptions() > exceptions_before_) remove_output();
+}
+
+int Driver::run(int argument_count, const char* const* arguments) {
+    if (argument_count < 2) {
+        print_usage();
+        return EXIT_FAULT;
+    }
+    if (!take_options(argument_count, arguments)) return EXIT_FAULT;
+    const bool builds = !key_names_.empty() && !schema_.fields.empty();
+    const bool names_nothing = key_names_.empty() && schema_.fields.empty();
+    if (input_given_ && output_given_ && upgrade_asked_for_ && names_nothing) return upgrade();
+    if (input_given_ && output_given_ && builds) return build();
+    (void)fail_with_usage("Invalid number of arguments.");
+    return EXIT_FAULT;
+}
+
+bool Driver::take_options(int argument_count, const char* const* arguments) {
+    for (;;) {
+        const char letter = next_option(argument_count, arguments, OPTION_LETTERS);
+        if (letter == NO_MORE_OPTIONS) return true;
+        if (!take_option(letter)) return false;
+    }
+}
+
+bool Driver::take_option(char letter) {
+    switch (std::tolower(static_cast<unsigned char>(letter))) {
+    case 'h':
+        print_message("");
+        print_usage();
+        return false;
+    case 'i':
+        return open_input(option_argument);
+    case 'k':
+        take_key(option_argument);
+        return true;
+    case 'o':
+        return open_output(option_argument);
+    case 's':
+        return take_schema(option_argument);
+    case 'u':
+        upgrade_asked_for_ = true;
+        return true;
+    default:
+        return fail_with_usage("Commmand line invalid.");
+    }
+}
+
+bool Driver::open_input(std::string_view name) {
+    input_name_ = name;
+    const bool usable = !leads_to_scratch(input_name_);
+    if (usable) {
+        input_.open(wide(name), scl::Scl_file_open::existing, scl::Scl_file_access::read,
+                    scl::SCL_FILE_PLAIN, scl::SCL_FILE_FRONT_TO_BACK, status_);
+    }
+    if (!usable || status_.has_failed()) return fail_with_usage("Input Filename Invalid.");
+    input_given_ = true;
+    return true;
+}
+
+bool Driver::open_output(std::string_view name) {
+    output_name_ = name;
+    const bool usable = !would_be_scratch(output_name_);
+    if (usable) {
+        output_.open(wide(name), scl::Scl_file_open::create, scl::Scl_file_access::read_write,
+                     scl::SCL_FILE_PLAIN, scl::SCL_FILE_FRONT_TO_BACK, status_);
+    }
+    if (!usable || !status_.ok()) return fail_with_usage("Output Filename Invalid.");
+    output_given_ = true;
+    return true;
+}
+
+bool Driver::take_schema(std::string_view text) {
+    if (!schema_.fields.empty()) return fail_with_usage("Multiple schemas detected.");
+    if (parse_schema(text, schema_)) return true;
+    return fail_with_usage("Invalid schema format, see usage.");
+}
+
+void Driver::take_key(std::string_view name) {
+    key_names_.push_back(wide(name));
+}
+
+int Driver::upgrade() {
+    input_.close(status_);
+    tla::upgrade_data_set(input_name_, output_, status_);
+    close_output();
+    if (status_.ok()) return EXIT_OK;
+    print_status(status_);
+    remove_output();
+    return EXIT_FAULT;
+}
+
+int Driver::build() {
+    scl::Scl_buffered_istream in(input_, false, status_, scl::Scl_eol::text);
+    scl::Scl_file_buffer records;
+    tla::open_scratch_file(records, status_);
+    if (!status_.ok()) return EXIT_OK; // silent: nothing was read, and the output stays empty
+    switch (read_records(in, records)) {
+    case tla::Read_result::field_count_mismatch:
+        (void)fail_with_usage("Field count does not match the schema.");
+        return EXIT_FAULT;
+    case tla::Read_result::invalid_line_ending:
+        (void)fail_with_usage("Invalid line ending in input file.");
+        return EXIT_FAULT;
+    case tla::Read_result::finished:
+        break;
+    }
+    if (status_.ok()) {
+        tla::write_data_set_file(key_names_, schema_.fields, records, output_, status_);
+    }
+    close_output();
+    return report_generation();
+}
+
+tla::Read_result Driver::read_records(scl::Scl_buffered_istream& in,
+                                      scl::Scl_file_buffer& records) {
+    std::vector<std::uint64_t> key_positions;
+    resolve_keys(schema_.fields, key_names_, key_positions);
+    scl::Scl_ostream out(records, status_, scl::Scl_eol::none);
+    tla::Record_processor processor(schema_.types, key_positions);
+    tla::Record_reader reader(in, processor, out);
+    const tla::Read_result result = reader.read_records(status_);
+    in.detach();
+    out.detach(status_);
+    return result;
+}
+
+int Driver::report_generation() {
+    if (status_.ok()) {
+        if (status_.is_warning()) {
+            print_message("Warnings:");
+            print_status(status_);
+        }
+        return EXIT_OK;
+    }
+    print_message("Failed to generate file.");
+    print_status(status_);
+    remove_output();
+    return EXIT_FAULT;
+}
+
+// Before success is reported: a late write error may show only here.
+void Driver::close_output() {
+    output_.close(status_);
+}
+
+void Driver::remove_output() {
+    scl::Scl_status nobody_listens;
+    output_.close(nobody_listens);
+    // Through the C library and by the name as typed. When even this fails, what stays has no valid
+    // checksum and no reader takes it.
+    (void)std::remove(output_name_.c_str());
+}
+
+} // namespace driver

@@ -1,0 +1,58 @@
+#include "driver/driver.hpp"
+#include "scl/scl_file.hpp"
+#include "scl/scl_string.hpp"
+
+#include <cstdio>
+#include <cstdlib>
+#include <exception>
+#include <span>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Wide_arguments = std::vector<std::u16string>;
+
+Wide_arguments decode_arguments(std::span<char*> arguments) {
+    Wide_arguments wide;
+    for (const char* const argument : arguments) {
+        scl::scl_string_append(wide.emplace_back(), argument);
+    }
+    return wide;
+}
+
+int run_driver(const Wide_arguments& wide) {
+    std::vector<std::string> narrow(wide.size());
+    std::vector<const char*> pointers;
+    for (std::size_t i = 0; i < wide.size(); ++i) {
+        scl::scl_utf16_to_utf8(wide[i], narrow[i]);
+        pointers.push_back(narrow[i].c_str());
+    }
+    const int count = static_cast<int>(pointers.size());
+    pointers.push_back(nullptr);
+    driver::Driver driver;
+    return driver.run(count, pointers.data());
+}
+
+// By now everything is unwound: the scratch file and the output are gone.
+int report_exception(const char* message) {
+    std::fprintf(stderr, "%s\n", message);
+    return driver::EXIT_FAULT;
+}
+
+int run(std::span<char*> arguments) {
+    try {
+        return run_driver(decode_arguments(arguments));
+    } catch (const std::exception& exception) {
+        return report_exception(exception.what());
+    } catch (...) {
+        return report_exception("unknown exception");
+    }
+}
+
+} // namespace
+
+int main(int argument_count, char** arguments) {
+    scl::scl_ignore_write_signals();
+    std::exit(run({arguments, static_cast<std::size_t>(argument_count)}));
+}

@@ -1,0 +1,86 @@
+#include "driver/option_scanner.hpp"
+
+#include <cerrno>
+
+namespace driver {
+
+int option_index = 1;
+const char* next_character = nullptr;
+const char* option_argument = nullptr;
+
+namespace {
+
+constexpr char TAKES_ARGUMENT = ':';
+
+bool is_prefix(char character) {
+    return character == '-' || character == '/';
+}
+
+char bad_option() {
+    option_argument = nullptr;
+    errno = EINVAL;
+    return BAD_OPTION;
+}
+
+char end_of_options() {
+    option_argument = nullptr;
+    next_character = nullptr;
+    return NO_MORE_OPTIONS;
+}
+
+// The letter's argument stands behind it or in the next argument of the vector.
+bool fetch_argument(int argument_count, const char* const* arguments) {
+    ++option_index;
+    option_argument = nullptr;
+    if (*next_character != '\0') {
+        option_argument = next_character;
+    } else if (option_index < argument_count) {
+        option_argument = arguments[option_index++];
+    }
+    next_character = nullptr;
+    return option_argument != nullptr;
+}
+
+void step_over_plain_letter() {
+    option_argument = nullptr;
+    if (*next_character != '\0') return;
+    ++option_index;
+    next_character = nullptr;
+}
+
+char read_letter(int argument_count, const char* const* arguments, std::string_view letters) {
+    const char letter = *next_character++;
+    if (letter == '\0') {
+        ++option_index;
+        return end_of_options();
+    }
+    const std::size_t place = letters.find(letter);
+    if (letter == TAKES_ARGUMENT || place == std::string_view::npos) return bad_option();
+    const bool takes_argument = letters.substr(place + 1).starts_with(TAKES_ARGUMENT);
+    if (!takes_argument) {
+        step_over_plain_letter();
+    } else if (!fetch_argument(argument_count, arguments)) {
+        return bad_option();
+    }
+    return letter;
+}
+
+} // namespace
+
+char next_option(int argument_count, const char* const* arguments, std::string_view letters) {
+    if (option_index >= argument_count) return end_of_options();
+    if (next_character == nullptr) {
+        const char* const argument = arguments[option_index];
+        if (argument == nullptr) return end_of_options();
+        if (argument[0] == BAD_OPTION) return bad_option();
+        if (!is_prefix(argument[0])) return end_of_options();
+        if (is_prefix(argument[1])) {
+            ++option_index;
+            return end_of_options();
+        }
+        next_character = argument + 1;
+    }
+    return read_letter(argument_count, arguments, letters);
+}
+
+} // namespace driver
