@@ -1,0 +1,115 @@
+#include "scl/scl_status.hpp"
+#include "scl/scl_status_lookup.hpp"
+#include "scl/scl_string.hpp"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace {
+
+constexpr scl::Scl_status_code WARNING = 0x82012512;
+constexpr scl::Scl_status_code KEY_NAME = 0xC2012511;
+constexpr scl::Scl_status_code NO_TEXT_FOR_IT = 0xC2019999;
+
+std::string shown(const scl::Scl_status& status) {
+    std::u16string wide = u"replaced";
+    scl::Scl_status_lookup::to_string(status, wide);
+    std::string narrow;
+    scl::scl_wtos(wide, narrow, true);
+    return narrow;
+}
+
+TEST(Status, SeverityIsThatOfTheTopEntryButOkLooksAtAll) {
+    scl::Scl_status status;
+    EXPECT_TRUE(status.ok());
+    EXPECT_FALSE(status.is_warning());
+    EXPECT_EQ(status.value(), 0U);
+
+    status.push(WARNING);
+    EXPECT_TRUE(status.ok());
+    EXPECT_TRUE(status.is_warning());
+    EXPECT_FALSE(status.has_failed());
+
+    status.push(scl::SCL_STATUS_END_OF_DATA);
+    status.push(WARNING);
+    EXPECT_FALSE(status.ok()) << "an error below a warning is still an error";
+    EXPECT_FALSE(status.has_failed()) << "loops look at the top entry alone";
+    EXPECT_TRUE(status.contains_value(scl::SCL_STATUS_END_OF_DATA));
+
+    status = KEY_NAME;
+    EXPECT_EQ(status.entries().size(), 1U) << "assignment replaces everything";
+    status.clear();
+    EXPECT_TRUE(status.ok());
+    EXPECT_FALSE(status.contains_value(KEY_NAME));
+}
+
+TEST(Status, NeighboursThatAreEqualAreHeldAsOne) {
+    scl::Scl_status status;
+    for (int i = 0; i < 1000000; ++i) {
+        status.push(WARNING);
+    }
+    status.push(KEY_NAME, scl::Scl_wstring_status_arg(u"a"));
+    status.push(KEY_NAME, scl::Scl_wstring_status_arg(u"a"));
+    status.push(KEY_NAME, scl::Scl_wstring_status_arg(u"b"));
+    status.push(KEY_NAME);
+    ASSERT_EQ(status.entries().size(), 4U);
+    EXPECT_EQ(status.entries()[0].count, 1000000U);
+    EXPECT_NE(shown(status).find(" (1000000 times)"), std::string::npos);
+}
+
+TEST(Status, OnlyTheTopEntryOfALocalStatusIsPassedOn) {
+    scl::Scl_status local;
+    local.push(WARNING);
+    local.push(KEY_NAME, scl::Scl_wstring_status_arg(u"Surname"));
+    scl::Scl_status status;
+    status.push_top(scl::Scl_status());
+    EXPECT_TRUE(status.entries().empty());
+    status.push_top(local);
+    ASSERT_EQ(status.entries().size(), 1U);
+    EXPECT_EQ(status.entries()[0].argument->text(), u"Surname");
+}
+
+TEST(Status, TextHasALinePerEntryTheMostRecentFirst) {
+    scl::Scl_status status;
+    status.push(WARNING);
+    status.push(KEY_NAME, scl::Scl_wstring_status_arg(u"100% %s"));
+    status.push(NO_TEXT_FOR_IT);
+    const std::string text = shown(status);
+    EXPECT_EQ(text.substr(0, text.find('\n')), "0xC2019999");
+    EXPECT_NE(text.find("\n0xC2012511: The key name '100% %s' matches"), std::string::npos);
+    EXPECT_NE(text.find("\n0x82012512: "), std::string::npos);
+    EXPECT_NE(text.back(), '\n');
+}
+
+// A file may be named by anybody: its name must not reach the terminal as a command.
+TEST(Status, ControlsAndStrayBytesInArgumentsAreSpelledOut) {
+    scl::Scl_status status;
+    status.push(KEY_NAME,
+                scl::Scl_wstring_status_arg("\x1b[2J\n\x7f\xc2\x9b\xff\xf0\x9f\x98\x80é"));
+    const std::string text = shown(status);
+    EXPECT_NE(text.find("'\\x1B[2J\\x0A\\x7F\\x9B\\xFF\xf0\x9f\x98\x80é'"), std::string::npos)
+        << text;
+}
+
+TEST(Status, EveryCodeInUseHasAText) {
+    for (const scl::Scl_status_code code :
+         {0xC2000001U, 0xC2000010U, 0xC2000011U, 0xC2000012U, 0xC2000013U, 0xC2000014U, 0xC2000015U,
+          0xC2000016U, 0xC2000019U, 0xC200002AU, 0xC200006AU, 0xC200006BU, 0xC2012510U, 0xC2012511U,
+          0x82012512U, 0xC2012513U, 0xC2012514U, 0xC2012515U, 0xC201251AU, 0xC2012521U, 0xC2012522U,
+          0xC2012525U, 0xC2012526U, 0xC2012527U, 0xC2012528U}) {
+        scl::Scl_status status;
+        status.push(code);
+        EXPECT_GT(shown(status).size(), 30U) << shown(status);
+    }
+}
+
+TEST(Status, MessageFilesAreFoundByName) {
+    const std::array good = {std::string(scl::SCL_UTIL_STATUS_FILE_NAME),
+                             std::string(scl::SCL_PLAT_STATUS_FILE_NAME)};
+    const std::array bad = {std::string(scl::SCL_PLAT_STATUS_FILE_NAME), std::string("other.msg")};
+    EXPECT_TRUE(scl::Scl_status_lookup::initialise_message_list(good));
+    EXPECT_FALSE(scl::Scl_status_lookup::initialise_message_list(bad));
+}
+
+} // namespace
