@@ -74,10 +74,9 @@ void append_entry(std::u16string& text, const Scl_status::Entry& entry) {
 } // namespace
 
 bool Scl_status_lookup::initialise_message_list(std::span<const std::string> file_names) {
-    const auto& files = impl::SCL_MESSAGE_FILES;
-    return std::all_of(file_names.begin(), file_names.end(), [&files](const std::string& name) {
-        return std::any_of(files.begin(), files.end(),
-                           [&name](const auto& file) { return file.name == name; });
+    return std::ranges::all_of(file_names, [](const std::string& name) {
+        return std::ranges::find(impl::SCL_MESSAGE_FILES, name, &impl::Scl_message_file::name) !=
+               impl::SCL_MESSAGE_FILES.end();
     });
 }
 

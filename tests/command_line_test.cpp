@@ -1,0 +1,121 @@
+#include "program.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using test::Outcome;
+using test::Workplace;
+
+constexpr int FAULT = 255;
+constexpr std::string_view USAGE_START = "\n\ndsmake 22.08.00\n\nUsage:\n\n";
+constexpr std::string_view USAGE_END = "\t-h  means just display usage message.\n\n";
+
+// The message stands alone on standard error, its line end and the usage text on standard output.
+void expect_usage_error(const Outcome& outcome, std::string_view message) {
+    EXPECT_EQ(outcome.exit_status, FAULT);
+    EXPECT_EQ(outcome.err, message);
+    EXPECT_TRUE(outcome.out.starts_with(USAGE_START)) << outcome.out;
+    EXPECT_TRUE(outcome.out.ends_with(USAGE_END));
+}
+
+class Command_line : public testing::Test {
+protected:
+    void SetUp() override { place.write("in", "Ann\tSmith\n"); }
+
+    Workplace place;
+    const std::string schema = "First,Simple;Last,SimpleNC";
+};
+
+TEST_F(Command_line, AloneItShowsItsUsage) {
+    const Outcome outcome = place.run({});
+    EXPECT_EQ(outcome.exit_status, FAULT);
+    EXPECT_EQ(outcome.err, "");
+    EXPECT_EQ(outcome.out.size(), 1376U);
+    EXPECT_TRUE(outcome.out.starts_with(USAGE_START.substr(1)));
+    expect_usage_error(place.run({"-h", "-x"}), "");
+    expect_usage_error(place.run({"-hu"}), "");
+}
+
+TEST_F(Command_line, FaultsAreReportedInTheOrderMet) {
+    expect_usage_error(place.run({"-i", "none", "-x"}), "Input Filename Invalid.");
+    expect_usage_error(place.run({"-s", "a,Simple", "-s", "b,Simple"}),
+                       "Multiple schemas detected.");
+    expect_usage_error(place.run({"-s", ";", "-s", "a"}), "Invalid schema format, see usage.");
+    for (const char* bad : {"-x", "-K", "-:", "?", "-k"}) {
+        expect_usage_error(place.run({bad}), "Commmand line invalid.");
+    }
+    expect_usage_error(place.run({"word", "-x"}), "Invalid number of arguments.");
+    expect_usage_error(place.run({"-s", schema, "-i", "in", "-o", "out"}),
+                       "Invalid number of arguments.");
+    EXPECT_EQ(place.read("out"), "") << "created when the option was read, and left";
+    expect_usage_error(place.run({"-o", "out", "-x"}), "Output Filename Invalid.");
+    expect_usage_error(place.run({"-u", "-i", "in", "-o", "new", "-s", schema}),
+                       "Invalid number of arguments.");
+}
+
+TEST_F(Command_line, BothStreamsIntoOnePlaceKeepTheirOrder) {
+    const Outcome outcome = place.shell("$DSMAKE -x 2>&1");
+    EXPECT_TRUE(outcome.out.starts_with("Commmand line invalid.\n\ndsmake 22.08.00\n"));
+}
+
+TEST_F(Command_line, BuildsWithEitherPrefixAndIgnoresAnUpgradeFlag) {
+    const Outcome first = place.run(test::build_arguments(schema, {"Last"}));
+    EXPECT_EQ(first.exit_status, 0);
+    EXPECT_EQ(first.err + first.out, "");
+    EXPECT_FALSE(place.exists("mid_buf"));
+    const Outcome second =
+        place.run({"-u", "/kLast", "/s", schema, "-iin", "/o", "again", "--", "-x"});
+    EXPECT_EQ(second.exit_status, 0);
+    EXPECT_EQ(place.read("again"), place.read("out"));
+}
+
+TEST_F(Command_line, RecordFaultsLeaveTheOutputEmpty) {
+    for (const std::string line : {"Ann\n", "Ann\tLee\tx\n", "\n", "a\tb\r\n\r\n"}) {
+        place.write("in", "Ann\tSmith\n" + line);
+        expect_usage_error(place.run(test::build_arguments(schema, {"Last"})),
+                           "Field count does not match the schema.");
+        EXPECT_TRUE(place.exists("out"));
+        EXPECT_EQ(place.read("out"), "");
+        place.remove("out");
+    }
+    for (const std::string line : {"a\tb\r", "a\rb\n", "a\tb\r\r\n"}) {
+        place.write("in", "Ann\tSmith\n" + line);
+        expect_usage_error(place.run(test::build_arguments(schema, {"Last"})),
+                           "Invalid line ending in input file.");
+        EXPECT_EQ(place.read("out"), "");
+        place.remove("out");
+    }
+    EXPECT_FALSE(place.exists("mid_buf"));
+}
+
+TEST_F(Command_line, GenerationFaultsRemoveTheOutput) {
+    const auto expect_failure = [this](const std::vector<std::string>& arguments,
+                                       std::string_view status_text) {
+        const Outcome outcome = place.run(arguments);
+        EXPECT_EQ(outcome.exit_status, FAULT);
+        EXPECT_TRUE(outcome.err.starts_with("Failed to generate file.0x")) << outcome.err;
+        EXPECT_NE(outcome.err.find(status_text), std::string::npos) << outcome.err;
+        EXPECT_EQ(outcome.out, "\n\n");
+        EXPECT_FALSE(place.exists("out"));
+        EXPECT_FALSE(place.exists("mid_buf"));
+    };
+    expect_failure(test::build_arguments(schema, {"last"}), "0xC2012511: The key name 'last' ");
+    expect_failure(test::build_arguments(schema, {"%n%s\x1b[2J"}), "'%n%s\\x1B[2J'");
+    expect_failure(test::build_arguments("A,Simple;A,Simple", {"A"}), "0xC2012510: ");
+    expect_failure(test::build_arguments("A,Simple;B,Nobody", {"A"}), "0xC20125");
+    place.write("in", "Ann\t \xc2\xa0\t\n");
+    expect_failure(test::build_arguments(schema + ";C,Simple", {"LAST"}), "0xC2012528: ");
+}
+
+TEST_F(Command_line, DuplicatesAreAWarning) {
+    place.write("in", "a\tb\na\tb\nA\tb\na\tB\n");
+    const Outcome outcome = place.run(test::build_arguments(schema, {"Last", "First"}));
+    EXPECT_EQ(outcome.exit_status, 0);
+    // Sorted by last name all four are neighbours, but the third differs from both sides.
+    EXPECT_TRUE(outcome.err.starts_with("Warnings:0x82012512: ")) << outcome.err;
+    EXPECT_TRUE(outcome.err.ends_with("(3 times)")) << outcome.err;
+    EXPECT_EQ(outcome.out, "\n\n");
+}
+
+} // namespace

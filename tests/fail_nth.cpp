@@ -1,0 +1,87 @@
+// A library to preload: makes the Nth file operation of a program fail, N from FAIL_AT; only that
+// one, or with FAIL_ON=1 all from there on. It counts opening, examining, reading, writing,
+// removing and closing files, and appends a byte to FAIL_REPORT when it has made one fail.
+#include <cerrno>
+#include <cstdarg>
+#include <cstdlib>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+template <typename Function>
+Function* next_of(const char* name) {
+    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
+}
+
+void report() {
+    static const bool reported = [] {
+        const int file = ::creat(std::getenv("FAIL_REPORT"), 0600);
+        return file >= 0;
+    }();
+    (void)reported;
+}
+
+bool fails(int error) {
+    static const char* const at = std::getenv("FAIL_AT");
+    static const bool on = std::getenv("FAIL_ON") != nullptr;
+    static long count = 0;
+    if (at == nullptr) return false;
+    ++count;
+    const bool failing = on ? count >= std::atol(at) : count == std::atol(at);
+    if (failing) {
+        report();
+        errno = error;
+    }
+    return failing;
+}
+
+} // namespace
+
+extern "C" {
+
+int open(const char* name, int flags, ...) {
+    va_list rest;
+    va_start(rest, flags);
+    const mode_t mode = va_arg(rest, mode_t);
+    va_end(rest);
+    static auto* const real = next_of<int(const char*, int, ...)>("open");
+    return fails(EMFILE) ? -1 : real(name, flags, mode);
+}
+
+int fstat(int file, struct stat* facts) {
+    static auto* const real = next_of<int(int, struct stat*)>("fstat");
+    return fails(EIO) ? -1 : real(file, facts);
+}
+
+int lstat(const char* name, struct stat* facts) {
+    static auto* const real = next_of<int(const char*, struct stat*)>("lstat");
+    return fails(EIO) ? -1 : real(name, facts);
+}
+
+ssize_t pread(int file, void* bytes, size_t count, off_t offset) {
+    static auto* const real = next_of<ssize_t(int, void*, size_t, off_t)>("pread");
+    return fails(EIO) ? -1 : real(file, bytes, count, offset);
+}
+
+ssize_t pwrite(int file, const void* bytes, size_t count, off_t offset) {
+    static auto* const real = next_of<ssize_t(int, const void*, size_t, off_t)>("pwrite");
+    if (fails(ENOSPC)) return -1;
+    // A short write first, as disks that fill up give them.
+    return real(file, bytes, count > 1 ? count / 2 : count, offset);
+}
+
+int unlink(const char* name) {
+    static auto* const real = next_of<int(const char*)>("unlink");
+    return fails(EACCES) ? -1 : real(name);
+}
+
+int close(int file) {
+    static auto* const real = next_of<int(int)>("close");
+    const int result = real(file);
+    return fails(EIO) ? -1 : result;
+}
+
+} // extern "C"

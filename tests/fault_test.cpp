@@ -1,0 +1,82 @@
+#include "program.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using test::Outcome;
+using test::Workplace;
+
+constexpr int FAULT = 255;
+
+std::vector<std::string> failing_at(int operation, bool on, const Workplace& place) {
+    std::vector<std::string> environment = {
+        "LD_PRELOAD=" DSMAKE_FAIL_NTH, "ASAN_OPTIONS=verify_asan_link_order=0",
+        "FAIL_AT=" + std::to_string(operation), "FAIL_REPORT=" + place.path("failed").string()};
+    if (on) environment.emplace_back("FAIL_ON=1");
+    return environment;
+}
+
+// Nothing may be lost without a word: either the right file, or a message, exit status 255 and no
+// file. The one exception is a scratch file that cannot be set up, which ends silently by
+// definition, the output empty.
+void expect_honest(const Outcome& outcome, const Workplace& place, const std::string& expected) {
+    if (outcome.exit_status == 0) {
+        const std::string found = place.read("out");
+        EXPECT_TRUE(found == expected || found.empty());
+        EXPECT_EQ(outcome.err, "");
+    } else {
+        EXPECT_EQ(outcome.exit_status, FAULT);
+        EXPECT_GT(outcome.err.size(), 10U);
+        EXPECT_FALSE(place.exists("out")) << outcome.err;
+    }
+}
+
+// Fails the first operation, then the second, and so on, until a run meets no failure.
+void fail_each_operation(const std::vector<std::string>& arguments, const std::string& input,
+                         bool on) {
+    const Workplace place;
+    place.write("in", input);
+    ASSERT_EQ(place.run(arguments).exit_status, 0);
+    const std::string expected = place.read("out");
+    int failures = 0;
+    for (int operation = 1; operation < 1000; ++operation) {
+        SCOPED_TRACE("operation " + std::to_string(operation));
+        place.remove("out");
+        place.remove("failed");
+        const Outcome outcome = place.run(arguments, failing_at(operation, on, place));
+        expect_honest(outcome, place, expected);
+        place.remove("mid_buf"); // stays when its removal is what failed
+        if (!place.exists("failed")) {
+            EXPECT_EQ(outcome.exit_status, 0);
+            EXPECT_TRUE(place.read("out") == expected);
+            EXPECT_GT(failures, 15);
+            return;
+        }
+        if (outcome.exit_status != 0) ++failures;
+    }
+    FAIL() << "no run came to its end";
+}
+
+class Fault : public testing::TestWithParam<bool> {
+protected:
+    // Large enough for several buffers of input, records and output.
+    static std::string lines() {
+        std::string lines;
+        for (int i = 0; i < 6000; ++i) {
+            lines += "name " + std::to_string(i) + "\tkey" + std::to_string(i % 100) + "\n";
+        }
+        return lines + "name 0\tkey0\n";
+    }
+};
+
+TEST_P(Fault, ABuildLosesNothing) {
+    fail_each_operation({"-s", "A,Simple;B,Simple", "-k", "A", "-k", "B", "-i", "in", "-o", "out"},
+                        lines(), GetParam());
+}
+
+INSTANTIATE_TEST_SUITE_P(OnceOrFromThenOn, Fault, testing::Bool(), [](const auto& info) {
+    return std::string(info.param ? "FromThenOn" : "Once");
+});
+
+} // namespace

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace test {
+
+// What a run of the program left behind.
+struct Outcome {
+    int exit_status = -1; // 128 + the signal's number when one ended it
+    std::string out;
+    std::string err;
+};
+
+// An empty folder to run the program in; gone at the end of the test.
+class Workplace {
+public:
+    Workplace();
+    Workplace(const Workplace&) = delete;
+    Workplace& operator=(const Workplace&) = delete;
+    ~Workplace();
+
+    [[nodiscard]] std::filesystem::path path(std::string_view name) const { return folder_ / name; }
+    void write(std::string_view name, std::string_view bytes) const;
+    [[nodiscard]] std::string read(std::string_view name) const;
+    [[nodiscard]] bool exists(std::string_view name) const;
+    void remove(std::string_view name) const;
+
+    // Runs dsmake here with these arguments, and with "NAME=value" added to the environment.
+    [[nodiscard]] Outcome run(const std::vector<std::string>& arguments,
+                              const std::vector<std::string>& environment = {}) const;
+    // Runs a shell command here; $DSMAKE is the program.
+    [[nodiscard]] Outcome shell(const std::string& command) const;
+
+private:
+    std::filesystem::path folder_;
+};
+
+// A command line that builds "out" from "in".
+[[nodiscard]] std::vector<std::string> build_arguments(const std::string& schema,
+                                                       const std::vector<std::string>& keys);
+
+} // namespace test
