@@ -224,6 +224,7 @@ TEST(Unicode, NormalizationInsideLongerText) {
     EXPECT_EQ(nfc(u"a\u0323\u0302 a\u0302\u0323"), u"\u1EAD \u1EAD");
     EXPECT_EQ(nfc(u"\u1112\u1161\u11AB\u1100\u1173\u11AF"), u"\uD55C\uAE00");
     EXPECT_EQ(nfc(u"\uAC00\u11A7\u11A8"), u"\uAC00\u11A7\u11A8");
+    EXPECT_EQ(nfc(u"\uAC02\u11A8"), u"\uAC02\u11A8"); // has a tail already
     const std::u16string lone = {u'e', 0x301, 0xD800, u'e', 0x301, 0xDC00};
     const std::u16string lone_normal = {0xE9, 0xD800, 0xE9, 0xDC00};
     EXPECT_EQ(nfc(lone), lone_normal);
