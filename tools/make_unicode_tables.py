@@ -39,9 +39,12 @@ class Data:
     def __init__(self, directory):
         self.directory = Path(directory)
 
+    def text(self, name):
+        return (self.directory / name).read_text(encoding="utf-8")
+
     def rows(self, name):
         """The fields of each line, without comments and blanks."""
-        for line in (self.directory / name).read_text(encoding="utf-8").splitlines():
+        for line in self.text(name).splitlines():
             line = line.partition("#")[0]
             if line.strip():
                 yield [field.strip() for field in line.split(";")]
@@ -87,9 +90,13 @@ def header_version():
 
 
 def check_version(data, version):
-    for name in ("PropList", "CaseFolding", "DerivedCoreProperties", "DerivedNormalizationProps"):
-        line = (data.directory / f"{name}.txt").read_text(encoding="utf-8").partition("\n")[0]
-        require(line == f"# {name}-{version}.txt", f"{name}.txt is not of version {version}")
+    names = ["PropList", "CaseFolding", "SpecialCasing", "DerivedCoreProperties",
+             "DerivedNormalizationProps", "auxiliary/WordBreakProperty"]  # fmt: skip
+    for name in names:
+        head = f"# {name.rpartition('/')[2]}-{version}.txt\n"
+        require(data.text(f"{name}.txt").startswith(head), f"{name}.txt is not of {version}")
+    # UnicodeData.txt and emoji-data.txt do not say; the file that goes with all of them does.
+    require(f"Version {version} of" in data.text("ReadMe.txt"), f"the data is not of {version}")
 
 
 def class_of(category):

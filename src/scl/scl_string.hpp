@@ -17,7 +17,7 @@ inline constexpr std::size_t SCL_NPOS = static_cast<std::size_t>(-1);
 
 inline constexpr std::u16string_view W_SEMICOLON = u";";
 inline constexpr std::u16string_view W_COMMA = u",";
-inline constexpr std::u16string_view W_EMPTY = u"";
+inline constexpr std::u16string_view W_EMPTY;
 inline constexpr std::u16string_view W_LF = u"\n";
 inline constexpr std::u16string_view W_CRLF = u"\r\n";
 

@@ -36,7 +36,7 @@ char32_t scl_utf8_next_long(std::string_view text, std::size_t& at) {
     if (lead >= 0xC2 && lead < 0xE0) {
         length = 2;
         code_point = decode(text, at, length, lead & 0x1FU);
-        well_formed = code_point >= 0x80;
+        well_formed = code_point != 0;
     } else if (lead >= 0xE0 && lead < 0xF0) {
         length = 3;
         code_point = decode(text, at, length, lead & 0x0FU);
