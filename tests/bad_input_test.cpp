@@ -66,7 +66,7 @@ TEST_F(Bad_input, AnyBytesAreAValue) {
 }
 
 TEST_F(Bad_input, LongLinesAndManyFieldsEndByThemselves) {
-    EXPECT_EQ(built(std::string(20000000, 'a') + "\tx\n").size(), 128U - 8);
+    EXPECT_EQ(built(std::string(20000000, 'a') + "\tx\n").size(), 96U);
     place.write("in", std::string(1000000, '\t') + "\n");
     place.remove("out");
     EXPECT_EQ(build().err, "Field count does not match the schema.");

@@ -75,7 +75,9 @@ ssize_t pwrite(int file, const void* bytes, size_t count, off_t offset) {
 
 int unlink(const char* name) {
     static auto* const real = next_of<int(const char*)>("unlink");
-    return fails(EACCES) ? -1 : real(name);
+    // Alone: where nothing can be removed from then on, no program can clean up.
+    static const bool alone = std::getenv("FAIL_ON") == nullptr;
+    return alone && fails(EACCES) ? -1 : real(name);
 }
 
 int close(int file) {
