@@ -4,15 +4,9 @@
 #include "records/tla_status_codes.hpp"
 #include "scl/scl_string.hpp"
 
-#include <algorithm>
-
 namespace tla {
 
 namespace {
-
-bool is_key_field(std::span<const std::uint64_t> key_positions, std::uint64_t position) {
-    return std::find(key_positions.begin(), key_positions.end(), position) != key_positions.end();
-}
 
 constexpr std::uint8_t RECORD_END = 0;
 
@@ -22,11 +16,14 @@ Record_processor::Record_processor(std::span<const Formatter_type_id> types,
                                    std::span<const std::uint64_t> key_positions) {
     columns_.reserve(types.size());
     for (const Formatter_type_id& type : types) {
-        columns_.push_back({create_formatter(type), is_key_field(key_positions, columns_.size())});
+        columns_.push_back({create_formatter(type), false});
+    }
+    for (const std::uint64_t position : key_positions) {
+        columns_.at(position).is_key = true;
     }
 }
 
-void Record_processor::process(std::span<const std::u16string> fields, scl::Scl_ostream& out,
+void Record_processor::process(std::span<const std::u16string_view> fields, scl::Scl_ostream& out,
                                scl::Scl_status& status) {
     if (fields.empty() || fields.size() != columns_.size()) return;
     for (std::size_t i = 0; i < fields.size() && !status.has_failed(); ++i) {

@@ -25,7 +25,7 @@ public:
 
     // Does nothing when the number of fields is not that of the columns. Pushes
     // TLA_STATUS_EMPTY_KEY for a key field that is empty after trimming, and stops there.
-    void process(std::span<const std::u16string> fields, scl::Scl_ostream& out,
+    void process(std::span<const std::u16string_view> fields, scl::Scl_ostream& out,
                  scl::Scl_status& status);
 
 private:

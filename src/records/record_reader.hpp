@@ -1,12 +1,12 @@
 #pragma once
 
 #include "records/record_processor.hpp"
+#include "records/record_text.hpp"
 #include "scl/scl_buffered_istream.hpp"
 
 #include <cstddef>
 #include <span>
 #include <string>
-#include <vector>
 
 namespace tla {
 
@@ -30,19 +30,25 @@ public:
 private:
     using Bytes = std::span<const std::byte>;
 
-    void take_delimiter(Bytes before, std::byte delimiter, scl::Scl_status& status);
+    // Takes lines and fields off the window's front and returns how many bytes are done; what is
+    // left begins with a byte that needs a look beyond the window.
+    [[nodiscard]] std::size_t take_window(Bytes window, scl::Scl_status& status);
+    void take_across_windows(scl::Scl_status& status);
     void take_line_feed_after_return(scl::Scl_status& status);
     void take_mark_or_byte(scl::Scl_status& status);
     void gather(Bytes bytes);
     void end_field(Bytes bytes);
     void end_record(scl::Scl_status& status);
+    [[nodiscard]] bool goes_on(const scl::Scl_status& status) const {
+        return result_ == Read_result::finished && !status.has_failed();
+    }
 
     scl::Scl_buffered_istream& in_;
     Record_processor& processor_;
     scl::Scl_ostream& out_;
     Read_result result_ = Read_result::finished;
-    std::string gathered_;               // of a field that does not stand in one piece
-    std::vector<std::u16string> fields_; // one a column; further fields are only counted
+    std::string gathered_; // of a field that does not stand in one piece
+    Record_text record_;   // no more fields than there are columns: further ones are only counted
     std::size_t field_count_ = 0;
 };
 

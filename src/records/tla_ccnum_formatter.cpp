@@ -1,7 +1,5 @@
 #include "records/tla_ccnum_formatter.hpp"
 
-#include <algorithm>
-
 namespace tla {
 
 namespace {
@@ -17,7 +15,7 @@ const std::string Tla_ccnum_formatter::NAME = "CCNUMBER";
 void Tla_ccnum_formatter::format(std::u16string_view input, std::u16string& output,
                                  bool raw) const {
     copy_normalised(input, output, raw);
-    std::erase_if(output, is_separator);
+    std::erase_if(output, [](char16_t unit) { return is_separator(unit); });
 }
 
 } // namespace tla

@@ -7,7 +7,7 @@ namespace tla {
 
 void Tla_formatter_base::copy_normalised(std::u16string_view input, std::u16string& output,
                                          bool raw) {
-    if (!raw && scl::scl_can_normalize(input)) {
+    if (!raw && !scl::scl_is_plain(input) && scl::scl_can_normalize(input)) {
         scl::Scl_status status;
         scl::scl_normalize(input, output, status);
         if (!status.has_failed()) return;

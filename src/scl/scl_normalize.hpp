@@ -1,5 +1,7 @@
 #pragma once
 
+#include "scl/scl_utf.hpp"
+
 #include <string>
 #include <string_view>
 
@@ -9,6 +11,12 @@ class Scl_status;
 
 // True when the text is well-formed UTF-16, that is, holds no lone surrogate.
 [[nodiscard]] bool scl_can_normalize(std::u16string_view text);
+
+// True for text wholly below U+0300 (nearly always: it may miss some). Such text is well formed and
+// in any normal form that composes; Latin letters with accents of their own are part of it.
+[[nodiscard]] inline bool scl_is_plain(std::u16string_view text) {
+    return impl::scl_all_bits(text) < 0x300;
+}
 
 // True when the text is in Normalization Form C (Unicode Standard Annex #15). A lone surrogate
 // counts as a character that nothing composes with.

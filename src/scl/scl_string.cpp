@@ -3,6 +3,7 @@
 #include "scl/scl_unicode.hpp"
 #include "scl/scl_utf.hpp"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
@@ -11,18 +12,28 @@ namespace scl {
 
 namespace {
 
-constexpr std::size_t BLOCK = 8;
+// Units that are copied at once. Texts are short, so there is a smaller size for the small ones.
+constexpr std::size_t LARGE = 8;
+constexpr std::size_t SMALL = 4;
 
-bool is_ascii_block(const char* bytes) {
-    std::uint64_t block = 0;
-    std::memcpy(&block, bytes, sizeof block);
-    return (block & 0x8080808080808080U) == 0;
+template <class Unsigned, class Char>
+Unsigned load(const Char* from) {
+    Unsigned value = 0;
+    std::memcpy(&value, from, sizeof value);
+    return value;
 }
 
+template <std::size_t Size>
+bool is_ascii_block(const char* bytes) {
+    using Word = std::conditional_t<Size == LARGE, std::uint64_t, std::uint32_t>;
+    return (load<Word>(bytes) & static_cast<Word>(0x8080808080808080U)) == 0;
+}
+
+template <std::size_t Size>
 bool is_ascii_block(const char16_t* units) {
-    std::uint64_t halves[2] = {};
-    std::memcpy(halves, units, sizeof halves);
-    return ((halves[0] | halves[1]) & 0xFF80FF80FF80FF80U) == 0;
+    std::uint64_t all = load<std::uint64_t>(units);
+    if constexpr (Size == LARGE) all |= load<std::uint64_t>(units + SMALL);
+    return (all & 0xFF80FF80FF80FF80U) == 0;
 }
 
 template <class Char>
@@ -30,27 +41,38 @@ bool is_ascii(Char c) {
     return static_cast<std::make_unsigned_t<Char>>(c) < 0x80;
 }
 
-// Copies a block when it is wholly ASCII; tells whether it is.
-template <class To, class From>
+// Copies a block when it is wholly ASCII; tells whether it is. As vectors, or the compiler takes it
+// apart again.
+template <std::size_t Size, class To, class From>
 bool copy_block(To* to, const From* from) {
-    if (!is_ascii_block(from)) return false;
-    for (std::size_t i = 0; i < BLOCK; ++i)
-        to[i] = static_cast<To>(from[i]);
+    using From_block [[gnu::vector_size(Size * sizeof(From))]] = std::make_unsigned_t<From>;
+    using To_block [[gnu::vector_size(Size * sizeof(To))]] = std::make_unsigned_t<To>;
+    if (!is_ascii_block<Size>(from)) return false;
+    From_block read;
+    std::memcpy(&read, from, sizeof read);
+    const auto converted = __builtin_convertvector(read, To_block);
+    std::memcpy(to, &converted, sizeof converted);
     return true;
 }
 
 // Copies the ASCII characters that the text begins with, blockwise as far as that goes; gives
-// their number.
-template <class To, class From>
-std::size_t copy_ascii(To* to, const From* from, std::size_t size) {
+// their number. The last block may overlap what is done already.
+template <std::size_t Size, class To, class From>
+std::size_t copy_ascii_in_blocks(To* to, const From* from, std::size_t size) {
     std::size_t at = 0;
-    while (size - at >= BLOCK && copy_block(to + at, from + at))
-        at += BLOCK;
-    const bool is_tail = at > 0 && size - at < BLOCK; // then the last block overlaps what is done
-    if (is_tail && copy_block(to + size - BLOCK, from + size - BLOCK)) return size;
+    while (size - at >= Size && copy_block<Size>(to + at, from + at))
+        at += Size;
+    const bool is_tail = size >= Size && size - at < Size;
+    if (is_tail && copy_block<Size>(to + size - Size, from + size - Size)) return size;
     for (; at < size && is_ascii(from[at]); ++at)
         to[at] = static_cast<To>(from[at]);
     return at;
+}
+
+template <class To, class From>
+std::size_t copy_ascii(To* to, const From* from, std::size_t size) {
+    return size < LARGE ? copy_ascii_in_blocks<SMALL>(to, from, size)
+                        : copy_ascii_in_blocks<LARGE>(to, from, size);
 }
 
 // An upper bound of the bytes a text takes: a unit from U+0080 takes one byte more, one from U+0800
@@ -64,10 +86,8 @@ std::size_t utf8_bound(std::u16string_view wide) {
 
 } // namespace
 
-void scl_string_append(std::u16string& wide, std::string_view narrow) {
-    const std::size_t start = wide.size();
-    wide.resize(start + narrow.size()); // no byte becomes more than one unit
-    char16_t* to = wide.data() + start;
+std::size_t scl_convert(std::string_view narrow, char16_t* wide) {
+    char16_t* to = wide;
     for (std::size_t at = 0; at < narrow.size();) {
         const std::size_t ascii = copy_ascii(to, narrow.data() + at, narrow.size() - at);
         to += ascii;
@@ -75,7 +95,13 @@ void scl_string_append(std::u16string& wide, std::string_view narrow) {
         while (at < narrow.size() && !is_ascii(narrow[at]))
             to = impl::scl_utf16_put(to, impl::scl_utf8_next_long(narrow, at));
     }
-    wide.resize(static_cast<std::size_t>(to - wide.data()));
+    return static_cast<std::size_t>(to - wide);
+}
+
+void scl_string_append(std::u16string& wide, std::string_view narrow) {
+    const std::size_t start = wide.size();
+    wide.resize(start + narrow.size());
+    wide.resize(start + scl_convert(narrow, wide.data() + start));
 }
 
 void scl_string_append(std::string& narrow, std::u16string_view wide) {

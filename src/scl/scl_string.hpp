@@ -25,6 +25,10 @@ inline constexpr std::u16string_view W_CRLF = u"\r\n";
 void scl_string_append(std::u16string& wide, std::string_view narrow);
 void scl_string_append(std::string& narrow, std::u16string_view wide);
 
+// Converts into memory of the caller's and returns the number of units. No byte becomes more than
+// one unit: `wide` has room for narrow.size() of them.
+[[nodiscard]] std::size_t scl_convert(std::string_view narrow, char16_t* wide);
+
 // Replaces `wide` by the converted text.
 void scl_stow(std::string_view narrow, std::u16string& wide);
 

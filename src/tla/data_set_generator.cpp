@@ -64,20 +64,6 @@ void copy_records(scl::Scl_buffered_istream& records, scl::Scl_ostream& out,
     }
 }
 
-// Steps over a record as far as it goes; true when it counts.
-bool count_record(std::size_t field_count, Record_scanner& scanner, std::uint8_t& end,
-                  scl::Scl_status& status) {
-    for (std::size_t field = 0; field < field_count; ++field) {
-        const std::uint16_t values = scanner.read_count(status);
-        if (status.has_failed()) return false;
-        scanner.skip_values(values, status);
-        if (status.has_failed()) return false;
-    }
-    scanner.read_end(end, status);
-    if (end != 0 && !status.has_failed()) status.push(TLA_STATUS_RECORD_END);
-    return end == 0;
-}
-
 void write_file(std::span<const std::u16string> key_names, std::span<const Field_descriptor> schema,
                 scl::Scl_buffered_istream& stream, const scl::Scl_buffer& records,
                 scl::Scl_ostream& out, scl::Scl_status& status) {
@@ -117,11 +103,12 @@ void write_data_set_file(std::span<const std::u16string> key_names,
 
 std::uint32_t count_records(std::size_t field_count, scl::Scl_buffered_istream& records,
                             scl::Scl_status& status) {
-    Record_scanner scanner(records);
+    if (field_count == 0) return 0;
+    Record_scanner scanner(records, field_count);
     std::uint32_t count = 0;
-    std::uint8_t end = 0;
-    while (field_count != 0 && !status.has_failed()) {
-        if (count_record(field_count, scanner, end, status)) ++count;
+    while (!status.has_failed()) {
+        const bool is_there = !scanner.next(status).empty();
+        if (is_there && !(status == TLA_STATUS_RECORD_END)) ++count;
     }
     if (status.contains_value(scl::SCL_STATUS_END_OF_DATA)) status.clear();
     return count;

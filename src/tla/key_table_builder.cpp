@@ -6,6 +6,7 @@
 #include "tla/data_set_layout.hpp"
 #include "tla/key_table_writer.hpp"
 #include "tla/pair_sorter.hpp"
+#include "tla/record_scanner.hpp"
 
 #include <algorithm>
 
@@ -24,7 +25,7 @@ Key_table_builder::Key_table_builder(std::span<const Field_descriptor> schema,
                                      std::uint64_t header_end)
     : schema_(schema),
       records_(records),
-      scanner_(stream),
+      stream_(stream),
       record_count_(record_count),
       header_end_(header_end) {}
 
@@ -59,33 +60,17 @@ void Key_table_builder::write_pairs(std::size_t key_field, scl::Scl_ostream& out
 
 void Key_table_builder::collect_pairs(std::size_t key_field, const Offset_tagger& tagger,
                                       Pair_sorter& sorter, scl::Scl_status& status) {
-    scanner_.stream().set_position(0);
-    for (std::uint32_t i = 0; i < record_count_ && !status.has_failed(); ++i) {
-        const std::uint64_t offset = header_end_ + scanner_.stream().tell();
-        std::uint64_t key_hash = 0;
-        std::uint64_t fingerprint = 0;
-        hash_record(key_field, key_hash, fingerprint, status);
-        sorter.add({key_hash, tagger.tagged(offset, fingerprint)});
+    stream_.set_position(0);
+    Record_scanner scanner(stream_, schema_.size());
+    for (std::uint32_t i = 0; i < record_count_; ++i) {
+        const std::uint64_t offset = header_end_ + stream_.tell();
+        const std::span<const std::byte> record = scanner.next(status);
+        if (status.has_failed()) return;
+        const std::span<const std::byte> values = field_values(record, key_field);
+        sorter.add(
+            {scl::Scl_crc64::calculate(values.data(), values.size(), scl::Scl_crc64::INITIAL),
+             tagger.tagged(offset, record_fingerprint(record))});
     }
-}
-
-void Key_table_builder::hash_record(std::size_t key_field, std::uint64_t& key_hash,
-                                    std::uint64_t& fingerprint, scl::Scl_status& status) {
-    Record_fingerprint print;
-    for (std::size_t field = 0; field < schema_.size() && !status.has_failed(); ++field) {
-        const std::uint16_t count = scanner_.read_count(status);
-        const std::span<const std::byte> values = scanner_.read_values(count, status);
-        print.add(count);
-        print.add(values);
-        if (field == key_field) {
-            key_hash =
-                scl::Scl_crc64::calculate(values.data(), values.size(), scl::Scl_crc64::INITIAL);
-        }
-    }
-    fingerprint = print.value();
-    std::uint8_t end = 0;
-    scanner_.read_end(end, status);
-    if (end != 0 && !status.has_failed()) status.push(TLA_STATUS_RECORD_END);
 }
 
 } // namespace tla

@@ -3,7 +3,6 @@
 #include "records/field_descriptor.hpp"
 #include "scl/scl_buffered_istream.hpp"
 #include "scl/scl_ostream.hpp"
-#include "tla/record_scanner.hpp"
 #include "tla/tagged_offset.hpp"
 
 #include <cstdint>
@@ -34,13 +33,10 @@ private:
     void write_pairs(std::size_t key_field, scl::Scl_ostream& out, scl::Scl_status& status);
     void collect_pairs(std::size_t key_field, const Offset_tagger& tagger, Pair_sorter& sorter,
                        scl::Scl_status& status);
-    // Steps over a record; `record_offset` is left to the caller.
-    void hash_record(std::size_t key_field, std::uint64_t& key_hash, std::uint64_t& fingerprint,
-                     scl::Scl_status& status);
 
     std::span<const Field_descriptor> schema_;
     const scl::Scl_buffer& records_;
-    Record_scanner scanner_;
+    scl::Scl_buffered_istream& stream_;
     std::uint32_t record_count_;
     std::uint64_t header_end_;
 };

@@ -18,9 +18,6 @@ public:
     [[nodiscard]] bool equal(std::uint64_t a, std::uint64_t b, scl::Scl_status& status);
 
 private:
-    [[nodiscard]] bool fields_equal(scl::Scl_status& status);
-
-    std::size_t field_count_;
     scl::Scl_buffered_istream stream_a_;
     scl::Scl_buffered_istream stream_b_;
     Record_scanner a_;

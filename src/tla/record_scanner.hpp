@@ -10,35 +10,32 @@
 namespace tla {
 
 // Steps through records in the layout of a records section: for each field a big-endian u16 count
-// and as many values of 8 bytes, after the last field a byte 0x00. The end of the data in the
-// middle of a step sets SCL_STATUS_END_OF_DATA.
+// and as many values of 8 bytes, after the last field a byte 0x00.
 class Record_scanner {
 public:
-    // The stream must outlive the scanner; the caller moves its position as it likes.
-    explicit Record_scanner(scl::Scl_buffered_istream& in) : in_(in) {}
+    // Reads from the stream's position on. The stream must outlive the scanner; the caller may
+    // move its position between records.
+    Record_scanner(scl::Scl_buffered_istream& in, std::size_t field_count)
+        : in_(in), field_count_(field_count) {}
 
-    [[nodiscard]] scl::Scl_buffered_istream& stream() { return in_; }
-
-    // The next field's number of values; 0 after a failure.
-    [[nodiscard]] std::uint16_t read_count(scl::Scl_status& status) {
-        std::uint16_t count = 0;
-        in_.read_be(count, status);
-        return count;
-    }
-    void skip_values(std::uint16_t count, scl::Scl_status& status);
-    // The bytes of `count` values; fewer after a failure. Valid until the next step.
-    [[nodiscard]] std::span<const std::byte> read_values(std::uint16_t count,
-                                                         scl::Scl_status& status);
-
-    // The byte that ends a record: 0 in a good one. Unchanged when there is none.
-    void read_end(std::uint8_t& end, scl::Scl_status& status) { in_.read_le(end, status); }
+    // The next record without its closing byte, valid until the next step. When the data ends
+    // before the record does, SCL_STATUS_END_OF_DATA is set and nothing comes back, unless only
+    // the closing byte is missing. A closing byte that is not 0 sets TLA_STATUS_RECORD_END.
+    [[nodiscard]] std::span<const std::byte> next(scl::Scl_status& status);
 
 private:
-    [[nodiscard]] std::span<const std::byte> read_into_spare(std::size_t bytes,
-                                                             scl::Scl_status& status);
+    [[nodiscard]] static std::span<const std::byte> without_end(std::span<const std::byte> record,
+                                                                scl::Scl_status& status);
+    [[nodiscard]] std::span<const std::byte> next_across_windows(scl::Scl_status& status);
+    [[nodiscard]] std::span<const std::byte> look(std::size_t count, scl::Scl_status& status);
 
     scl::Scl_buffered_istream& in_;
-    std::vector<std::byte> spare_; // for values that are larger than the stream's window
+    std::size_t field_count_;
+    std::vector<std::byte> spare_; // holds a record that is larger than the stream's window
 };
+
+// The values of one field of a record, which has more fields than `field`.
+[[nodiscard]] std::span<const std::byte> field_values(std::span<const std::byte> record,
+                                                      std::size_t field);
 
 } // namespace tla

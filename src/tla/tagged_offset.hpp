@@ -9,27 +9,24 @@
 
 namespace tla {
 
-// A short hash over a record's counts and values. Records with different fingerprints differ.
-class Record_fingerprint {
-public:
-    void add(std::uint64_t value) {
-        state_ = (state_ ^ value) * MULTIPLIER;
-        state_ ^= state_ >> 32;
+// A hash over a record's bytes; records with different fingerprints differ.
+[[nodiscard]] inline std::uint64_t record_fingerprint(std::span<const std::byte> record) {
+    constexpr std::uint64_t MULTIPLIER = 0x9E3779B97F4A7C15; // 2^64 / golden ratio, odd
+    constexpr std::size_t WORD = sizeof(std::uint64_t);
+    std::uint64_t state = record.size();
+    const auto mix = [&state](std::uint64_t word) {
+        state = (state ^ word) * MULTIPLIER;
+        state ^= state >> 32;
+    };
+    std::size_t at = 0;
+    for (; record.size() - at > WORD; at += WORD) {
+        mix(scl::scl_load_le<std::uint64_t>(record.data() + at));
     }
-    // Whole 64-bit words.
-    void add(std::span<const std::byte> values) {
-        for (; values.size() >= sizeof(std::uint64_t);
-             values = values.subspan(sizeof(std::uint64_t))) {
-            add(scl::scl_load_le<std::uint64_t>(values.data()));
-        }
+    if (record.size() >= WORD) { // the last word may overlap the one before
+        mix(scl::scl_load_le<std::uint64_t>(record.data() + record.size() - WORD));
     }
-    [[nodiscard]] std::uint64_t value() const { return state_ * MULTIPLIER; }
-
-private:
-    static constexpr std::uint64_t MULTIPLIER = 0x9E3779B97F4A7C15; // 2^64 / golden ratio, odd
-
-    std::uint64_t state_ = 0;
-};
+    return state * MULTIPLIER; // the top bits depend on all of the state
+}
 
 // Keeps a file offset and, in the bits that no offset of the file needs, a tag: the top bits of the
 // record's fingerprint. So most neighbours with equal key hashes are told apart without a look at
