@@ -45,13 +45,13 @@ bool is_ascii(Char c) {
 // apart again.
 template <std::size_t Size, class To, class From>
 bool copy_block(To* to, const From* from) {
-    using From_block [[gnu::vector_size(Size * sizeof(From))]] = std::make_unsigned_t<From>;
-    using To_block [[gnu::vector_size(Size * sizeof(To))]] = std::make_unsigned_t<To>;
+    using From_block [[gnu::vector_size(LARGE * sizeof(From))]] = std::make_unsigned_t<From>;
+    using To_block [[gnu::vector_size(LARGE * sizeof(To))]] = std::make_unsigned_t<To>;
     if (!is_ascii_block<Size>(from)) return false;
-    From_block read;
-    std::memcpy(&read, from, sizeof read);
+    From_block read{}; // a small block is half of one
+    std::memcpy(&read, from, Size * sizeof(From));
     const auto converted = __builtin_convertvector(read, To_block);
-    std::memcpy(to, &converted, sizeof converted);
+    std::memcpy(to, &converted, Size * sizeof(To));
     return true;
 }
 
