@@ -29,7 +29,7 @@ public:
 private:
     using Read = void (Tla_data_set_entry_file::*)(Record_source&, scl::Scl_status&);
     [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file>
-    read_by(Read read, std::int64_t record_offset, scl::Scl_status& status);
+    read_by(Read how, std::int64_t record_offset, scl::Scl_status& status);
 
     const scl::Scl_buffer& file_;
     const Data_set_header& header_;

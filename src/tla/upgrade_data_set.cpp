@@ -23,10 +23,8 @@ void load_old_file(std::u16string_view path, Tla_data_set_connector_file& old_fi
 }
 
 std::vector<Formatter_type_id> types_of(const std::vector<Field_descriptor>& fields) {
-    std::vector<Formatter_type_id> types;
-    for (const Field_descriptor& field : fields) {
-        types.push_back(field.type);
-    }
+    std::vector<Formatter_type_id> types(fields.size());
+    std::ranges::transform(fields, types.begin(), &Field_descriptor::type);
     return types;
 }
 
