@@ -1,0 +1,60 @@
+#include "tla/data_set_header_reader.hpp"
+
+#include "records/tla_status_codes.hpp"
+#include "tla/data_set_layout.hpp"
+#include "tla/field_list_reader.hpp"
+
+namespace tla {
+
+namespace {
+
+void check_magic(scl::Scl_buffered_istream& in, std::u16string_view file_name,
+                 scl::Scl_status& status) {
+    std::array<char, DATA_SET_MAGIC.size()> magic{};
+    in.read(magic.size(), magic.data(), status);
+    if (status.has_failed() || std::string_view(magic.data(), magic.size()) == DATA_SET_MAGIC) {
+        return;
+    }
+    status.push(TLA_STATUS_NO_DATA_SET, scl::Scl_wstring_status_arg(file_name));
+}
+
+void read_version(scl::Scl_buffered_istream& in, std::u16string_view file_name,
+                  bool accept_any_version, Data_set_header& header, scl::Scl_status& status) {
+    in.read(header.raw_version.size(), header.raw_version.data(), status);
+    if (status.has_failed() || accept_any_version || header.version() == DATA_SET_VERSION) return;
+    status.push(TLA_STATUS_VERSION, scl::Scl_wstring_status_arg(file_name));
+}
+
+void read_fixed_header(scl::Scl_buffered_istream& in, std::u16string_view file_name,
+                       bool accept_any_version, Data_set_header& header, scl::Scl_status& status) {
+    check_magic(in, file_name, status);
+    if (status.has_failed()) return;
+    in.read_le(header.stored_checksum, status);
+    in.read_le(header.index_offset, status);
+    if (status.has_failed()) return;
+    read_version(in, file_name, accept_any_version, header, status);
+    if (status.has_failed()) return;
+    in.read_le(header.key_count, status);
+    in.read_le(header.record_count, status);
+}
+
+// A file that ends inside its header is no data set file.
+void replace_end_of_data(std::u16string_view file_name, scl::Scl_status& status) {
+    const bool ended =
+        status == scl::SCL_STATUS_END_OF_DATA || status == scl::SCL_STATUS_OUT_OF_BOUNDS;
+    if (ended) status.assign(TLA_STATUS_NO_DATA_SET, scl::Scl_wstring_status_arg(file_name));
+}
+
+} // namespace
+
+void read_data_set_header(const scl::Scl_buffer& file, std::u16string_view file_name,
+                          bool accept_any_version, Data_set_header& header,
+                          scl::Scl_status& status) {
+    scl::Scl_buffered_istream in(file, false, status, scl::Scl_eol::none);
+    read_fixed_header(in, file_name, accept_any_version, header, status);
+    if (!status.has_failed()) read_field_list(in, header.fields, status);
+    if (!status.has_failed()) header.data_start = aligned(in.tell());
+    replace_end_of_data(file_name, status);
+}
+
+} // namespace tla

@@ -1,0 +1,93 @@
+#include "tla/entry_finder.hpp"
+
+#include "scl/scl_endian.hpp"
+#include "tla/data_set_layout.hpp"
+
+#include <algorithm>
+
+namespace tla {
+
+namespace {
+
+constexpr std::size_t HASH_BYTES = 8;
+
+} // namespace
+
+Entry_finder::Entry_finder(const scl::Scl_buffer& file, Entry_reader& entries,
+                           Record_allowance allowance, const Wanted_key& wanted,
+                           std::uint32_t block_size)
+    : pairs_(file, false, attach_status_, scl::Scl_eol::none),
+      entries_(entries),
+      allowance_(allowance),
+      wanted_(wanted),
+      block_size_(block_size) {}
+
+void Entry_finder::find(std::span<const Index_sample> samples, std::uint32_t record_count,
+                        Entries& results, scl::Scl_status& status) {
+    // The last block that begins with the hash or below it.
+    const auto next =
+        std::ranges::upper_bound(samples, wanted_.hash, {}, &Index_sample::first_hash);
+    if (next == samples.begin()) return;
+    const auto chosen = next - 1;
+    scan_block(chosen->offset, std::min(block_size_, record_count), true, results, status);
+    const bool look_before = first_pair_differs_ && !found_ && chosen != samples.begin();
+    if (look_before && block_size_ != 0 && !status.has_failed()) {
+        scan_block((chosen - 1)->offset, block_size_, false, results, status);
+    }
+}
+
+// Once an entry has matched, the first other hash ends the scan. With `runs_on`, a pair of the
+// wanted hash whose record differs does not end it at the block's last place: pairs of the next
+// block follow.
+void Entry_finder::scan_block(std::uint64_t offset, std::uint32_t pair_count, bool runs_on,
+                              Entries& results, scl::Scl_status& status) {
+    pairs_.set_position(offset);
+    for (std::uint32_t i = 0; i < pair_count && !status.has_failed(); ++i) {
+        if (!found_) i += skip_other_hashes(pair_count - i, status);
+        if (i == pair_count) break;
+        std::uint64_t hash = ~wanted_.hash;
+        std::int64_t record_offset = 0;
+        pairs_.read_le(hash, status);
+        if (hash != wanted_.hash && found_) break;
+        pairs_.read_le(record_offset, status);
+        if (status.has_failed() || hash != wanted_.hash ||
+            take_entry(record_offset, results, status))
+            continue;
+        first_pair_differs_ = first_pair_differs_ || i == 0;
+        if (runs_on && i == block_size_ - 1) --i;
+        // Part of the format's lookup rule: from here on hashes are taken from where offsets stand.
+        if (!found_) pairs_.set_position(pairs_.tell() + HASH_BYTES);
+    }
+    if (status == scl::SCL_STATUS_END_OF_DATA) status.clear();
+}
+
+// Steps over pairs at hand that have another hash, and returns their number.
+std::uint32_t Entry_finder::skip_other_hashes(std::uint32_t most, scl::Scl_status& status) {
+    const std::span<const std::byte> window = pairs_.window(INDEX_PAIR_BYTES, status);
+    const std::size_t count = std::min<std::size_t>(most, window.size() / INDEX_PAIR_BYTES);
+    std::size_t i = 0;
+    while (i < count &&
+           scl::scl_load_le<std::uint64_t>(&window[i * INDEX_PAIR_BYTES]) != wanted_.hash) {
+        ++i;
+    }
+    pairs_.skip(i * INDEX_PAIR_BYTES);
+    return static_cast<std::uint32_t>(i);
+}
+
+// True when the record holds the wanted value and went to the results.
+bool Entry_finder::take_entry(std::int64_t record_offset, Entries& results,
+                              scl::Scl_status& status) {
+    auto entry = entries_.read(record_offset, status);
+    if (entry == nullptr) return false;
+    allowance_.take(entry->record_size(), status);
+    if (status.has_failed()) return false;
+    std::vector<std::uint64_t> values;
+    Formatter_type_id type;
+    const bool known = entry->token_values(wanted_.field_name, values, type);
+    if (!known || values != wanted_.values) return false;
+    results.push_back(std::move(entry));
+    found_ = true;
+    return true;
+}
+
+} // namespace tla

@@ -1,0 +1,27 @@
+#include "tla/entry_reader.hpp"
+
+#include <new>
+
+namespace tla {
+
+std::unique_ptr<Tla_data_set_entry_file> Entry_reader::read(std::int64_t record_offset,
+                                                            scl::Scl_status& status) {
+    return read_by(&Tla_data_set_entry_file::read, record_offset, status);
+}
+
+std::unique_ptr<Tla_data_set_entry_file> Entry_reader::read_stored(std::int64_t record_offset,
+                                                                   scl::Scl_status& status) {
+    return read_by(&Tla_data_set_entry_file::read_stored, record_offset, status);
+}
+
+std::unique_ptr<Tla_data_set_entry_file> Entry_reader::read_by(Read how, std::int64_t record_offset,
+                                                               scl::Scl_status& status) {
+    std::unique_ptr<Tla_data_set_entry_file> entry(new (std::nothrow) Tla_data_set_entry_file(
+        header_.fields, header_.version(), header_.data_start, record_offset, file_));
+    if (entry == nullptr) return nullptr;
+    ((*entry).*how)(source_, status);
+    if (status.has_failed()) entry.reset();
+    return entry;
+}
+
+} // namespace tla

@@ -1,0 +1,43 @@
+#include "tla/key_index_reader.hpp"
+
+#include "scl/scl_string.hpp"
+#include "tla/data_set_layout.hpp"
+
+#include <algorithm>
+
+namespace tla {
+
+namespace {
+
+std::u16string read_name(scl::Scl_buffered_istream& in, const scl::Scl_status& status) {
+    std::string name;
+    for (char byte = NAME_END;;) {
+        byte = static_cast<char>(in.read_char());
+        if (byte == NAME_END || status.has_failed()) break;
+        name += byte;
+    }
+    std::u16string wide;
+    scl::scl_stow(name, wide);
+    return wide;
+}
+
+} // namespace
+
+Key_index read_key_index(scl::Scl_buffered_istream& in, std::uint32_t record_count,
+                         std::uint32_t block_size, scl::Scl_status& status) {
+    Key_index index;
+    index.name = read_name(in, status);
+    in.set_position(aligned(in.tell()));
+    for (std::uint32_t remaining = record_count; remaining != 0 && !status.has_failed();) {
+        Index_sample sample{0, in.tell()};
+        in.read_le(sample.first_hash, status);
+        if (status.has_failed()) break;
+        index.samples.push_back(sample);
+        const std::uint32_t block = std::min(remaining, block_size);
+        in.set_position(sample.offset + block * INDEX_PAIR_BYTES);
+        remaining -= block;
+    }
+    return index;
+}
+
+} // namespace tla

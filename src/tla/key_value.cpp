@@ -1,0 +1,31 @@
+#include "tla/key_value.hpp"
+
+#include "records/formatter_types.hpp"
+#include "records/tla_status_codes.hpp"
+#include "scl/scl_crc64.hpp"
+#include "scl/scl_endian.hpp"
+
+#include <string>
+
+namespace tla {
+
+void tokenise_key_value(std::u16string_view value, const Formatter_type_id& type,
+                        Field_token_writer& tokeniser, std::vector<std::uint64_t>& values,
+                        scl::Scl_status& status) {
+    const auto formatter = create_formatter(type);
+    std::u16string formatted;
+    if (formatter != nullptr) formatter->format(value, formatted, false);
+    const bool has_tokens = tokeniser.collect(formatted, values, status);
+    if (!has_tokens && !status.has_failed()) status.push(TLA_STATUS_NO_TOKENS);
+}
+
+std::uint64_t key_hash(std::span<const std::uint64_t> values) {
+    scl::Scl_crc64 crc;
+    for (const std::uint64_t value : values) {
+        const auto raw = std::bit_cast<scl::Scl_raw<std::uint64_t>>(scl::scl_byte_swapped(value));
+        crc.update(raw);
+    }
+    return crc.result(true);
+}
+
+} // namespace tla

@@ -1,0 +1,78 @@
+#include "tla/upgrade_data_set.hpp"
+
+#include "records/record_processor.hpp"
+#include "records/tla_status_codes.hpp"
+#include "scl/scl_string.hpp"
+#include "tla/data_set_generator.hpp"
+#include "tla/data_set_layout.hpp"
+#include "tla/record_allowance.hpp"
+#include "tla/scratch_file.hpp"
+#include "tla/tla_data_set_connector_file.hpp"
+
+#include <algorithm>
+
+namespace tla {
+
+namespace {
+
+void load_old_file(std::u16string_view path, Tla_data_set_connector_file& old_file,
+                   scl::Scl_status& status) {
+    old_file.set_parameter("DataFileName", path, status);
+    if (!status.has_failed()) old_file.open(status);
+    if (!status.has_failed()) old_file.load(status, true);
+}
+
+std::vector<Formatter_type_id> types_of(const std::vector<Field_descriptor>& fields) {
+    std::vector<Formatter_type_id> types(fields.size());
+    std::ranges::transform(fields, types.begin(), &Field_descriptor::type);
+    return types;
+}
+
+// By position: two fields of one name, which the generator refuses anyway, would not matter.
+void gather_texts(const Tla_data_set_entry_file& entry, const std::vector<Field_descriptor>& fields,
+                  std::vector<std::u16string>& texts, scl::Scl_status& status) {
+    for (std::size_t i = 0; i < fields.size() && !status.has_failed(); ++i) {
+        if (entry.text_at(i, texts[i])) continue;
+        status.assign(TLA_STATUS_NO_TEXT, scl::Scl_wstring_status_arg(fields[i].name));
+    }
+}
+
+void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_file,
+                     scl::Scl_ostream& out, scl::Scl_status& status) {
+    const std::vector<Field_descriptor>& fields = old_file.field_descriptors();
+    std::vector<std::int64_t> offsets = old_file.record_offsets(status);
+    std::ranges::sort(offsets);
+    Record_allowance allowance(old_file.file_size(), path);
+    Record_processor processor(types_of(fields), {});
+    std::vector<std::u16string> texts(fields.size());
+    for (const std::int64_t offset : offsets) {
+        if (status.has_failed()) return;
+        const auto entry = old_file.read_stored_entry(offset, status);
+        if (entry == nullptr) continue;
+        gather_texts(*entry, fields, texts, status);
+        allowance.take(entry->record_size(), status);
+        if (!status.has_failed()) processor.process(texts, out, status);
+    }
+}
+
+} // namespace
+
+void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
+                      scl::Scl_status& status) {
+    std::u16string path;
+    scl::scl_string_append(path, input_path);
+    Tla_data_set_connector_file old_file;
+    load_old_file(path, old_file, status);
+    if (status.has_failed() || old_file.version() >= DATA_SET_VERSION) return;
+    scl::Scl_file_buffer records;
+    open_scratch_file(records, status);
+    if (status.has_failed()) return;
+    scl::Scl_ostream out(records, status, scl::Scl_eol::none);
+    convert_records(path, old_file, out, status);
+    out.detach(status);
+    if (status.has_failed()) return;
+    write_data_set_file(old_file.key_names(), old_file.field_descriptors(), records, output,
+                        status);
+}
+
+} // namespace tla

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "program.hpp"
+#include "scl/scl_endian.hpp"
+#include "tla/tla_data_set_connector_file.hpp"
+#include "version1_file.hpp"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace test {
+
+using tools::Rows;
+using Keys = std::vector<std::string>;
+using Entries = std::vector<std::unique_ptr<tla::Tla_data_set_entry_file>>;
+
+[[nodiscard]] std::u16string wide(std::string_view narrow);
+[[nodiscard]] std::vector<tla::Field_descriptor> fields_of(std::string_view schema);
+
+// Files of the two versions with the same content. Empty keys are no fault here.
+[[nodiscard]] std::string version1(std::string_view schema, const Keys& keys, const Rows& rows,
+                                   const tools::Key_hash& hash = tools::fnv1a);
+[[nodiscard]] std::string version2(std::string_view schema, const Keys& keys, const Rows& rows);
+
+// Where the parts of a file begin.
+[[nodiscard]] std::uint64_t key_tables_of(const std::string& file);
+[[nodiscard]] std::uint64_t pairs_of_first_key(const std::string& file);
+
+template <std::integral T>
+void put(std::string& file, std::size_t offset, T value) {
+    scl::scl_store_le(reinterpret_cast<std::byte*>(file.data() + offset), value);
+}
+
+// Lets all pairs of the first key table lead to the record that stands first in the file.
+void share_first_record(std::string& file);
+
+// The file with the right checksum again.
+[[nodiscard]] std::string sealed(std::string file);
+
+// The top code of a status; its argument in narrow form.
+[[nodiscard]] std::string argument_of(const scl::Scl_status& status);
+
+// A file on disk and a connector on it, open.
+class Connected {
+public:
+    explicit Connected(std::string_view file);
+
+    // The code after loading.
+    scl::Scl_status_code load(bool any_version = true);
+    // The record offsets found, ascending.
+    std::vector<std::int64_t> find(std::string_view key, const std::u16string& text,
+                                   std::uint64_t hash = 0);
+    std::unique_ptr<tla::Tla_data_set_entry_file> entry(std::int64_t offset);
+    [[nodiscard]] std::string path() const { return place_.path("file"); }
+
+    scl::Scl_status status;
+    tla::Tla_data_set_connector_file connector;
+
+private:
+    Workplace place_;
+};
+
+} // namespace test

@@ -1,0 +1,182 @@
+#include "data_set_files.hpp"
+#include "records/tla_status_codes.hpp"
+#include "tla/data_set_layout.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using test::Connected;
+using test::Rows;
+using test::sealed;
+using Offsets = std::vector<std::int64_t>;
+
+constexpr std::size_t BLOCK = 4096;
+
+// A file of version 1 with one key field, "K", whose pairs are set by hand.
+class Table {
+public:
+    explicit Table(const std::vector<std::string>& texts) {
+        Rows rows;
+        for (const std::string& text : texts) {
+            rows.push_back({text});
+        }
+        file_ = test::version1("K,Simple", {"K"}, rows, [](auto) { return 0; });
+        pairs_ = test::pairs_of_first_key(file_);
+        const auto* const bytes = reinterpret_cast<const std::byte*>(file_.data());
+        for (std::size_t i = 0; i < texts.size(); ++i) { // with equal hashes, in record order
+            records.push_back(scl::scl_load_le<std::int64_t>(bytes + pairs_ + i * 16 + 8));
+        }
+    }
+    void set(std::size_t pair, std::uint64_t hash, std::int64_t offset) {
+        test::put(file_, pairs_ + pair * 16, hash);
+        test::put(file_, pairs_ + pair * 16 + 8, offset);
+    }
+    // Pairs of other hashes, ascending and below 100.
+    void fill(std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i) {
+            set(i, i / BLOCK * 90 + i % BLOCK / 50, records[i]);
+        }
+    }
+    Offsets find(const std::u16string& text, std::uint64_t hash) const {
+        Connected connected(sealed(file_));
+        EXPECT_EQ(connected.load(), 0U);
+        Offsets found = connected.find("K", text, hash);
+        EXPECT_EQ(connected.status.value(), 0U);
+        return found;
+    }
+
+    Offsets records; // where each text's record begins
+
+private:
+    std::string file_;
+    std::size_t pairs_ = 0;
+};
+
+std::vector<std::string> texts(std::size_t count, std::string_view text) {
+    return std::vector<std::string>(count, std::string(text));
+}
+
+TEST(Lookup, FindsEveryValueAndNoOther) {
+    constexpr int COUNT = 10000; // three blocks
+    Rows rows;
+    for (int i = 0; i < COUNT; ++i) {
+        rows.push_back({"Name " + std::to_string(i), "City-" + std::to_string(i)});
+    }
+    Connected file(test::version2("Name,SimpleNC;City,CCNUMBER", {"City", "Name"}, rows));
+    ASSERT_EQ(file.load(false), 0U);
+    Offsets offsets = file.connector.record_offsets(file.status);
+    std::ranges::sort(offsets);
+    for (std::size_t i = 0; i < COUNT; ++i) {
+        const std::u16string number = test::wide(std::to_string(i));
+        EXPECT_EQ(file.find("Name", u"NAME " + number), Offsets{offsets[i]});
+        EXPECT_EQ(file.find("City", u"-City " + number), Offsets{offsets[i]});
+        EXPECT_EQ(file.find("Name", u"Names " + number), Offsets{});
+    }
+    EXPECT_EQ(file.status.value(), 0U);
+}
+
+TEST(Lookup, FindsAllRecordsWithTheValue) {
+    Connected file(test::version2("K,Simple;V,Simple", {"K"},
+                                  {{"a", "1"}, {"b", "2"}, {"a", "3"}, {" a ", "4"}, {"A", "5"}}));
+    ASSERT_EQ(file.load(), 0U);
+    EXPECT_EQ(file.find("K", u"a").size(), 3);
+    EXPECT_EQ(file.find("K", u"A").size(), 1);
+    EXPECT_EQ(file.find("K", u" a").size(), 0); // a looked-up value is not trimmed
+    EXPECT_EQ(file.find("k", u"a").size(), 0);
+    EXPECT_EQ(file.find("V", u"1").size(), 0); // no key
+    EXPECT_EQ(file.status.value(), 0U);
+    EXPECT_EQ(file.find("K", u"").size(), 0);
+    EXPECT_EQ(file.status.value(), tla::TLA_STATUS_NO_TOKENS);
+    EXPECT_EQ(test::argument_of(file.status), "");
+}
+
+TEST(Lookup, OfAKeyWithoutFormatterFindsNothing) {
+    Connected file(test::version1("K,Nothing", {"K"}, {{"a"}}));
+    ASSERT_EQ(file.load(), 0U);
+    EXPECT_TRUE(file.find("K", u"a", tools::fnv1a("a")).empty());
+    EXPECT_EQ(file.status.value(), tla::TLA_STATUS_NO_TOKENS);
+}
+
+TEST(Lookup, InVersion1GoesByTheGivenHash) {
+    Connected file(test::version1("K,Simple", {"K"}, {{"a"}, {"b"}, {"a"}}));
+    ASSERT_EQ(file.load(), 0U);
+    EXPECT_EQ(file.find("K", u"a", tools::fnv1a("a")).size(), 2);
+    EXPECT_EQ(file.find("K", u"a", tools::fnv1a("b")).size(), 0);
+    EXPECT_EQ(file.find("K", u"b", tools::fnv1a("b")).size(), 1);
+}
+
+TEST(Lookup, OtherValuesOfTheHashStandAmongMatches) {
+    Table table({"x", "other", "x", "x", "x"});
+    for (const std::size_t i : {0, 1, 2}) {
+        table.set(i, 5, table.records[i]);
+    }
+    table.set(3, 6, table.records[3]);
+    table.set(4, 5, table.records[4]); // out of order: after a match, another hash ends the scan
+    EXPECT_EQ(table.find(u"x", 5), (Offsets{table.records[0], table.records[2]}));
+}
+
+TEST(Lookup, ReadsOnEightBytesLaterAfterAnotherValueOfTheHash) {
+    Table table({"other", "x", "x"});
+    for (const std::size_t i : {0, 1, 2}) {
+        table.set(i, 5, table.records[i]);
+    }
+    EXPECT_EQ(table.find(u"x", 5), Offsets{});
+    EXPECT_EQ(table.find(u"other", 5), Offsets{table.records[0]});
+    // Then a pair begins where an offset stands.
+    table.set(1, 6, 5);
+    table.set(2, static_cast<std::uint64_t>(table.records[1]), 0);
+    EXPECT_EQ(table.find(u"x", 5), Offsets{table.records[1]});
+}
+
+TEST(Lookup, LooksIntoThePreviousBlockOnlyWhenTheFirstPairIsAnotherValue) {
+    Table table(texts(BLOCK + 2, "x"));
+    table.fill(BLOCK + 2);
+    table.set(BLOCK - 2, 200, table.records[0]);
+    table.set(BLOCK - 1, 200, table.records[1]);
+    table.set(BLOCK, 200, table.records[2]);
+    table.set(BLOCK + 1, 300, table.records[3]);
+    EXPECT_EQ(table.find(u"x", 200), Offsets{table.records[2]});
+
+    std::vector<std::string> one_other = texts(BLOCK + 2, "x");
+    one_other[2] = "other";
+    Table second(one_other);
+    second.fill(BLOCK + 2);
+    second.set(BLOCK - 2, 200, second.records[0]);
+    second.set(BLOCK - 1, 200, second.records[1]);
+    second.set(BLOCK, 200, second.records[2]);
+    second.set(BLOCK + 1, 300, second.records[3]);
+    EXPECT_EQ(second.find(u"x", 200), (Offsets{second.records[0], second.records[1]}));
+    EXPECT_EQ(second.find(u"other", 200), Offsets{second.records[2]});
+}
+
+TEST(Lookup, RunsOnPastTheBlocksEndWhileOtherValuesOfTheHashFollow) {
+    std::vector<std::string> all = texts(BLOCK + 3, "y");
+    all.back() = "x";
+    Table table(all);
+    table.fill(BLOCK);
+    const std::int64_t wanted = table.records.back();
+    table.set(BLOCK - 1, 100, table.records[0]);
+    table.set(BLOCK, 101, 100); // read from its offset on
+    table.set(BLOCK + 1, static_cast<std::uint64_t>(wanted), 0);
+    table.set(BLOCK + 2, 100, table.records[1]);
+    EXPECT_EQ(table.find(u"x", 100), Offsets{wanted});
+    // One more other value, after which hashes are taken from where they stand again.
+    table.set(BLOCK + 1, static_cast<std::uint64_t>(table.records[2]), 0);
+    table.set(BLOCK + 2, 100, wanted);
+    EXPECT_EQ(table.find(u"x", 100), Offsets{wanted});
+}
+
+TEST(Lookup, PairsThatShareRecordsCostNoMoreThanTheFile) {
+    Rows rows(1000, {"k", "v"});
+    rows.front()[1] = std::string(10000, '-'); // as many tokens
+    std::string file = test::version1("K,Simple;V,Simple", {"K"}, rows);
+    test::share_first_record(file);
+    Connected damaged(sealed(file));
+    ASSERT_EQ(damaged.load(), 0U);
+    EXPECT_LE(damaged.find("K", u"k", tools::fnv1a("k")).size(), file.size() / 10000);
+    EXPECT_EQ(damaged.status.value(), tla::TLA_STATUS_NO_DATA_SET);
+    EXPECT_EQ(test::argument_of(damaged.status), damaged.path());
+}
+
+} // namespace

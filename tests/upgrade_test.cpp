@@ -1,0 +1,138 @@
+#include "data_set_files.hpp"
+#include "records/tla_status_codes.hpp"
+#include "scl/scl_heap_buffer.hpp"
+#include "tla/upgrade_data_set.hpp"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using test::Outcome;
+using test::Rows;
+using test::sealed;
+
+const std::string SCHEMA = "Name,SimpleNC;City,Simple;Card,CCNUMBER";
+const test::Keys KEYS = {"Card", "Name"};
+constexpr std::size_t VERSION_PLACE = 24;
+
+const Rows ROWS = {{"  Zo\xc3\xab ", "New  York", "4111-1111"},
+                   {"", "", ""},
+                   {"b\xff", "\xef\xbb\xbf x", "--"},
+                   {"ZOE\xcc\x88", " ", "41 111111"},
+                   {"a,b;c", "\r", "x"}};
+
+// Upgrades bytes that stand in a file; returns what was written.
+std::string upgraded(std::string_view file, scl::Scl_status& status) {
+    const test::Workplace place;
+    place.write("old", file);
+    scl::Scl_heap_buffer output;
+    tla::upgrade_data_set(place.path("old").string(), output, status);
+    const auto bytes = output.contents();
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+std::string upgraded(std::string_view file) {
+    scl::Scl_status status;
+    std::string result = upgraded(file, status);
+    EXPECT_EQ(status.value(), 0U);
+    return result;
+}
+
+scl::Scl_status_code failure(std::string_view file, std::string_view argument = "") {
+    scl::Scl_status status;
+    EXPECT_EQ(upgraded(file, status), "");
+    EXPECT_EQ(test::argument_of(status), argument);
+    return status.value();
+}
+
+TEST(Upgrade, GivesTheFileThatTheSameTextsBuild) {
+    EXPECT_EQ(upgraded(test::version1(SCHEMA, KEYS, ROWS)), test::version2(SCHEMA, KEYS, ROWS));
+    EXPECT_EQ(upgraded(test::version1(SCHEMA, {}, ROWS)), test::version2(SCHEMA, {}, {}));
+    EXPECT_EQ(upgraded(test::version1(SCHEMA, KEYS, {})), test::version2(SCHEMA, KEYS, {}));
+}
+
+TEST(Upgrade, KeepsTheOrderOfTheRecordsWhateverTheirHashes) {
+    Rows rows;
+    for (int i = 0; i < 9000; ++i) {
+        rows.push_back({"name " + std::to_string(i * 7919 % 9000), "x", std::to_string(i)});
+    }
+    const auto by_length = [](std::string_view text) { return 99 - text.size(); };
+    for (const tools::Key_hash& hash :
+         {tools::Key_hash(tools::fnv1a), tools::Key_hash(by_length)}) {
+        EXPECT_EQ(upgraded(test::version1(SCHEMA, KEYS, rows, hash)),
+                  test::version2(SCHEMA, KEYS, rows));
+    }
+}
+
+TEST(Upgrade, LeavesTheLatestVersionAlone) {
+    std::string file = test::version2(SCHEMA, KEYS, {{"a", "b", "c"}});
+    EXPECT_EQ(upgraded(file), "");
+    file[VERSION_PLACE] = 3;
+    EXPECT_EQ(upgraded(sealed(file)), "");
+}
+
+TEST(Upgrade, NeedsTexts) {
+    std::string file = test::version2(SCHEMA, KEYS, {{"a", "b", "c"}});
+    file[VERSION_PLACE] = 0;
+    EXPECT_EQ(failure(sealed(file), "Name"), tla::TLA_STATUS_NO_TEXT);
+}
+
+TEST(Upgrade, RefusesRecordsThatAreDamaged) {
+    const std::string file = test::version1(SCHEMA, KEYS, ROWS);
+    const std::size_t pairs = test::pairs_of_first_key(file);
+    std::string damaged = file;
+    test::put(damaged, pairs + 8, std::uint64_t{test::key_tables_of(file)} - 1);
+    EXPECT_EQ(failure(sealed(damaged)), tla::TLA_STATUS_VALUE_COUNT);
+    test::put(damaged, pairs + 8, ~std::uint64_t{0});
+    EXPECT_EQ(failure(sealed(damaged)), tla::TLA_STATUS_VALUE_COUNT);
+    EXPECT_EQ(failure(file + "x"), tla::TLA_STATUS_CHECKSUM);
+    const std::string same_names = "A,Simple;A,Simple";
+    EXPECT_EQ(failure(test::version1(same_names, {"A"}, {{"a", "b"}})), tla::TLA_STATUS_FIELD_LIST);
+    EXPECT_EQ(failure(test::version1("A,Simple;B,What", {"A"}, {{"a", "b"}, {"c", "d"}})),
+              scl::SCL_STATUS_END_OF_DATA); // as in a build with such a schema
+}
+
+TEST(Upgrade, RefusesRecordsThatAreTogetherLongerThanTheirFile) {
+    Rows rows(50, {"a", "b", "c"});
+    rows.front()[1] = std::string(10000, 'x');
+    std::string file = test::version1(SCHEMA, {"Name"}, rows);
+    test::share_first_record(file);
+    scl::Scl_status status;
+    EXPECT_EQ(upgraded(sealed(file), status), "");
+    EXPECT_EQ(status.value(), tla::TLA_STATUS_NO_DATA_SET);
+}
+
+class Upgrade_command : public testing::Test {
+protected:
+    Outcome upgrade(std::string_view file) const {
+        place.write("in", file);
+        place.remove("out");
+        return place.run({"-u", "-i", "in", "-o", "out"});
+    }
+    test::Workplace place;
+};
+
+TEST_F(Upgrade_command, WritesAFileOrRemovesIt) {
+    EXPECT_EQ(upgrade(test::version1(SCHEMA, KEYS, ROWS)).exit_status, 0);
+    const std::string result = place.read("out");
+    EXPECT_EQ(result, test::version2(SCHEMA, KEYS, ROWS));
+    EXPECT_EQ(upgrade(result).exit_status, 0);
+    EXPECT_EQ(place.read("out"), "");
+    const Outcome refused = upgrade("KQZVDaSe and no more");
+    EXPECT_EQ(refused.exit_status, 255);
+    EXPECT_EQ(refused.err, "0xC2012521: 'in' is no data set file, or it is cut short. "
+                           "Check the name, or build the file again.");
+    EXPECT_FALSE(place.exists("out"));
+    EXPECT_FALSE(place.exists("mid_buf"));
+}
+
+TEST_F(Upgrade_command, ReportsAScratchFileThatCannotBeMade) {
+    std::filesystem::create_directory(place.path("mid_buf"));
+    const Outcome refused = upgrade(test::version1(SCHEMA, KEYS, ROWS));
+    EXPECT_EQ(refused.exit_status, 255);
+    EXPECT_EQ(refused.err.rfind("0xC2000011: The file cannot be created: mid_buf", 0), 0)
+        << refused.err;
+    EXPECT_FALSE(place.exists("out"));
+}
+
+} // namespace
