@@ -33,7 +33,8 @@ void process_rows(std::string_view schema, const Rows& rows, scl::Scl_buffer& re
     for (const auto& row : rows) {
         std::vector<std::u16string> fields(row.size());
         std::ranges::transform(row, fields.begin(), wide);
-        processor.process(fields, out, status);
+        processor.process(std::vector<std::u16string_view>(fields.begin(), fields.end()), out,
+                          status);
     }
     out.detach(status);
 }
