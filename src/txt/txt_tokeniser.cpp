@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
+#include <cstring>
 
 namespace txt {
 
@@ -32,9 +34,38 @@ std::uint8_t bits_of(char16_t unit) {
     return scl::impl::SCL_UNICODE_BIT_TABLE[unit];
 }
 
+// Units side by side. Signed, which is what processors compare in one step: units from U+8000 on
+// are negative then and so, as they should be, in none of the ranges.
+constexpr std::size_t LANES = 8;
+using Units [[gnu::vector_size(LANES * UNIT_BYTES)]] = std::int16_t;
+
+// How many lanes, from the first on, hold ASCII letters, digits or underscores: all run units.
+std::size_t leading_word_lanes(const Units& units) {
+    const Units folded = units | 0x20;
+    const auto word =
+        ((folded >= 'a') & (folded <= 'z')) | ((units >= '0') & (units <= '9')) | (units == '_');
+    const auto halves = std::bit_cast<std::array<std::uint64_t, 2>>(word);
+    const int low = std::countr_one(halves[0]);
+    const int bits = low < 64 ? low : 64 + std::countr_one(halves[1]);
+    return static_cast<std::size_t>(bits) / 16;
+}
+
+// Copies leading ASCII run units in blocks, as far as whole ones are there, and returns how many.
+std::size_t copy_ascii_run(const std::byte* from, std::size_t limit, char16_t* to) {
+    std::size_t count = 0;
+    std::size_t lanes = LANES;
+    for (; lanes == LANES && limit - count >= LANES; count += lanes) {
+        Units units;
+        std::memcpy(&units, from + count * UNIT_BYTES, sizeof units);
+        std::memcpy(to + count, &units, sizeof units);
+        lanes = leading_word_lanes(units);
+    }
+    return count;
+}
+
 // Copies the leading run units, `limit` at most, and returns how many there are.
 std::size_t copy_run(const std::byte* from, std::size_t limit, char16_t* to) {
-    std::size_t count = 0;
+    std::size_t count = copy_ascii_run(from, limit, to);
     for (; count < limit; ++count) {
         const auto unit = scl::scl_load_le<char16_t>(from + count * UNIT_BYTES);
         if (!RUN_UNITS[bits_of(unit)]) break;
