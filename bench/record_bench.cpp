@@ -30,8 +30,7 @@ void record(benchmark::State& state, std::u16string_view first, std::u16string_v
         tla::formatter_type_id_from_name("Simple"), tla::formatter_type_id_from_name("SimpleNC"),
         tla::formatter_type_id_from_name("CCNUMBER")};
     const std::vector<std::uint64_t> keys = {1};
-    const std::vector<std::u16string> fields = {std::u16string(first), std::u16string(surname),
-                                                u"4111-1111-1111-1111"};
+    const std::vector<std::u16string_view> fields = {first, surname, u"4111-1111-1111-1111"};
     tla::Record_processor processor(types, keys);
     scl::Scl_status status;
     Discarding_buffer buffer;
