@@ -181,8 +181,8 @@ std::string_view Small_reader::bytes(std::uint64_t at, std::uint64_t size) const
 std::uint64_t Small_reader::little(std::uint64_t at, unsigned size) const {
     std::uint64_t number = 0;
     const std::string_view digits = bytes(at, size);
-    for (auto digit = digits.rbegin(); digit != digits.rend(); ++digit) {
-        number = number << 8 | static_cast<unsigned char>(*digit);
+    for (unsigned left = size; left > 0; --left) {
+        number = number << 8 | static_cast<unsigned char>(digits[left - 1]);
     }
     return number;
 }
@@ -205,7 +205,7 @@ std::string_view Small_reader::value_bytes(std::uint64_t record, std::size_t fie
 std::string Small_reader::until(char end) {
     const std::size_t found = file_.find(end, position_);
     require(found != std::string::npos, "an end to each name");
-    const std::string name = file_.substr(position_, found - position_);
+    std::string name = file_.substr(position_, found - position_);
     position_ = found + 1;
     return name;
 }

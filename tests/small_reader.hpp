@@ -20,7 +20,9 @@ public:
     struct Pair {
         std::uint64_t hash = 0;
         std::uint64_t offset = 0;
-        auto operator<=>(const Pair&) const = default;
+        bool operator<(const Pair& other) const {
+            return hash != other.hash ? hash < other.hash : offset < other.offset;
+        }
     };
     struct Table {
         std::string name;
