@@ -1,0 +1,100 @@
+"""compare.py DSMAKE RECORDS RUNS: times all jobs in turn, RUNS times round, in the folder that
+holds the data, and prints medians beside their targets. Exit status 1 when one is missed."""
+import os
+import statistics
+import subprocess
+import sys
+import time
+
+SCHEMA = "FirstName,Simple;Surname,SimpleNC;CardNum,CCNUMBER"
+PROFILES = ("ascii", "mixed", "unique", "dupkey", "same")
+SQL = """.mode tabs
+BEGIN;
+CREATE TABLE record (first TEXT, surname TEXT, card TEXT);
+.import ascii.tsv record
+CREATE INDEX by_surname ON record (surname);
+COMMIT;
+"""
+# job, the one it is compared with, the highest ratio
+TARGETS = (
+    ("ascii", "cdb", 0.7),
+    ("ascii", "sort", 0.7),
+    ("ascii", "sqlite3", 0.35),
+    ("mixed", "ascii", 1.5),
+    ("dupkey", "unique", 2.0),
+    ("same", "unique", 2.0),
+)
+
+
+def jobs(dsmake):
+    """The commands, each writing to the file "out"."""
+    with open("load.sql", "w", encoding="ascii") as script:
+        script.write(SQL)
+    found = {
+        profile: [dsmake, "-k", "Surname", "-s", SCHEMA, "-i", f"{profile}.tsv", "-o", "out"]
+        for profile in PROFILES
+    }
+    found["sort"] = ["sort", "-o", "out", "ascii.tsv"]
+    found["sqlite3"] = ["sqlite3", "-init", "load.sql", "out", ""]
+    found["cdb"] = ["cdb", "-c", "-m", "-t", "out.tmp", "out", "ascii-by-key.tsv"]
+    return found
+
+
+def run(command):
+    """Seconds, and the peak of resident memory in KiB. /usr/bin/time starts the command, since a
+    child of this process would be charged with Python's own memory."""
+    if os.path.exists("out"):
+        os.remove("out")
+    start = time.perf_counter()
+    subprocess.run(
+        ["/usr/bin/time", "-f", "%M", "-o", "peak", *command],
+        check=True,
+        stdin=subprocess.DEVNULL,
+        stdout=subprocess.DEVNULL,
+        stderr=subprocess.DEVNULL,
+        env={**os.environ, "LC_ALL": "C"},
+    )
+    seconds = time.perf_counter() - start
+    if os.path.getsize("out") == 0:
+        sys.exit(f"{command[0]} wrote nothing")
+    with open("peak", encoding="ascii") as peak:
+        return seconds, int(peak.read())
+
+
+def main():
+    dsmake, records, rounds = sys.argv[1], int(sys.argv[2]), int(sys.argv[3])
+    commands = jobs(dsmake)
+    seconds = {name: [] for name in commands}
+    peaks = {name: 0 for name in commands}
+    for _ in range(rounds):
+        for name, command in commands.items():
+            taken, peak = run(command)
+            seconds[name].append(taken)
+            peaks[name] = max(peaks[name], peak)
+    os.remove("out")
+    os.remove("peak")
+
+    limit = (16 * records + (16 << 20)) // 1024
+    missed = 0
+    median = {name: statistics.median(taken) for name, taken in seconds.items()}
+    print(f"{records} records, {rounds} runs each; medians")
+    print(f"{'job':8} {'seconds':>8} {'range':>15} {'records/s':>11} {'peak KiB':>9}")
+    for name, taken in seconds.items():
+        print(
+            f"{name:8} {median[name]:8.3f} {min(taken):7.3f}-{max(taken):7.3f}"
+            f" {records / median[name]:11.0f} {peaks[name]:9}"
+        )
+    print()
+    for job, other, target in TARGETS:
+        ratio = median[job] / median[other]
+        missed += ratio > target
+        verdict = "MISSED" if ratio > target else "held"
+        print(f"{job:6} / {other:7} {ratio:5.2f}  target {target:4.2f}  {verdict}")
+    for name in PROFILES:
+        missed += peaks[name] > limit
+        verdict = "MISSED" if peaks[name] > limit else "held"
+        print(f"memory {name:8} {peaks[name]:7} KiB  limit {limit} KiB  {verdict}")
+    sys.exit(1 if missed else 0)
+
+
+main()

@@ -1,0 +1,219 @@
+#include "small_reader.hpp"
+
+#include <algorithm>
+#include <array>
+#include <stdexcept>
+
+namespace test {
+
+namespace {
+
+void require(bool held, const std::string& rule) {
+    if (!held) throw std::runtime_error(rule);
+}
+
+std::array<std::uint64_t, 256> make_crc_table() {
+    constexpr std::uint64_t REFLECTED = 0xC96C5795D7870F42; // 0x42F0E1EBA9EA3693, lowest bit first
+    std::array<std::uint64_t, 256> table{};
+    for (std::uint64_t byte = 0; byte < table.size(); ++byte) {
+        table[byte] = byte;
+        for (int bit = 0; bit < 8; ++bit) {
+            table[byte] = (table[byte] >> 1) ^ ((table[byte] & 1) != 0 ? REFLECTED : 0);
+        }
+    }
+    return table;
+}
+
+} // namespace
+
+Small_reader::Small_reader(std::string file) : file_(std::move(file)) {
+    read_header();
+    read_fields();
+    read_records();
+    for (std::uint64_t table = 0; table < key_count_; ++table) {
+        read_table();
+    }
+    require(position_ == file_.size(), "nothing stands behind the last key table");
+}
+
+std::uint64_t Small_reader::crc(std::string_view bytes) {
+    static const std::array<std::uint64_t, 256> TABLE = make_crc_table();
+    std::uint64_t value = ~std::uint64_t{0};
+    for (const char byte : bytes) {
+        value = TABLE[(value ^ static_cast<unsigned char>(byte)) & 0xFF] ^ (value >> 8);
+    }
+    return ~value;
+}
+
+std::uint64_t Small_reader::token(std::u16string_view text) {
+    std::string bytes;
+    for (const char16_t unit : text) {
+        bytes += static_cast<char>(unit & 0xFF);
+        bytes += static_cast<char>(unit >> 8);
+    }
+    return crc(bytes);
+}
+
+void Small_reader::read_header() {
+    require(file_.size() >= 32, "a header of 32 bytes");
+    require(file_.starts_with("KQZVDaSe"), "the magic");
+    require(little(8, 8) == ~crc(bytes(16, file_.size() - 16)), "the checksum");
+    key_table_offset_ = little(16, 8);
+    require(little(24, 2) == 2, "version 2");
+    key_count_ = little(26, 2);
+    record_count_ = little(28, 4);
+    position_ = 32;
+}
+
+void Small_reader::read_fields() {
+    require(bytes(position_, 1)[0] != '\0', "a field list with at least one field");
+    while (bytes(position_, 1)[0] != '\0') {
+        const std::string descriptor = until('\0');
+        const std::size_t end = descriptor.rfind('\n');
+        require(end != std::string::npos, "0x0A in each descriptor");
+        const Field field{descriptor.substr(0, end), descriptor.substr(end + 1)};
+        require(field.type == "Simple" || field.type == "SimpleNC" || field.type == "CCNUMBER" ||
+                    (field.type.empty() && record_count_ == 0),
+                "the name of a formatter type: " + field.type);
+        for (const Field& other : fields_) {
+            require(other.name != field.name, "no name twice: " + field.name);
+        }
+        fields_.push_back(field);
+    }
+    ++position_;
+    skip_zeros();
+}
+
+void Small_reader::read_records() {
+    require(position_ <= key_table_offset_, "key tables behind the field list");
+    while (position_ < key_table_offset_) {
+        records_.push_back(position_);
+        for (std::size_t field = 0; field < fields_.size(); ++field) {
+            position_ += 2 + 8 * big(position_, 2);
+        }
+        require(little(position_++, 1) == 0, "0x00 after each record's last field");
+    }
+    require(position_ == key_table_offset_, "key tables where the records end");
+    require(records_.size() == record_count_, "as many records as the header says");
+}
+
+void Small_reader::read_table() {
+    Table table;
+    table.name = until('\0');
+    skip_zeros();
+    while (table.field < fields_.size() && fields_[table.field].name != table.name) {
+        ++table.field;
+    }
+    require(table.field < fields_.size(), "a field's name on each key table: " + table.name);
+    read_pairs(table);
+    tables_.push_back(std::move(table));
+}
+
+// What a table holds, and where it ends, follows from the records.
+void Small_reader::read_pairs(Table& table) {
+    for (const Pair& expected : expected_pairs(table.field)) {
+        const Pair pair{little(position_, 8), little(position_ + 8, 8)};
+        const std::string where =
+            " of pair " + std::to_string(table.pairs.size()) + " in key table " + table.name;
+        require(pair.hash == expected.hash, "the hash" + where);
+        require(pair.offset == expected.offset, "the offset" + where);
+        table.pairs.push_back(pair);
+        position_ += 16;
+    }
+}
+
+std::vector<Small_reader::Pair> Small_reader::expected_pairs(std::size_t field) const {
+    std::vector<Pair> all;
+    for (const std::uint64_t record : records_) {
+        all.push_back({crc(value_bytes(record, field)), record});
+    }
+    std::sort(all.begin(), all.end());
+    std::vector<Pair> kept;
+    for (const Pair& pair : all) {
+        if (kept.empty() || kept.back().hash != pair.hash ||
+            !same_record(kept.back().offset, pair.offset)) {
+            kept.push_back(pair);
+        }
+    }
+    return kept;
+}
+
+bool Small_reader::same_record(std::uint64_t one, std::uint64_t other) const {
+    for (std::size_t field = 0; field < fields_.size(); ++field) {
+        if (value_bytes(one, field) != value_bytes(other, field)) return false;
+    }
+    return true;
+}
+
+Small_reader::Values Small_reader::values(std::uint64_t record, std::size_t field) const {
+    Values values;
+    const std::string_view bytes = value_bytes(record, field);
+    for (std::size_t at = 0; at < bytes.size(); at += 8) {
+        values.push_back(big(static_cast<std::uint64_t>(bytes.data() - file_.data()) + at, 8));
+    }
+    return values;
+}
+
+Small_reader::Values Small_reader::find(std::string_view key, const Values& values) const {
+    std::string sought;
+    for (const std::uint64_t value : values) {
+        for (unsigned shift = 64; shift > 0; shift -= 8) {
+            sought += static_cast<char>((value >> (shift - 8)) & 0xFF);
+        }
+    }
+    Values found;
+    for (const Table& table : tables_) {
+        if (table.name != key) continue;
+        const Pair least{crc(sought), 0};
+        for (auto pair = std::lower_bound(table.pairs.begin(), table.pairs.end(), least);
+             pair != table.pairs.end() && pair->hash == least.hash; ++pair) {
+            if (value_bytes(pair->offset, table.field) == sought) found.push_back(pair->offset);
+        }
+    }
+    return found;
+}
+
+std::string_view Small_reader::bytes(std::uint64_t at, std::uint64_t size) const {
+    require(at <= file_.size() && size <= file_.size() - at, "nothing outside the file");
+    return std::string_view(file_).substr(at, size);
+}
+
+std::uint64_t Small_reader::little(std::uint64_t at, unsigned size) const {
+    std::uint64_t number = 0;
+    const std::string_view digits = bytes(at, size);
+    for (unsigned left = size; left > 0; --left) {
+        number = number << 8 | static_cast<unsigned char>(digits[left - 1]);
+    }
+    return number;
+}
+
+std::uint64_t Small_reader::big(std::uint64_t at, unsigned size) const {
+    std::uint64_t number = 0;
+    for (const char digit : bytes(at, size)) {
+        number = number << 8 | static_cast<unsigned char>(digit);
+    }
+    return number;
+}
+
+std::string_view Small_reader::value_bytes(std::uint64_t record, std::size_t field) const {
+    for (; field > 0; --field) {
+        record += 2 + 8 * big(record, 2);
+    }
+    return bytes(record + 2, 8 * big(record, 2));
+}
+
+std::string Small_reader::until(char end) {
+    const std::size_t found = file_.find(end, position_);
+    require(found != std::string::npos, "an end to each name");
+    std::string name = file_.substr(position_, found - position_);
+    position_ = found + 1;
+    return name;
+}
+
+void Small_reader::skip_zeros() {
+    for (; position_ % 8 != 0; ++position_) {
+        require(bytes(position_, 1)[0] == '\0', "zeros up to the multiple of 8");
+    }
+}
+
+} // namespace test
