@@ -1,0 +1,12 @@
+#pragma once
+
+namespace cerc {
+
+// What the readers of characters share.
+class Cerc_reader_base {
+public:
+    // Read in place of a character when there is none left; no code point has this value.
+    static constexpr char32_t END_OF_DATA = 0xFFFFFFFF;
+};
+
+} // namespace cerc

@@ -1,0 +1,99 @@
+#pragma once
+
+#include "cerc/cerc_reader_base.hpp"
+#include "scl/scl_buffered_istream.hpp"
+#include "scl/scl_endian.hpp"
+#include "scl/scl_utf.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace cerc {
+
+// Reads little-endian UTF-16 code point by code point. A surrogate without its partner comes out as
+// the code point of its own value. A last byte that is no whole unit is no character: the data ends
+// before it. Offsets are in bytes. What lies in memory is read in place; a buffer that does not,
+// and may be larger than memory, is read through a window.
+class Cerc_utf16_reader final : public Cerc_reader_base {
+public:
+    // The position starts at the buffer's front, or at its end. Buffer and status must outlive the
+    // attachment: read() reports in that status what the buffer does (SCL_STATUS_READ_FAILED).
+    void attach(const scl::Scl_buffer& buffer, scl::Scl_status& status, bool at_end) {
+        if (stream_) detach();
+        const std::span<const std::byte> contents = buffer.contents();
+        if (contents.empty()) return attach_stream(buffer, status, at_end);
+        set_window(contents, 0);
+        size_ = contents.size();
+        if (at_end) at_ = end_;
+    }
+    // Without effect on a reader that is not attached.
+    void detach();
+
+    // The next code point, or END_OF_DATA at the end and after a failure.
+    [[nodiscard]] char32_t read() {
+        if (!has_unit()) return stream_ ? read_beyond_window() : END_OF_DATA;
+        const char16_t unit = take_unit();
+        return scl::impl::scl_is_lead(unit) ? join_with_trail(unit) : unit;
+    }
+
+    // Of the data, taken when it was attached.
+    [[nodiscard]] std::uint64_t size() const { return size_; }
+
+    // Of the next character.
+    [[nodiscard]] std::uint64_t tell() const {
+        return end_offset_ - static_cast<std::uint64_t>(end_ - at_);
+    }
+    // To a position where a character starts. One beyond the end sets SCL_STATUS_END_OF_DATA and
+    // changes nothing.
+    void seek(std::uint64_t offset, scl::Scl_status& status) {
+        const std::uint64_t back = end_offset_ - offset;
+        if (back <= static_cast<std::uint64_t>(end_ - begin_)) {
+            at_ = end_ - back;
+        } else {
+            seek_beyond_window(offset, status);
+        }
+    }
+
+    // The bytes from the position on that are in memory, possibly none. Valid until the next
+    // operation but skip.
+    [[nodiscard]] std::span<const std::byte> at_hand() const { return {at_, end_}; }
+    // Steps over bytes at hand, up to where a character starts.
+    void skip(std::size_t bytes) { at_ += bytes; }
+
+private:
+    static constexpr std::size_t UNIT_BYTES = 2;
+
+    [[nodiscard]] bool has_unit() const {
+        return static_cast<std::size_t>(end_ - at_) >= UNIT_BYTES;
+    }
+    [[nodiscard]] char16_t unit_here() const { return scl::scl_load_le<char16_t>(at_); }
+    char16_t take_unit() {
+        const char16_t unit = unit_here();
+        at_ += UNIT_BYTES;
+        return unit;
+    }
+
+    void set_window(std::span<const std::byte> bytes, std::uint64_t offset) {
+        begin_ = bytes.data();
+        at_ = bytes.data();
+        end_ = bytes.data() + bytes.size();
+        end_offset_ = offset + bytes.size();
+    }
+    void attach_stream(const scl::Scl_buffer& buffer, scl::Scl_status& status, bool at_end);
+    [[nodiscard]] bool load_unit();
+    [[nodiscard]] char32_t read_beyond_window();
+    [[nodiscard]] char32_t join_with_trail(char16_t lead);
+    void seek_beyond_window(std::uint64_t offset, scl::Scl_status& status);
+
+    const std::byte* begin_ = nullptr;
+    const std::byte* at_ = nullptr;
+    const std::byte* end_ = nullptr;
+    std::uint64_t end_offset_ = 0; // where in the data the window ends
+    std::uint64_t size_ = 0;
+    scl::Scl_status* status_ = nullptr;
+    std::optional<scl::Scl_buffered_istream> stream_; // of a buffer that does not lie in memory
+};
+
+} // namespace cerc

@@ -1,0 +1,33 @@
+#include "txt/txt_text_store.hpp"
+
+#include <algorithm>
+
+namespace txt {
+
+namespace {
+
+constexpr std::size_t LARGEST_STEP = std::size_t{1} << 19; // units, 1 MiB
+
+} // namespace
+
+void Txt_text_store::append(std::u16string_view text) {
+    if (static_cast<std::size_t>(limit_ - at_) < text.size()) grow(text.size());
+    at_ = std::copy(text.begin(), text.end(), at_);
+}
+
+// Moves the open text to new memory of at least twice its size, so that a text of any length is
+// built in linear time.
+void Txt_text_store::grow(std::size_t units) {
+    if (further_ == nullptr) further_ = std::make_unique<Further>();
+    const std::u16string_view open = open_text();
+    const std::size_t step = std::min(2 * further_->newest_units, LARGEST_STEP);
+    const std::size_t size = std::max(step, 2 * (open.size() + units)) + 1;
+    further_->pieces.push_back(std::make_unique_for_overwrite<char16_t[]>(size));
+    further_->newest_units = size;
+    char16_t* const start = further_->pieces.back().get();
+    at_ = std::copy(open.begin(), open.end(), start);
+    open_ = start;
+    limit_ = start + size - 1;
+}
+
+} // namespace txt

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "scl/scl_utf.hpp"
+
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <string_view>
+#include <vector>
+
+namespace txt {
+
+// Keeps texts at addresses that stay, each with a zero unit after its end. One text, the newest, is
+// open: it grows at its end and can be cut back until keep() closes it. Texts live as long as the
+// store. Memory exhausted (std::bad_alloc) is the only failure. The first FIRST_UNITS cost no
+// allocation.
+class Txt_text_store {
+public:
+    static constexpr std::size_t FIRST_UNITS = 256;
+
+    Txt_text_store() : open_(first_), at_(open_), limit_(open_ + FIRST_UNITS - 1) {}
+    Txt_text_store(const Txt_text_store&) = delete;
+    Txt_text_store& operator=(const Txt_text_store&) = delete;
+    ~Txt_text_store() = default;
+
+    // The open text. Moves when it grows.
+    [[nodiscard]] std::u16string_view open_text() const { return {open_, at_}; }
+    [[nodiscard]] std::size_t open_length() const { return static_cast<std::size_t>(at_ - open_); }
+    [[nodiscard]] bool is_open_text(std::u16string_view text) const { return text.data() == open_; }
+
+    // Empties the open text, or cuts it back to `length` units.
+    void clear() { at_ = open_; }
+    void cut(std::size_t length) { at_ = open_ + length; }
+
+    void append(char32_t code_point) {
+        if (limit_ - at_ < 2) grow(2);
+        at_ = scl::impl::scl_utf16_put(at_, code_point);
+    }
+    void append(std::u16string_view text);
+
+    // For who writes in place: where the open text grows next, and how many units it has.
+    [[nodiscard]] std::span<char16_t> room() { return {at_, limit_}; }
+    void grown(std::size_t units) { at_ += units; }
+
+    // Closes the open text, which stands where it is from then on, and opens the next one.
+    [[nodiscard]] std::u16string_view keep() {
+        const std::u16string_view text = open_text();
+        *at_ = u'\0';
+        if (at_ != limit_) ++at_;
+        open_ = at_;
+        return text;
+    }
+
+private:
+    struct Further {
+        std::vector<std::unique_ptr<char16_t[]>> pieces;
+        std::size_t newest_units = FIRST_UNITS;
+    };
+
+    void grow(std::size_t units);
+
+    char16_t first_[FIRST_UNITS]; // not read before it is written
+    char16_t* open_;
+    char16_t* at_;
+    char16_t* limit_; // one unit before the end of the memory at hand, for the closing zero
+    std::unique_ptr<Further> further_;
+};
+
+} // namespace txt

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "scl/scl_unicode.hpp"
+#include "txt/txt_parse_operation.hpp"
+#include "txt/txt_text_store.hpp"
+#include "txt/txt_token_type.hpp"
+#include "txt/txt_word_rules.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace txt {
+
+// Splits text into tokens and trailers, a character at a time. Boundaries are the word boundaries
+// of Unicode Standard Annex #29. A segment that starts with white space is a trailer, and so are
+// those after it: together they are one. Every other segment is a token.
+//
+// The caller does after each character what the operation asks (Txt_parse_operation): the token's
+// text stands in the store's open text, and it keeps the checkpoints. Time is linear in the text.
+class Txt_tokeniser final {
+public:
+    // Text, type and operation are all updated.
+    void process(char32_t character, Txt_text_store& text, std::uint32_t& type,
+                 Txt_parse_operation& operation);
+
+    // At the end of the data; the same updates. After `roll_back` the caller goes on from the
+    // checkpoint.
+    void breakpoint(Txt_text_store& text, std::uint32_t& type, Txt_parse_operation& operation);
+
+    // Takes as many of the leading units (16-bit, little-endian) as can only extend the token, or,
+    // where none is open, as start one, and returns how many bytes they are. Not 0, then type and
+    // operation are updated: `start` or `go_on`. process() would do the same with each of them.
+    [[nodiscard]] std::size_t run(std::span<const std::byte> units, Txt_text_store& text,
+                                  std::uint32_t& type, Txt_parse_operation& operation) {
+        if (!type_settled_ || !impl::TXT_WORD_RUNS[row_]) return 0;
+        return take_run(units, text, type, operation);
+    }
+
+private:
+    using Class = scl::Scl_unicode_code_point_type;
+
+    [[nodiscard]] std::size_t take_run(std::span<const std::byte> units, Txt_text_store& text,
+                                       std::uint32_t& type, Txt_parse_operation& operation);
+    void start(Class first, std::uint32_t& type);
+    void settle_type(Class next, std::uint32_t& type);
+    [[nodiscard]] Txt_parse_operation operation_before(impl::Txt_word_action action) const;
+
+    std::uint8_t row_ = impl::TXT_WORD_ROW_START;
+    bool in_trailer_ = false;
+    bool type_settled_ = true; // false while the open segment holds nothing visible by itself
+};
+
+inline void Txt_tokeniser::process(char32_t character, Txt_text_store& text, std::uint32_t& type,
+                                   Txt_parse_operation& operation) {
+    const std::uint8_t bits = scl::impl::scl_unicode_bits(character);
+    const std::size_t property = bits >> 3U;
+    const auto character_class = static_cast<Class>(bits & 7U);
+    impl::Txt_word_step step = impl::TXT_WORD_STEPS[row_][property];
+    if (step.action == impl::Txt_word_action::part && in_trailer_ &&
+        character_class == Class::white_space) {
+        step = {impl::Txt_word_action::join,
+                impl::TXT_WORD_STEPS[impl::TXT_WORD_ROW_START][property].row};
+    }
+    row_ = step.row;
+    if (step.action == impl::Txt_word_action::join) {
+        if (!type_settled_) settle_type(character_class, type);
+        text.append(character);
+        operation = Txt_parse_operation::go_on;
+    } else if (step.action == impl::Txt_word_action::start) {
+        start(character_class, type);
+        text.clear();
+        text.append(character);
+        operation = Txt_parse_operation::start;
+    } else {
+        operation = operation_before(step.action);
+    }
+}
+
+// For a character that is not taken yet.
+inline Txt_parse_operation Txt_tokeniser::operation_before(impl::Txt_word_action action) const {
+    switch (action) {
+    case impl::Txt_word_action::part:
+        return in_trailer_ ? Txt_parse_operation::trailer : Txt_parse_operation::token;
+    case impl::Txt_word_action::look:
+        return Txt_parse_operation::checkpoint;
+    case impl::Txt_word_action::roll_back:
+        return Txt_parse_operation::roll_back;
+    default:
+        return Txt_parse_operation::finish;
+    }
+}
+
+inline void Txt_tokeniser::breakpoint(Txt_text_store& /*text*/, std::uint32_t& /*type*/,
+                                      Txt_parse_operation& operation) {
+    const impl::Txt_word_step step = impl::TXT_WORD_STEPS[row_][impl::TXT_WORD_END_OF_TEXT];
+    row_ = step.row;
+    operation = operation_before(step.action);
+}
+
+inline void Txt_tokeniser::start(Class first, std::uint32_t& type) {
+    in_trailer_ = first == Class::white_space;
+    type_settled_ = false;
+    settle_type(first, type);
+}
+
+inline void Txt_tokeniser::settle_type(Class next, std::uint32_t& type) {
+    type = txt_token_type(next);
+    type_settled_ = next != Class::attached;
+}
+
+} // namespace txt

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "cerc/cerc_utf16_reader.hpp"
+#include "txtdfc/dfc_format_codec.hpp"
+#include "txtdfc/dff_text_facet.hpp"
+#include "txtdfc/txtdfc_text_view.hpp"
+#include "txtdfc/txtdfc_token_pool.hpp"
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+namespace txtdfc {
+
+// The codec of plain UTF-16 text (little-endian; a byte order mark at the front is not part of the
+// text). One codec serves any number of values, attached one after the other.
+class Txtdfc_format_codec final : public dfc::Dfc_format_codec, private dff::Dff_text_facet {
+public:
+    // `requested` names the facets to grant; null grants all. `table`, which may be null, keeps the
+    // texts of the tokens. `pool` gives the tokens' memory: without one the codec makes its own.
+    // Neither is owned, and both must outlive the codec. With `view_of_empty` content without text
+    // has a view, without tokens; else it has none.
+    Txtdfc_format_codec(const dfc::Dfc_facet_set* requested, txt::Txt_text_table* table,
+                        Txtdfc_token_pool* pool, bool view_of_empty);
+    ~Txtdfc_format_codec() override;
+
+    [[nodiscard]] dfc::Dfc_format_facet* query_facet(const dfc::Dfc_facet_id& id) override;
+
+    // Drops the view of what was attached before; null detaches. The status is cleared, then says
+    // how the content could be read: what its buffer reports, SCL_STATUS_NO_MEMORY, or
+    // SCL_STATUS_EXCEPTION with the exception's message, or SCL_STATUS_UNKNOWN_EXCEPTION.
+    //
+    // A pool of the caller's counts the tokens of all values, until the caller rewinds it: between
+    // attach(), which destroys the old tokens, and text_view(), which makes new ones.
+    void attach(const scl::Scl_buffer* content, scl::Scl_status& status) override;
+
+    // The one view, at index 0 and cursor 0; null for any other, and when the content has no text.
+    // Made when first asked for. Throws std::logic_error when nothing is attached (and a view of
+    // empty content was asked for), std::runtime_error when the content cannot be read or has more
+    // tokens than the pool can hold.
+    [[nodiscard]] Txtdfc_text_view* text_view(int index, unsigned& cursor) override;
+
+private:
+    void take_content(const scl::Scl_buffer* content, scl::Scl_status& status);
+    void analyse(scl::Scl_status& status);
+    void create_text_view();
+    void fill_view();
+    [[nodiscard]] Txtdfc_token_pool& pool();
+
+    txt::Txt_text_table* table_;
+    Txtdfc_token_pool* pool_;
+    std::unique_ptr<Txtdfc_token_pool> own_pool_; // outlives the view
+    const scl::Scl_buffer* content_ = nullptr;
+    bool text_facet_granted_;
+    bool view_of_empty_;
+    cerc::Cerc_utf16_reader reader_; // of the content
+    scl::Scl_status reading_;        // what the reader reports
+    std::uint64_t content_start_ = 0;
+    std::uint64_t content_end_ = 0;
+    std::optional<Txtdfc_text_view> view_;
+};
+
+} // namespace txtdfc

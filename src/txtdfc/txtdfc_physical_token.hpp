@@ -1,0 +1,28 @@
+#pragma once
+
+#include "txtdfc/txtdfc_text_view.hpp"
+
+#include <cstdint>
+
+namespace txtdfc {
+
+// A token that knows where in the content its text lies.
+class Txtdfc_physical_token final : public txt::Txt_physical_token {
+public:
+    // The view must have kept the text. Offset and length are in bytes.
+    Txtdfc_physical_token(std::uint32_t type, std::u16string_view text, Txtdfc_text_view& view,
+                          std::uint64_t offset, std::uint64_t length)
+        : Txt_physical_token(type, text, view),
+          offset_(offset),
+          length_(static_cast<std::uint16_t>(length)) {}
+
+    [[nodiscard]] std::uint64_t content_offset() const { return offset_; }
+    // Of a longer span only the low 16 bits.
+    [[nodiscard]] std::uint16_t content_length() const { return length_; }
+
+private:
+    std::uint64_t offset_;
+    std::uint16_t length_;
+};
+
+} // namespace txtdfc
