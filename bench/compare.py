@@ -41,13 +41,13 @@ def jobs(dsmake):
 
 
 def run(command):
-    """Seconds, and the peak of resident memory in KiB. /usr/bin/time starts the command, since a
-    child of this process would be charged with Python's own memory."""
+    """Seconds, seconds of processor time, and the peak of resident memory in KiB. /usr/bin/time
+    starts the command, since a child of this process would be charged with Python's own memory."""
     if os.path.exists("out"):
         os.remove("out")
     start = time.perf_counter()
     subprocess.run(
-        ["/usr/bin/time", "-f", "%M", "-o", "peak", *command],
+        ["/usr/bin/time", "-f", "%U %S %M", "-o", "used", *command],
         check=True,
         stdin=subprocess.DEVNULL,
         stdout=subprocess.DEVNULL,
@@ -57,39 +57,46 @@ def run(command):
     seconds = time.perf_counter() - start
     if os.path.getsize("out") == 0:
         sys.exit(f"{command[0]} wrote nothing")
-    with open("peak", encoding="ascii") as peak:
-        return seconds, int(peak.read())
+    with open("used", encoding="ascii") as used:
+        user, system, peak = used.read().split()
+        return seconds, float(user) + float(system), int(peak)
 
 
 def main():
     dsmake, records, rounds = sys.argv[1], int(sys.argv[2]), int(sys.argv[3])
     commands = jobs(dsmake)
     seconds = {name: [] for name in commands}
+    processor = {name: [] for name in commands}
     peaks = {name: 0 for name in commands}
     for _ in range(rounds):
         for name, command in commands.items():
-            taken, peak = run(command)
+            taken, used, peak = run(command)
             seconds[name].append(taken)
+            processor[name].append(used)
             peaks[name] = max(peaks[name], peak)
     os.remove("out")
-    os.remove("peak")
+    os.remove("used")
 
     limit = (16 * records + (16 << 20)) // 1024
     missed = 0
     median = {name: statistics.median(taken) for name, taken in seconds.items()}
+    cpu = {name: statistics.median(used) for name, used in processor.items()}
     print(f"{records} records, {rounds} runs each; medians")
-    print(f"{'job':8} {'seconds':>8} {'range':>15} {'records/s':>11} {'peak KiB':>9}")
+    print(f"{'job':8} {'seconds':>8} {'range':>15} {'processor':>9} {'records/s':>11} {'peak KiB':>9}")
     for name, taken in seconds.items():
         print(
             f"{name:8} {median[name]:8.3f} {min(taken):7.3f}-{max(taken):7.3f}"
-            f" {records / median[name]:11.0f} {peaks[name]:9}"
+            f" {cpu[name]:9.2f} {records / median[name]:11.0f} {peaks[name]:9}"
         )
     print()
     for job, other, target in TARGETS:
         ratio = median[job] / median[other]
         missed += ratio > target
         verdict = "MISSED" if ratio > target else "held"
-        print(f"{job:6} / {other:7} {ratio:5.2f}  target {target:4.2f}  {verdict}")
+        print(
+            f"{job:6} / {other:7} {ratio:5.2f}  target {target:4.2f}  {verdict:6}"
+            f"  (processor time {cpu[job] / cpu[other]:4.2f})"
+        )
     for name in PROFILES:
         missed += peaks[name] > limit
         verdict = "MISSED" if peaks[name] > limit else "held"

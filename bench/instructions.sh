@@ -22,12 +22,11 @@ count() { # RECORDS
         -s 'FirstName,Simple;Surname,SimpleNC;CardNum,CCNUMBER' -k Surname -i "$1.tsv" -o out \
         >"$1.log" 2>&1
     callgrind_annotate --threshold=100 --show=Ir "$1.callgrind" >"$1.functions"
-    # Lines of functions: the count, its share, FILE:NAME.
-    awk '$2 ~ /%\)$/ && /:/ && !/PROGRAM TOTALS/ {
-            gsub(",", "", $1)
-            if (tolower($0) ~ /sort/) sorting += $1; else rest += $1
-        }
-        END { printf "%.0f %.0f\n", rest, sorting }' "$1.functions"
+    # Lines are a count, its share, FILE:FUNCTION and [PROGRAM].
+    awk '{ count = $1; gsub(",", "", count); sub(/ \[.*/, "") }
+        /PROGRAM TOTALS/ { total = count }
+        /%\)/ && tolower($0) ~ /sort/ { sorting += count }
+        END { printf "%.0f %.0f\n", total - sorting, sorting }' "$1.functions"
 }
 
 # shellcheck disable=SC2046  # two numbers each
