@@ -24,8 +24,9 @@ bool is_hangul_syllable(char32_t code_point) {
 
 // The syllable of a lead and a vowel, or of a syllable without tail and a tail; else 0.
 char32_t compose_hangul(char32_t first, char32_t second) {
-    if (first - LEAD_BASE < LEADS && second - VOWEL_BASE < VOWELS)
+    if (first - LEAD_BASE < LEADS && second - VOWEL_BASE < VOWELS) {
         return HANGUL_BASE + ((first - LEAD_BASE) * VOWELS + second - VOWEL_BASE) * TAILS;
+    }
     const bool takes_tail = is_hangul_syllable(first) && (first - HANGUL_BASE) % TAILS == 0;
     const bool is_tail = second > TAIL_BASE && second < TAIL_BASE + TAILS;
     return takes_tail && is_tail ? first + (second - TAIL_BASE) : 0;
@@ -54,8 +55,9 @@ const Scl_decomposition& decomposition(char32_t code_point) {
 
 void Scl_composer::compose(std::u16string_view segment, std::u16string& out) {
     characters_.clear();
-    for (std::size_t at = 0; at < segment.size();)
+    for (std::size_t at = 0; at < segment.size();) {
         decompose(scl_utf16_next(segment, at));
+    }
     order_marks();
     recompose();
     for (const Character& each : characters_) {

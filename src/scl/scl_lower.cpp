@@ -16,8 +16,9 @@ constexpr char16_t CAPITAL_SIGMA = 0x3A3;
 constexpr char16_t FINAL_SIGMA = 0x3C2;
 
 void lower_ascii(std::u16string& text) {
-    for (char16_t& unit : text)
+    for (char16_t& unit : text) {
         unit = static_cast<char16_t>(unit + (unit >= u'A' && unit <= u'Z' ? u'a' - u'A' : 0));
+    }
 }
 
 // True when the first character from `at` on that is not case-ignorable is cased. As no sigma is
@@ -36,10 +37,11 @@ void expand_capital_i(std::u16string& text) {
     if (text.find(CAPITAL_I_WITH_DOT) == std::u16string::npos) return;
     std::u16string expanded;
     for (const char16_t unit : text) {
-        if (unit == CAPITAL_I_WITH_DOT)
+        if (unit == CAPITAL_I_WITH_DOT) {
             expanded += SMALL_I_WITH_DOT;
-        else
+        } else {
             expanded += unit;
+        }
     }
     text.assign(expanded);
 }
@@ -52,8 +54,9 @@ void lower_any(std::u16string& text) {
         const char32_t code_point = impl::scl_utf16_next(text, at);
         const auto& properties = impl::scl_properties(code_point);
         char32_t small = code_point + static_cast<char32_t>(properties.to_lower);
-        if (code_point == CAPITAL_SIGMA && is_after_cased && !is_before_cased(text, at))
+        if (code_point == CAPITAL_SIGMA && is_after_cased && !is_before_cased(text, at)) {
             small = FINAL_SIGMA;
+        }
         static_cast<void>(impl::scl_utf16_put(here, small)); // of the same length
         if (!properties.case_ignorable) is_after_cased = properties.cased;
     }

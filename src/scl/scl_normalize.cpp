@@ -96,10 +96,11 @@ void impl::scl_normalize(std::u16string_view in, std::u16string& out) {
         return;
     }
     const Stretch stretch = normal_stretch(in, 0);
-    if (stretch.is_whole)
+    if (stretch.is_whole) {
         out.assign(in);
-    else
+    } else {
         out.assign(composed(in, stretch)); // apart from `out`, whose text `in` may be
+    }
 }
 
 void scl_normalize(std::u16string_view in, std::u16string& out, Scl_status& /*status*/) {

@@ -60,12 +60,14 @@ bool copy_block(To* to, const From* from) {
 template <std::size_t Size, class To, class From>
 std::size_t copy_ascii_in_blocks(To* to, const From* from, std::size_t size) {
     std::size_t at = 0;
-    while (size - at >= Size && copy_block<Size>(to + at, from + at))
+    while (size - at >= Size && copy_block<Size>(to + at, from + at)) {
         at += Size;
+    }
     const bool is_tail = size >= Size && size - at < Size;
     if (is_tail && copy_block<Size>(to + size - Size, from + size - Size)) return size;
-    for (; at < size && is_ascii(from[at]); ++at)
+    for (; at < size && is_ascii(from[at]); ++at) {
         to[at] = static_cast<To>(from[at]);
+    }
     return at;
 }
 
@@ -79,8 +81,9 @@ std::size_t copy_ascii(To* to, const From* from, std::size_t size) {
 // two. (A surrogate pair, four bytes, is counted as six.)
 std::size_t utf8_bound(std::u16string_view wide) {
     std::size_t size = wide.size();
-    for (const char16_t unit : wide)
+    for (const char16_t unit : wide) {
         size += static_cast<std::size_t>(unit >= 0x80) + static_cast<std::size_t>(unit >= 0x800);
+    }
     return size;
 }
 
@@ -92,8 +95,9 @@ std::size_t scl_convert(std::string_view narrow, char16_t* wide) {
         const std::size_t ascii = copy_ascii(to, narrow.data() + at, narrow.size() - at);
         to += ascii;
         at += ascii;
-        while (at < narrow.size() && !is_ascii(narrow[at]))
+        while (at < narrow.size() && !is_ascii(narrow[at])) {
             to = impl::scl_utf16_put(to, impl::scl_utf8_next_long(narrow, at));
+        }
     }
     return static_cast<std::size_t>(to - wide);
 }
@@ -112,8 +116,9 @@ void scl_string_append(std::string& narrow, std::u16string_view wide) {
     narrow.resize(start + at + utf8_bound(wide.substr(at)));
     char* to = narrow.data() + start + at;
     while (at < wide.size()) {
-        while (at < wide.size() && !is_ascii(wide[at]))
+        while (at < wide.size() && !is_ascii(wide[at])) {
             to = impl::scl_utf8_put(to, impl::scl_utf16_next(wide, at));
+        }
         const std::size_t ascii = copy_ascii(to, wide.data() + at, wide.size() - at);
         to += ascii;
         at += ascii;
@@ -136,10 +141,12 @@ void scl_utf16_to_utf8(std::u16string_view wide, std::string& narrow) {
 }
 
 std::u16string_view scl_trimmed(std::u16string_view text) {
-    while (!text.empty() && scl_is_white_space(text.back()))
+    while (!text.empty() && scl_is_white_space(text.back())) {
         text.remove_suffix(1);
-    while (!text.empty() && scl_is_white_space(text.front()))
+    }
+    while (!text.empty() && scl_is_white_space(text.front())) {
         text.remove_prefix(1);
+    }
     return text;
 }
 

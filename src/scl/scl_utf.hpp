@@ -27,8 +27,9 @@ inline constexpr char32_t SCL_FIRST_SURROGATE = 0xD800;
 // The code point at `at`, which is moved past it. `at` must be below the text's size.
 [[nodiscard]] inline char32_t scl_utf16_next(std::u16string_view text, std::size_t& at) {
     const char32_t unit = text[at++];
-    if (scl_is_lead(unit) && at < text.size() && scl_is_trail(text[at]))
+    if (scl_is_lead(unit) && at < text.size() && scl_is_trail(text[at])) {
         return 0x10000 + ((unit - 0xD800) << 10U) + (text[at++] - 0xDC00U);
+    }
     return unit;
 }
 
@@ -69,13 +70,16 @@ inline constexpr char32_t SCL_FIRST_SURROGATE = 0xD800;
         bits |= units;
     };
     std::size_t at = 0;
-    for (; text.size() - at > 4; at += 4)
+    for (; text.size() - at > 4; at += 4) {
         add(at, 4);
-    if (text.size() >= 4)
+    }
+    if (text.size() >= 4) {
         add(text.size() - 4, 4); // some of them once more
-    else
-        for (; at < text.size(); ++at)
+    } else {
+        for (; at < text.size(); ++at) {
             add(at, 1);
+        }
+    }
     bits |= bits >> 32U;
     return static_cast<std::uint16_t>(bits | (bits >> 16U));
 }
