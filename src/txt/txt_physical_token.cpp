@@ -38,7 +38,7 @@ void Txt_physical_token::position(std::size_t position) {
 }
 
 std::uint64_t Txt_physical_token::crc(Txt_text_form form) const {
-    return crc_of(text_, form);
+    return form == Txt_text_form::whole ? crc_of(text_) : Txt_token::crc(form);
 }
 
 std::u16string_view Txt_physical_token::text_entry() const {

@@ -1,6 +1,5 @@
 #include "txt/txt_token.hpp"
 
-#include "scl/scl_crc64.hpp"
 #include "txt/txt_text_view.hpp"
 #include "txt/txt_visible_text.hpp"
 
@@ -25,15 +24,9 @@ bool Txt_token::overlaps(const Txt_token& other) const {
     return &view() == &other.view() && !is_before(other) && !is_after(other);
 }
 
-std::uint64_t Txt_token::crc_of(std::u16string_view text, Txt_text_form form) {
-    if (form == Txt_text_form::visible) return crc_of(txt_visible_text(text), Txt_text_form::whole);
-    if (text.empty()) return 0;
-    return scl::Scl_crc64::calculate(text.data(), text.size() * sizeof(char16_t),
-                                     scl::Scl_crc64::INITIAL);
-}
-
 std::uint64_t Txt_token::crc(Txt_text_form form) const {
-    return crc_of(text_entry(), form);
+    const std::u16string_view whole = text_entry();
+    return form == Txt_text_form::whole ? crc_of(whole) : crc_of(txt_visible_text(whole));
 }
 
 const char16_t* Txt_token::text(Txt_text_form form) const {

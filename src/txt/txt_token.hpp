@@ -1,5 +1,6 @@
 #pragma once
 
+#include "scl/scl_crc64.hpp"
 #include "txt/txt_text_form.hpp"
 
 #include <cstddef>
@@ -92,8 +93,12 @@ public:
 protected:
     Txt_token() = default;
 
-    // The value of a text in a form; see crc().
-    [[nodiscard]] static std::uint64_t crc_of(std::u16string_view text, Txt_text_form form);
+    // The value of a text; see crc().
+    [[nodiscard]] static std::uint64_t crc_of(std::u16string_view text) {
+        if (text.empty()) return 0;
+        return scl::Scl_crc64::calculate(text.data(), text.size() * sizeof(char16_t),
+                                         scl::Scl_crc64::INITIAL);
+    }
 };
 
 } // namespace txt
