@@ -6,8 +6,10 @@
 #include "txtdfc/txtdfc_format_codec.hpp"
 
 #include <cstdint>
+#include <cstring>
 #include <memory>
 #include <ostream>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -75,6 +77,14 @@ private:
     scl::Scl_wstring_buffer bytes_;
     std::uint64_t fails_from_;
 };
+
+// The text that a buffer in memory holds.
+inline std::u16string text_in(const scl::Scl_buffer& buffer) {
+    const std::span<const std::byte> bytes = buffer.contents();
+    std::u16string text(bytes.size() / sizeof(char16_t), u'\0');
+    if (!bytes.empty()) std::memcpy(text.data(), bytes.data(), bytes.size());
+    return text;
+}
 
 inline txtdfc::Txtdfc_text_view* view_of(txtdfc::Txtdfc_format_codec& codec) {
     unsigned cursor = 0;

@@ -27,7 +27,8 @@ bool Field_token_writer::collect(std::u16string_view value, std::vector<std::uin
     unsigned cursor = 0;
     const txt::Txt_text_view* const view = text_facet_.text_view(0, cursor);
     if (view == nullptr) return false;
-    for (const txt::Txt_token* token = view->cfront(); token != nullptr; token = token->next()) {
+    for (const txt::Txt_physical_token* token = view->cfront(); token != nullptr;
+         token = token->next()) {
         values.push_back(token->crc(txt::Txt_text_form::whole));
     }
     return true;

@@ -1,9 +1,14 @@
 #pragma once
 
 #include "scl/scl_string.hpp"
+#include "txt/txt_associations.hpp"
 #include "txt/txt_token.hpp"
 
+#include <vector>
+
 namespace txt {
+
+class Txt_virtual_token;
 
 // A token that stands for itself in the content, one after the other in its view's list. The view
 // destroys it, but does not own its memory.
@@ -16,17 +21,43 @@ public:
     [[nodiscard]] std::uint32_t type() const override;
     [[nodiscard]] Txt_physical_token* previous() const override;
     [[nodiscard]] Txt_physical_token* next() const override;
+    // Back to where it was; false too when its former neighbours are no neighbours any more. So
+    // link in the reverse order of unlinking.
+    bool link() override;
+    // Its associations go, and the virtual tokens that begin or end with it. A token that is never
+    // linked again is not destroyed by the view.
+    bool unlink() override;
     [[nodiscard]] Txt_text_view& view() const override;
+    [[nodiscard]] std::size_t position() const override;
     [[nodiscard]] std::uint64_t crc(Txt_text_form form) const override;
-    [[nodiscard]] const char16_t* text(Txt_text_form form) const override;
     [[nodiscard]] std::u16string_view text_entry() const override;
-    [[nodiscard]] const char16_t* trailer_text() const override;
     [[nodiscard]] std::u16string_view trailer_entry() const override;
-    [[nodiscard]] std::size_t length(Txt_text_form form) const override;
-    [[nodiscard]] std::size_t trailer_length() const override;
+
+    // A token that knows of no content cannot edit any: false.
+    [[nodiscard]] bool redact(std::size_t skip, std::size_t count) override;
+    [[nodiscard]] bool replace_text(std::u16string_view text, std::u16string_view before,
+                                    std::u16string_view after) override;
+
+    // Itself.
+    [[nodiscard]] const Txt_physical_token& front() const override;
+    [[nodiscard]] const Txt_physical_token& back() const override;
+
+    // For the view, which numbers its tokens.
+    virtual void position(std::size_t position);
 
     // Replaces the trailer, which the view then keeps.
     virtual void trailer_text(std::u16string_view trailer);
+    using Txt_token::trailer_text;
+
+    // Whether it is text that a caller attached an association of this kind to.
+    [[nodiscard]] virtual bool is_text(const Txt_association_kind& kind) const;
+    using Txt_token::is_text;
+
+    // The virtual tokens whose run this one is in.
+    [[nodiscard]] virtual std::vector<Txt_virtual_token*> vtokens() const;
+
+    // An edit as those of Txt_token: the text goes, the trailer stays.
+    [[nodiscard]] virtual bool remove();
 
 private:
     friend class Txt_text_view; // which links the list
@@ -37,6 +68,7 @@ private:
     std::u16string_view text_;
     std::u16string_view trailer_;
     std::uint32_t type_;
+    std::uint32_t position_ = 0; // when the view has numbered its tokens
 };
 
 } // namespace txt

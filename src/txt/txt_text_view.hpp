@@ -4,10 +4,15 @@
 #include "txt/txt_physical_token.hpp"
 #include "txt/txt_text_store.hpp"
 #include "txt/txt_text_table.hpp"
+#include "txt/txt_token_iterator.hpp"
+#include "txt/txt_view_extras.hpp"
 
 #include <cstdint>
+#include <list>
 #include <memory>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace txt {
 
@@ -16,6 +21,9 @@ namespace txt {
 // that views share them, or in itself.
 class Txt_text_view {
 public:
+    using Virtual_iterator = std::list<Txt_virtual_token>::iterator;
+    using Const_virtual_iterator = std::list<Txt_virtual_token>::const_iterator;
+
     // `table` may be null and is not owned.
     Txt_text_view(std::uint32_t type, Txt_text_table* table) : table_(table), type_(type) {}
     Txt_text_view(const Txt_text_view&) = delete;
@@ -25,7 +33,7 @@ public:
     [[nodiscard]] virtual std::uint32_t type() const;
 
     // Tokens are added, each at the back, between these two; a token added at another time throws
-    // std::logic_error.
+    // std::logic_error, and so does starting in a locked view.
     virtual void start_content();
     virtual void add_content(Txt_physical_token& token);
     virtual void end_content();
@@ -36,9 +44,63 @@ public:
     [[nodiscard]] virtual const Txt_physical_token* cback() const;
     [[nodiscard]] virtual Txt_physical_token* cback();
 
+    // From the first token to past the last one.
+    [[nodiscard]] virtual Txt_token_iterator cbegin() const;
+    [[nodiscard]] virtual Txt_token_iterator cend() const;
+
+    // What callers attach to tokens, physical and virtual ones of this view; see Txt_associations.
+    virtual bool add_association(const Txt_token& token, const Txt_association& association);
+    virtual bool remove_association(const Txt_token& token, const Txt_association_kind& kind);
+    virtual std::size_t remove_associations(const Txt_token& token);
+    [[nodiscard]] virtual std::vector<Txt_association>
+    find_associations(const Txt_token& token) const;
+
+    // A new token over the run from `front` to `back`, after the virtual tokens there are. Throws
+    // std::invalid_argument when that is no run of this view. Its type is the caller's to choose.
+    virtual Txt_virtual_token& add_virtual_token(std::uint32_t type, Txt_physical_token& front,
+                                                 Txt_physical_token& back);
+
+    // The virtual tokens in the order they were added, or linked again.
+    [[nodiscard]] virtual Const_virtual_iterator vbegin() const;
+    [[nodiscard]] virtual Virtual_iterator vbegin();
+    [[nodiscard]] virtual Const_virtual_iterator vend() const;
+    [[nodiscard]] virtual Virtual_iterator vend();
+
+    // Drops all tokens, virtual ones, and associations, as the destructor does; texts stay. False
+    // when the view is locked or its content has not ended.
+    virtual bool purge();
+
+    // What takes the place of redacted characters: '*' unless set.
+    [[nodiscard]] virtual char32_t get_redaction_character() const;
+    virtual void set_redaction_character(char32_t character);
+
+    // How many physical tokens of a type there are; they are counted when asked for.
+    [[nodiscard]] virtual std::size_t word_token_count() const;
+    [[nodiscard]] virtual std::size_t number_token_count() const;
+    [[nodiscard]] virtual std::size_t punctuation_token_count() const;
+    [[nodiscard]] virtual std::size_t symbol_token_count() const;
+
     // The kept text equal to `text`, copied if it is new; zero-terminated, as long-lived as the
     // view.
     [[nodiscard]] virtual std::u16string_view insert_text(std::u16string_view text);
+    // The same for trailers.
+    [[nodiscard]] virtual std::u16string_view insert_whitespace(std::u16string_view text);
+    // Zero-terminated too.
+    [[nodiscard]] virtual const char16_t* empty_text() const;
+    // The text in the view's table equal to this one; its data is null when there is none. (What
+    // keep() left where it stood is in no table.)
+    [[nodiscard]] virtual std::u16string_view lookup_text(std::u16string_view text) const;
+    // The same; the length is in 16-bit units.
+    [[nodiscard]] virtual std::u16string_view lookup_text(const char16_t* data,
+                                                          std::size_t length) const;
+    // All tokens' texts and trailers in one.
+    [[nodiscard]] virtual std::u16string create_string() const;
+
+    // While a view is locked its order of tokens stays: purge, link and unlink return false, and no
+    // content is started. Locks add up. Throws std::logic_error when content has been started and
+    // not ended, or when there is no lock to take off.
+    virtual void lock();
+    virtual void unlock();
 
     // Where the text of the next token is built.
     [[nodiscard]] Txt_text_store& text_store() { return store_; }
@@ -49,19 +111,42 @@ public:
     }
 
 private:
+    friend class Txt_physical_token; // these two ask for the following of their own view
+    friend class Txt_virtual_token;
+
+    [[nodiscard]] bool link(Txt_physical_token& token);
+    [[nodiscard]] bool unlink(Txt_physical_token& token);
+    [[nodiscard]] bool link_virtual(const Txt_virtual_token& token);
+    [[nodiscard]] bool unlink_virtual(const Txt_virtual_token& token);
+    void number_tokens();
+    [[nodiscard]] bool has_association(const Txt_token& token,
+                                       const Txt_association_kind& kind) const;
+
     [[noreturn]] static void throw_not_started();
+    void check_not_locked() const;
+    [[nodiscard]] bool is_locked() const { return extras_ != nullptr && extras_->locks != 0; }
+    [[nodiscard]] Txt_view_extras& extras();
+    [[nodiscard]] bool is_linked(const Txt_physical_token& token) const;
+    void set_neighbours(Txt_physical_token& token, Txt_physical_token* next_of_previous,
+                        Txt_physical_token* previous_of_next);
+    void forget(const Txt_physical_token& token);
+    void destroy_tokens();
+    [[nodiscard]] std::size_t count(std::uint32_t type) const;
 
     Txt_physical_token* front_ = nullptr;
     Txt_physical_token* back_ = nullptr;
     Txt_text_table* table_;
-    std::unique_ptr<Txt_text_table> own_table_; // made when first needed
+    std::unique_ptr<Txt_view_extras> extras_; // made when first needed
     std::uint32_t type_;
     bool is_open_ = false;
+    bool is_numbered_ = false; // whether the tokens know their positions
     Txt_text_store store_;
 };
 
 inline void Txt_text_view::start_content() {
+    if (extras_ != nullptr) check_not_locked();
     is_open_ = true;
+    is_numbered_ = false;
 }
 
 inline void Txt_text_view::add_content(Txt_physical_token& token) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "scl/scl_crc64.hpp"
 #include "txt/txt_text_form.hpp"
 
 #include <cstddef>
@@ -8,9 +9,13 @@
 
 namespace txt {
 
+class Txt_physical_token;
 class Txt_text_view;
 
 // A piece of text in a view. Its texts are kept by the view and live as long as the view does.
+//
+// Tokens compare by their places in the view: that of a token is the positions from its front to
+// its back. Tokens of different views compare as false in every respect.
 class Txt_token {
 public:
     Txt_token(const Txt_token&) = delete;
@@ -20,31 +25,80 @@ public:
     // One of the TXT_TOKEN_ types, as the tokeniser gave it.
     [[nodiscard]] virtual std::uint32_t type() const = 0;
 
-    // The neighbours in the view; null at its ends.
-    [[nodiscard]] virtual Txt_token* previous() const = 0;
-    [[nodiscard]] virtual Txt_token* next() const = 0;
+    // The physical tokens before and after this one; null at the ends of the view.
+    [[nodiscard]] virtual Txt_physical_token* previous() const = 0;
+    [[nodiscard]] virtual Txt_physical_token* next() const = 0;
+
+    // unlink() takes the token out of its view's order, link() puts it back. False when it is there
+    // already, or the view is locked.
+    virtual bool link() = 0;
+    virtual bool unlink() = 0;
 
     [[nodiscard]] virtual Txt_text_view& view() const = 0;
 
+    // Of its front, counted from 0.
+    [[nodiscard]] virtual std::size_t position() const = 0;
+    // Wholly before, or after, the other one.
+    [[nodiscard]] virtual bool is_before(const Txt_token& other) const;
+    [[nodiscard]] virtual bool is_after(const Txt_token& other) const;
+    // Whether all of the other one's place, or some of it, is this one's too.
+    [[nodiscard]] virtual bool contains(const Txt_token& other) const;
+    [[nodiscard]] virtual bool overlaps(const Txt_token& other) const;
+
     // CRC-64/XZ over the text's 16-bit units, little-endian, without a terminator; 0 for the empty
     // text. In form `whole` this is the token's value in a data set file.
-    [[nodiscard]] virtual std::uint64_t crc(Txt_text_form form) const = 0;
+    [[nodiscard]] virtual std::uint64_t crc(Txt_text_form form) const;
 
     // Zero-terminated. A text may itself hold a zero: text_entry() knows where it really ends.
-    [[nodiscard]] virtual const char16_t* text(Txt_text_form form) const = 0;
+    [[nodiscard]] virtual const char16_t* text(Txt_text_form form) const;
     [[nodiscard]] virtual std::u16string_view text_entry() const = 0;
 
     // What stands between this token and the next one: white space.
-    [[nodiscard]] virtual const char16_t* trailer_text() const = 0;
+    [[nodiscard]] virtual const char16_t* trailer_text() const;
     [[nodiscard]] virtual std::u16string_view trailer_entry() const = 0;
 
     // In what the form counts.
-    [[nodiscard]] virtual std::size_t length(Txt_text_form form) const = 0;
+    [[nodiscard]] virtual std::size_t length(Txt_text_form form) const;
     // In 16-bit units.
-    [[nodiscard]] virtual std::size_t trailer_length() const = 0;
+    [[nodiscard]] virtual std::size_t trailer_length() const;
+
+    // Whether there is text in it, or nothing but a trailer.
+    [[nodiscard]] virtual bool is_text() const;
+    [[nodiscard]] virtual bool is_trailer() const;
+
+    // Edits of the content the token stands in, which show when that is composed. False when
+    // nothing, or not all, could be queued: the content may not be edited, or other edits are in
+    // the way. The token itself does not change.
+    //
+    // Overwrites `count` visible characters after the first `skip` with the view's redaction
+    // character, and takes what attaches to them; a count of 0 is as many as the token has.
+    [[nodiscard]] virtual bool redact(std::size_t skip, std::size_t count) = 0;
+
+    // The text with its trailer, zero-terminated, and its length in 16-bit units.
+    [[nodiscard]] virtual const char16_t* formatted_text() const;
+    [[nodiscard]] virtual std::size_t formatted_text_length() const;
+
+    // An edit: nothing of the text can be read any more.
+    [[nodiscard]] virtual bool make_safe();
+
+    // An edit: another text, and texts just before and after it; an empty one changes nothing.
+    // False when all three are empty.
+    [[nodiscard]] virtual bool replace_text(std::u16string_view text, std::u16string_view before,
+                                            std::u16string_view after) = 0;
+
+    // The ends of the run of physical tokens that this one stands for.
+    [[nodiscard]] virtual const Txt_physical_token& front() const = 0;
+    [[nodiscard]] virtual const Txt_physical_token& back() const = 0;
 
 protected:
     Txt_token() = default;
+
+    // The value of a text; see crc().
+    [[nodiscard]] static std::uint64_t crc_of(std::u16string_view text) {
+        if (text.empty()) return 0;
+        return scl::Scl_crc64::calculate(text.data(), text.size() * sizeof(char16_t),
+                                         scl::Scl_crc64::INITIAL);
+    }
 };
 
 } // namespace txt

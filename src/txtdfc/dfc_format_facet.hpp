@@ -4,6 +4,9 @@
 
 namespace dfc {
 
+// A cursor that ends an enumeration.
+inline constexpr unsigned DFC_CURSOR_END = 0xFFFFFFFF;
+
 // One side of a codec, asked for by its identifier.
 class Dfc_format_facet {
 public:

@@ -1,0 +1,29 @@
+#include "txt/txt_associations.hpp"
+
+namespace txt {
+
+namespace {
+
+constexpr Txt_association_kind FIRST_KIND{};
+
+} // namespace
+
+std::size_t Txt_associations::remove_all(const Txt_token& token) {
+    std::size_t count = 0;
+    for (auto at = objects_.lower_bound({&token, FIRST_KIND});
+         at != objects_.end() && at->first.first == &token; ++count) {
+        at = objects_.erase(at);
+    }
+    return count;
+}
+
+std::vector<Txt_association> Txt_associations::find(const Txt_token& token) const {
+    std::vector<Txt_association> found;
+    for (auto at = objects_.lower_bound({&token, FIRST_KIND});
+         at != objects_.end() && at->first.first == &token; ++at) {
+        found.push_back({at->first.second, at->second});
+    }
+    return found;
+}
+
+} // namespace txt

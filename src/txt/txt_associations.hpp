@@ -1,0 +1,54 @@
+#pragma once
+
+#include <array>
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <utility>
+#include <vector>
+
+namespace txt {
+
+class Txt_token;
+
+// Names a kind of association: 16 bytes in GUID layout, ordered as bytes.
+using Txt_association_kind = std::array<std::uint8_t, 16>;
+
+// What a caller attached to a token.
+struct Txt_association {
+    Txt_association_kind kind;
+    std::shared_ptr<void> object; // may be null: the kind alone says something then
+
+    bool operator==(const Txt_association&) const = default;
+};
+
+// What callers attached to the tokens of a view, one association of each kind to a token.
+class Txt_associations {
+public:
+    // False when the token has one of this kind already.
+    bool add(const Txt_token& token, const Txt_association& association) {
+        return objects_.try_emplace({&token, association.kind}, association.object).second;
+    }
+    // False when there is none.
+    bool remove(const Txt_token& token, const Txt_association_kind& kind) {
+        return objects_.erase({&token, kind}) != 0;
+    }
+    // All that the token has; returns how many.
+    std::size_t remove_all(const Txt_token& token);
+    void clear() { objects_.clear(); }
+
+    // All that the token has, ordered by kind.
+    [[nodiscard]] std::vector<Txt_association> find(const Txt_token& token) const;
+    [[nodiscard]] bool has(const Txt_token& token, const Txt_association_kind& kind) const {
+        return objects_.contains({&token, kind});
+    }
+
+private:
+    using Key = std::pair<const Txt_token*, Txt_association_kind>;
+
+    std::map<Key, std::shared_ptr<void>> objects_;
+};
+
+} // namespace txt

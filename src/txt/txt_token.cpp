@@ -1,0 +1,75 @@
+#include "txt/txt_token.hpp"
+
+#include "txt/txt_text_view.hpp"
+#include "txt/txt_visible_text.hpp"
+
+#include <string>
+
+namespace txt {
+
+bool Txt_token::is_before(const Txt_token& other) const {
+    return &view() == &other.view() && back().position() < other.position();
+}
+
+bool Txt_token::is_after(const Txt_token& other) const {
+    return other.is_before(*this);
+}
+
+bool Txt_token::contains(const Txt_token& other) const {
+    return &view() == &other.view() && position() <= other.position() &&
+           other.back().position() <= back().position();
+}
+
+bool Txt_token::overlaps(const Txt_token& other) const {
+    return &view() == &other.view() && !is_before(other) && !is_after(other);
+}
+
+std::uint64_t Txt_token::crc(Txt_text_form form) const {
+    const std::u16string_view whole = text_entry();
+    return form == Txt_text_form::whole ? crc_of(whole) : crc_of(txt_visible_text(whole));
+}
+
+const char16_t* Txt_token::text(Txt_text_form form) const {
+    const std::u16string_view whole = text_entry();
+    if (whole.empty()) return view().empty_text();
+    if (form == Txt_text_form::whole) return whole.data();
+    return view().insert_text(txt_visible_text(whole)).data();
+}
+
+const char16_t* Txt_token::trailer_text() const {
+    const std::u16string_view trailer = trailer_entry();
+    return trailer.empty() ? view().empty_text() : trailer.data();
+}
+
+std::size_t Txt_token::length(Txt_text_form form) const {
+    const std::u16string_view whole = text_entry();
+    return form == Txt_text_form::whole ? whole.size() : txt_visible_length(whole);
+}
+
+std::size_t Txt_token::trailer_length() const {
+    return trailer_entry().size();
+}
+
+bool Txt_token::is_text() const {
+    return !text_entry().empty();
+}
+
+bool Txt_token::is_trailer() const {
+    return !is_text() && !trailer_entry().empty();
+}
+
+const char16_t* Txt_token::formatted_text() const {
+    std::u16string formatted(text_entry());
+    formatted += trailer_entry();
+    return view().insert_text(formatted).data();
+}
+
+std::size_t Txt_token::formatted_text_length() const {
+    return length(Txt_text_form::whole) + trailer_length();
+}
+
+bool Txt_token::make_safe() {
+    return redact(0, 0);
+}
+
+} // namespace txt

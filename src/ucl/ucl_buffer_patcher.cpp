@@ -1,0 +1,130 @@
+#include "ucl/ucl_buffer_patcher.hpp"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+namespace ucl {
+
+namespace {
+
+constexpr std::size_t UNIT_BYTES = 2;
+constexpr std::size_t CHUNK_BYTES = std::size_t{16} << 10;
+
+// Copies the bytes from `begin` up to `end`.
+void copy(const scl::Scl_buffer& content, std::uint64_t begin, std::uint64_t end,
+          scl::Scl_ostream& out, scl::Scl_status& status) {
+    const std::span<const std::byte> in_memory = content.contents();
+    if (!in_memory.empty()) return out.write(end - begin, in_memory.data() + begin, status);
+    std::array<std::byte, CHUNK_BYTES> chunk; // NOLINT: not read before it is written
+    while (begin < end && !status.has_failed()) {
+        const std::size_t wanted = std::min<std::uint64_t>(end - begin, chunk.size());
+        const std::size_t count = content.read_at(begin, std::span(chunk).first(wanted), status);
+        if (count == 0 && !status.has_failed()) status.push(scl::SCL_STATUS_END_OF_DATA);
+        out.write(count, chunk.data(), status);
+        begin += count;
+    }
+}
+
+} // namespace
+
+bool Ucl_buffer_patcher::begin() {
+    if (in_transaction_) return false;
+    in_transaction_ = true;
+    texts_at_begin_ = texts_.size();
+    return true;
+}
+
+bool Ucl_buffer_patcher::commit() {
+    if (!in_transaction_) return false;
+    for (const Edits::iterator edit : on_trial_) {
+        edit->second.on_trial = false;
+    }
+    on_trial_.clear();
+    in_transaction_ = false;
+    return true;
+}
+
+bool Ucl_buffer_patcher::rollback() {
+    if (!in_transaction_) return false;
+    for (const Edits::iterator edit : on_trial_) {
+        edits_.erase(edit);
+    }
+    on_trial_.clear();
+    texts_.resize(texts_at_begin_);
+    in_transaction_ = false;
+    return true;
+}
+
+void Ucl_buffer_patcher::drop_all() {
+    on_trial_.clear();
+    edits_.clear();
+    texts_.clear();
+    in_transaction_ = false;
+}
+
+bool Ucl_buffer_patcher::add_edit(std::uint64_t offset, std::uint64_t length,
+                                  std::u16string_view text) {
+    if (offset % UNIT_BYTES != 0 || length % UNIT_BYTES != 0 || offset + length < offset) {
+        return false;
+    }
+    if (!is_free(offset, length)) return false;
+    if (length == 0 && text.empty()) return true;
+    make_room_on_trial();
+    const Place place{offset, length != 0};
+    const Edit edit{length, texts_.size(), text.size(), in_transaction_};
+    texts_ += text;
+    const auto queued = edits_.emplace(place, edit);
+    if (in_transaction_) on_trial_.push_back(queued);
+    return true;
+}
+
+// So that nothing can fail once a change is queued.
+void Ucl_buffer_patcher::make_room_on_trial() {
+    if (in_transaction_ && on_trial_.size() == on_trial_.capacity()) {
+        on_trial_.reserve(2 * on_trial_.size() + 1);
+    }
+}
+
+// Ranges do not overlap and inserts stand outside them, so only the neighbours can be in the way:
+// the last change that starts earlier, and the first that no longer is an insert at `offset`.
+bool Ucl_buffer_patcher::is_free(std::uint64_t offset, std::uint64_t length) const {
+    const auto next = edits_.upper_bound({offset, false});
+    if (length != 0 && next != edits_.end() && next->first.offset < offset + length) return false;
+    const auto here = edits_.lower_bound({offset, false});
+    if (here == edits_.begin()) return true;
+    const auto& [place, edit] = *std::prev(here);
+    return place.offset + edit.length <= offset;
+}
+
+// Of all that is not on trial.
+std::uint64_t Ucl_buffer_patcher::last_end() const {
+    const auto last = std::find_if(edits_.rbegin(), edits_.rend(),
+                                   [](const auto& queued) { return !queued.second.on_trial; });
+    return last != edits_.rend() ? last->first.offset + last->second.length : 0;
+}
+
+std::u16string_view Ucl_buffer_patcher::text_of(const Edit& edit) const {
+    return std::u16string_view(texts_).substr(edit.text_begin, edit.text_length);
+}
+
+void Ucl_buffer_patcher::apply(const scl::Scl_buffer& content, scl::Scl_buffer& output,
+                               scl::Scl_status& status) const {
+    const std::uint64_t size = content.size(false, status);
+    if (status.has_failed()) return;
+    if (last_end() > size) return status.push(scl::SCL_STATUS_OUT_OF_BOUNDS);
+    scl::Scl_ostream out(output, status, scl::Scl_eol::none);
+    std::uint64_t at = 0;
+    for (const auto& [place, edit] : edits_) {
+        if (status.has_failed()) return;
+        if (edit.on_trial) continue;
+        copy(content, at, place.offset, out, status);
+        const std::u16string_view text = text_of(edit);
+        out.write(text.size() * UNIT_BYTES, text.data(), status);
+        at = place.offset + edit.length;
+    }
+    copy(content, at, size, out, status);
+    out.detach(status);
+}
+
+} // namespace ucl

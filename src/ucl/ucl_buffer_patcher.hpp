@@ -1,0 +1,102 @@
+#pragma once
+
+#include "scl/scl_buffer.hpp"
+#include "scl/scl_ostream.hpp"
+
+#include <compare>
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ucl {
+
+// Queues changes of a UTF-16 content and writes the content changed by them. All offsets and
+// lengths are bytes of the unchanged content, whatever else is queued.
+//
+// What is queued never contradicts itself: the first change of a place wins, and add_* refuses
+// (returns false, queues nothing) whatever does not agree with it:
+// - a range (an edit or a delete) that overlaps an earlier one, or repeats it; ranges may touch;
+// - an insert inside an earlier range, or a range around an earlier insert. An insert at a range's
+//   first byte or just after its last one is no conflict.
+// Inserts at one offset come out in the order they were queued, before the new text of a range that
+// starts there and after that of one that ends there. An edit of length 0 is an insert; a change
+// without bytes and text is accepted and not queued.
+//
+// An odd offset or length would cut a unit and is refused, and so is a range whose end is no 64-bit
+// number. Surrogate pairs are the caller's matter. What reaches past the content shows when the
+// queue is applied. The queue is kept sorted: queueing costs a search, applying is one pass.
+class Ucl_buffer_patcher {
+public:
+    Ucl_buffer_patcher() = default;
+    Ucl_buffer_patcher(const Ucl_buffer_patcher&) = delete;
+    Ucl_buffer_patcher& operator=(const Ucl_buffer_patcher&) = delete;
+    virtual ~Ucl_buffer_patcher() = default;
+
+    // How many changes are queued, those of an open transaction included.
+    [[nodiscard]] virtual std::size_t size() const { return edits_.size(); }
+    [[nodiscard]] virtual bool in_transaction() const { return in_transaction_; }
+
+    // Between begin() and commit() what is queued is on trial: rollback() takes it out again.
+    // Transactions do not nest: begin() in an open one returns false, as do commit() and
+    // rollback() without one, and changes nothing.
+    virtual bool begin();
+    virtual bool commit();
+    virtual bool rollback();
+    // Empties the queue and ends the transaction.
+    virtual void reset() {
+        if (in_transaction_ || !edits_.empty()) drop_all();
+    }
+
+    // Writes the changed content to the front of `output`, leaving out what is on trial. The queue
+    // stays: applying again gives the same. A change past the content's end sets
+    // SCL_STATUS_OUT_OF_BOUNDS before anything is written; otherwise the status says what the
+    // buffers report.
+    virtual void apply(const scl::Scl_buffer& content, scl::Scl_buffer& output,
+                       scl::Scl_status& status) const;
+
+    // The texts are copied.
+    [[nodiscard]] bool add_insert(std::uint64_t offset, std::u16string_view text) {
+        return add_edit(offset, 0, text);
+    }
+    [[nodiscard]] bool add_edit(std::uint64_t offset, std::uint64_t length,
+                                std::u16string_view text);
+    [[nodiscard]] bool add_delete(std::uint64_t offset, std::uint64_t length) {
+        return add_edit(offset, length, {});
+    }
+
+    // Whether anything is queued that is not on trial: all that was queued outside a transaction
+    // or in a committed one.
+    [[nodiscard]] bool committed() const { return edits_.size() != on_trial_.size(); }
+
+private:
+    // Where a change belongs; inserts come before the range at the same offset.
+    struct Place {
+        std::uint64_t offset;
+        bool is_range;
+        auto operator<=>(const Place&) const = default;
+    };
+    struct Edit {
+        std::uint64_t length;    // bytes
+        std::size_t text_begin;  // units in texts_
+        std::size_t text_length; // units
+        bool on_trial;
+    };
+    using Edits = std::multimap<Place, Edit>; // equal places stay in the order of queueing
+
+    void drop_all();
+    void make_room_on_trial();
+    [[nodiscard]] bool is_free(std::uint64_t offset, std::uint64_t length) const;
+    [[nodiscard]] std::uint64_t last_end() const;
+    [[nodiscard]] std::u16string_view text_of(const Edit& edit) const;
+
+    Edits edits_;
+    std::u16string texts_; // of all changes, in the order of queueing
+    std::vector<Edits::iterator> on_trial_;
+    std::size_t texts_at_begin_ = 0;
+    bool in_transaction_ = false;
+};
+
+} // namespace ucl
