@@ -76,7 +76,7 @@ INSTANTIATE_TEST_SUITE_P(Version, Crafted_file, testing::Values(1, 2));
 
 TEST_P(Crafted_file, AnyByteMayBeWrong) {
     for (std::size_t i = 0; i < file.size(); ++i) {
-        for (const char wrong : {'\0', '\x01', '\n', '\x80', '\xff'}) {
+        for (const char wrong : {'\0', '\n', '\xff'}) {
             std::string crafted = file;
             crafted[i] = wrong;
             SCOPED_TRACE(i);
@@ -95,8 +95,7 @@ TEST_P(Crafted_file, MayEndAnywhere) {
 TEST_P(Crafted_file, AnyNumberMayBeAnother) {
     for (std::size_t place = 16; place + 8 <= file.size(); ++place) {
         for (const std::uint64_t number :
-             {std::uint64_t{0}, ~std::uint64_t{0}, std::uint64_t{1} << 63, ~std::uint64_t{0} >> 1,
-              std::uint64_t{file.size()}, std::uint64_t{32}}) {
+             {~std::uint64_t{0}, ~std::uint64_t{0} >> 1, std::uint64_t{file.size()}}) {
             std::string crafted = file;
             test::put(crafted, place, number);
             SCOPED_TRACE(place);

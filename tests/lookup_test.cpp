@@ -223,8 +223,8 @@ private:
 TEST(Lookup, FindsWhatAPlainScanFinds) {
     std::mt19937_64 random(7); // NOLINT: the same numbers each time
     constexpr std::size_t COUNT = 2 * BLOCK + 600;
-    for (const unsigned distinct : {20000U, 3000U, 40U, 2U}) {
-        for (const int others : {0, 1, 9}) { // in ten
+    for (const unsigned distinct : {20000U, 40U, 2U}) {
+        for (const int others : {0, 5}) { // in ten
             for (const bool sorted : {true, false}) {
                 std::vector<std::string> all = texts(COUNT, "x");
                 for (std::string& text : all) {
@@ -246,7 +246,7 @@ TEST(Lookup, FindsWhatAPlainScanFinds) {
                 }
                 Connected connected(table.file());
                 ASSERT_EQ(connected.load(), 0U);
-                for (int i = 0; i < 60; ++i) {
+                for (int i = 0; i < 30; ++i) {
                     const std::size_t near[] = {0, 50, BLOCK - 1, BLOCK, BLOCK + 50, COUNT - 1};
                     const std::uint64_t wanted =
                         (i < 6 ? hashes[near[i]] : hashes[random() % COUNT]) + (i % 10 == 9);
