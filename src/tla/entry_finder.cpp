@@ -2,6 +2,7 @@
 
 #include "scl/scl_endian.hpp"
 #include "tla/data_set_layout.hpp"
+#include "tla/sorted_block.hpp"
 
 #include <algorithm>
 
@@ -13,36 +14,45 @@ constexpr std::size_t HASH_BYTES = 8;
 
 } // namespace
 
-Entry_finder::Entry_finder(const scl::Scl_buffer& file, Entry_reader& entries,
-                           Record_allowance allowance, const Wanted_key& wanted,
-                           std::uint32_t block_size)
-    : pairs_(file, false, attach_status_, scl::Scl_eol::none),
-      entries_(entries),
+Entry_finder::Entry_finder(Entry_reader& entries, Record_allowance allowance,
+                           const Wanted_key& wanted, std::uint32_t block_size)
+    : entries_(entries),
+      pairs_(entries.pairs()),
       allowance_(allowance),
       wanted_(wanted),
       block_size_(block_size) {}
 
-void Entry_finder::find(std::span<const Index_sample> samples, std::uint32_t record_count,
-                        Entries& results, scl::Scl_status& status) {
+void Entry_finder::find(Key_index& index, std::uint32_t record_count, Entries& results,
+                        scl::Scl_status& status) {
+    const std::span<const Index_sample> samples = index.samples;
     // The last block that begins with the hash or below it.
     const auto next =
         std::ranges::upper_bound(samples, wanted_.hash, {}, &Index_sample::first_hash);
     if (next == samples.begin()) return;
     const auto chosen = next - 1;
-    scan_block(chosen->offset, std::min(block_size_, record_count), true, results, status);
+    const auto place = static_cast<std::size_t>(chosen - samples.begin());
+    const auto before = static_cast<std::uint32_t>(place * block_size_);
+    const Sorted_block block{.offset = chosen->offset,
+                             .pair_count = std::min(block_size_, record_count - before),
+                             .first_hash = chosen->first_hash,
+                             .next_hash =
+                                 next == samples.end() ? ~std::uint64_t{0} : next->first_hash};
+    const std::uint32_t first =
+        first_candidate(block, wanted_.hash, index.orders[place], pairs_, status);
+    scan_block(block.offset, first, std::min(block_size_, record_count), true, results, status);
     const bool look_before = first_pair_differs_ && !found_ && chosen != samples.begin();
     if (look_before && block_size_ != 0 && !status.has_failed()) {
-        scan_block((chosen - 1)->offset, block_size_, false, results, status);
+        scan_block((chosen - 1)->offset, 0, block_size_, false, results, status);
     }
 }
 
-// Once an entry has matched, the first other hash ends the scan. With `runs_on`, a pair of the
-// wanted hash whose record differs does not end it at the block's last place: pairs of the next
-// block follow.
-void Entry_finder::scan_block(std::uint64_t offset, std::uint32_t pair_count, bool runs_on,
-                              Entries& results, scl::Scl_status& status) {
-    pairs_.set_position(offset);
-    for (std::uint32_t i = 0; i < pair_count && !status.has_failed(); ++i) {
+// Pairs before `first` are known to have other hashes. Once an entry has matched, the first other
+// hash ends the scan. With `runs_on`, a pair of the wanted hash whose record differs does not end
+// it at the block's last place: pairs of the next block follow.
+void Entry_finder::scan_block(std::uint64_t offset, std::uint32_t first, std::uint32_t pair_count,
+                              bool runs_on, Entries& results, scl::Scl_status& status) {
+    pairs_.set_position(offset + first * INDEX_PAIR_BYTES);
+    for (std::uint32_t i = first; i < pair_count && !status.has_failed(); ++i) {
         if (!found_) i += skip_other_hashes(pair_count - i, status);
         if (i == pair_count) break;
         std::uint64_t hash = ~wanted_.hash;

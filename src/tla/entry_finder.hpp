@@ -25,26 +25,25 @@ class Entry_finder {
 public:
     using Entries = std::vector<std::unique_ptr<Tla_data_set_entry_file>>;
 
-    // Reads pairs from the file and entries, as far as the allowance goes, through `entries`. All
-    // must outlive the finder.
-    Entry_finder(const scl::Scl_buffer& file, Entry_reader& entries, Record_allowance allowance,
-                 const Wanted_key& wanted, std::uint32_t block_size);
+    // Reads pairs and entries, the latter as far as the allowance goes, through `entries`. All must
+    // outlive the finder.
+    Entry_finder(Entry_reader& entries, Record_allowance allowance, const Wanted_key& wanted,
+                 std::uint32_t block_size);
 
     // Adds the entries found to the results. The table counts as one of `record_count` pairs; an
     // end of the data before that is no failure. An entry that cannot be read ends the lookup.
-    void find(std::span<const Index_sample> samples, std::uint32_t record_count, Entries& results,
+    void find(Key_index& index, std::uint32_t record_count, Entries& results,
               scl::Scl_status& status);
 
 private:
-    void scan_block(std::uint64_t offset, std::uint32_t pair_count, bool runs_on, Entries& results,
-                    scl::Scl_status& status);
+    void scan_block(std::uint64_t offset, std::uint32_t first, std::uint32_t pair_count,
+                    bool runs_on, Entries& results, scl::Scl_status& status);
     [[nodiscard]] std::uint32_t skip_other_hashes(std::uint32_t most, scl::Scl_status& status);
     [[nodiscard]] bool take_entry(std::int64_t record_offset, Entries& results,
                                   scl::Scl_status& status);
 
-    scl::Scl_status attach_status_; // never set: attaching does not fail
-    scl::Scl_buffered_istream pairs_;
     Entry_reader& entries_;
+    scl::Scl_buffered_istream& pairs_;
     Record_allowance allowance_;
     const Wanted_key& wanted_;
     std::uint32_t block_size_; // in pairs

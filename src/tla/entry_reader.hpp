@@ -14,7 +14,10 @@ class Entry_reader {
 public:
     // Both must outlive the reader and its entries.
     Entry_reader(const scl::Scl_buffer& file, const Data_set_header& header)
-        : file_(file), header_(header), source_(file) {}
+        : file_(file),
+          header_(header),
+          source_(file),
+          pairs_(file, false, attach_status_, scl::Scl_eol::none) {}
 
     // The entry at an offset in bytes from the start of the file; null after a failure, and when
     // there is no memory for it.
@@ -25,6 +28,8 @@ public:
                                                                        scl::Scl_status& status);
 
     [[nodiscard]] Field_token_writer& tokeniser() { return source_.tokeniser(); }
+    // For key tables; kept so that a lookup need not make one.
+    [[nodiscard]] scl::Scl_buffered_istream& pairs() { return pairs_; }
 
 private:
     using Read = void (Tla_data_set_entry_file::*)(Record_source&, scl::Scl_status&);
@@ -34,6 +39,8 @@ private:
     const scl::Scl_buffer& file_;
     const Data_set_header& header_;
     Record_source source_;
+    scl::Scl_status attach_status_; // never set: attaching does not fail
+    scl::Scl_buffered_istream pairs_;
 };
 
 } // namespace tla

@@ -13,10 +13,14 @@ struct Index_sample {
 };
 static_assert(sizeof(Index_sample) == 16);
 
+// Whether the hashes of a block ascend. They do in a proper file; the first lookup in a block sees.
+enum class Block_order : std::uint8_t { unknown, ascending, mixed };
+
 // What is kept of a key table in memory.
 struct Key_index {
     std::u16string name;               // of the key field
     std::vector<Index_sample> samples; // in file order
+    std::vector<Block_order> orders;   // one a sample
 };
 
 } // namespace tla

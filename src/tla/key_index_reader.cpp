@@ -37,6 +37,8 @@ Key_index read_key_index(scl::Scl_buffered_istream& in, std::uint32_t record_cou
         in.set_position(sample.offset + block * INDEX_PAIR_BYTES);
         remaining -= block;
     }
+    index.samples.shrink_to_fit();
+    index.orders.resize(index.samples.size());
     return index;
 }
 

@@ -180,9 +180,9 @@ void Tla_data_set_connector_file::find_entries(
     wanted.field_name = key_name;
     wanted.hash = wanted_hash(value, key_name, wanted.values, status);
     if (status.has_failed()) return;
-    Entry_finder finder(*file_, *entries_, Record_allowance(file_size(), data_file_name_), wanted,
+    Entry_finder finder(*entries_, Record_allowance(file_size(), data_file_name_), wanted,
                         block_size_);
-    finder.find(index->samples, header_.record_count, results, status);
+    finder.find(*index, header_.record_count, results, status);
 }
 
 std::uint64_t Tla_data_set_connector_file::wanted_hash(const Lookup_value& value,

@@ -52,6 +52,9 @@ public:
 
     [[nodiscard]] std::uint8_t version() const { return header_.version(); }
     [[nodiscard]] std::uint64_t file_size() const;
+    // Of the first record, in bytes from the start of the file.
+    [[nodiscard]] std::uint64_t data_start() const { return header_.data_start; }
+    [[nodiscard]] std::uint16_t key_count() const { return header_.key_count; }
     // Of the key tables, in file order.
     [[nodiscard]] std::vector<std::u16string> key_names() const;
 

@@ -58,6 +58,17 @@ void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_
     }
 }
 
+// Each key table takes a pass over all records. A damaged file may claim thousands of keys for a
+// few long records; as token values are at most nine times as long as their texts, a file with up
+// to a hundred keys never comes here.
+void check_work(const Tla_data_set_connector_file& old_file, std::uint64_t records_size,
+                std::u16string_view path, scl::Scl_status& status) {
+    constexpr std::uint64_t MOST_PASSES = 1024; // over as many bytes as the old file has
+    const std::uint64_t pass = old_file.data_start() + records_size;
+    if (old_file.key_count() * pass <= MOST_PASSES * old_file.file_size()) return;
+    status.push(TLA_STATUS_NO_DATA_SET, scl::Scl_wstring_status_arg(path));
+}
+
 } // namespace
 
 void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
@@ -73,6 +84,7 @@ void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
     scl::Scl_ostream out(records, status, scl::Scl_eol::none);
     convert_records(path, old_file, out, status);
     out.detach(status);
+    if (!status.has_failed()) check_work(old_file, records.size(false, status), path, status);
     if (status.has_failed()) return;
     write_data_set_file(old_file.key_names(), old_file.field_descriptors(), records, output,
                         status);

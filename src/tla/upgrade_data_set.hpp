@@ -13,7 +13,7 @@ namespace tla {
 // Codes are those of a connector's open and load and of reading an entry, those of making the
 // scratch file, of processing a record and of the generator; TLA_STATUS_NO_TEXT with the field's
 // name for a record that stores no text, TLA_STATUS_NO_DATA_SET with the file's name for records
-// that are together longer than their file.
+// that are together longer than their file, and for far more keys than its size warrants.
 void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
                       scl::Scl_status& status);
 
