@@ -246,7 +246,7 @@ void Txt_text_view::lock() {
 
 void Txt_text_view::unlock() {
     if (!is_locked()) throw std::logic_error("Txt_text_view::unlock() - view is not locked");
-    --extras_->locks;
+    --extras().locks;
 }
 
 } // namespace txt

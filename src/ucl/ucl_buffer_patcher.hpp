@@ -76,7 +76,7 @@ private:
     struct Place {
         std::uint64_t offset;
         bool is_range;
-        auto operator<=>(const Place&) const = default;
+        auto operator<=>(const Place&) const = default; // NOLINT: not a null pointer
     };
     struct Edit {
         std::uint64_t length;    // bytes
