@@ -1,6 +1,6 @@
 # dsmake::reader, the installed library: what reads data set files, in one archive, with the headers
 # that its callers include and no others.
-set(READER_FLOORS scl txt cerc txtdfc records tla)
+set(READER_FLOORS scl txt cerc ucl txtdfc records tla)
 foreach(floor ${READER_FLOORS})
     list(APPEND READER_OBJECTS $<TARGET_OBJECTS:dsmake_${floor}>)
 endforeach()
