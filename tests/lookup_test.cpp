@@ -218,44 +218,67 @@ private:
     bool first_differs_ = false;
 };
 
-// Offsets as hashes and hashes as offsets do not occur: the former are small, the latter not looked
-// for, so that a lookup never fails.
+// A table of random hashes, looked up in both ways. Offsets as hashes and hashes as offsets do not
+// occur: the former are small, the latter not looked for, so that a lookup never fails.
+class Random_table {
+public:
+    static constexpr std::size_t COUNT = 2 * BLOCK + 600;
+
+    // Of ten records, `others` have another value than the one looked for.
+    Random_table(unsigned distinct, unsigned others, bool sorted)
+        : hashes_(random_hashes(distinct)), table_(random_texts(others)) {
+        if (!sorted) std::swap(hashes_[50], hashes_[BLOCK + 50]);
+        for (std::size_t i = 0; i < COUNT; ++i) {
+            table_.set(i, hashes_[i], table_.records[i]);
+            words_.push_back(hashes_[i]);
+            words_.push_back(static_cast<std::uint64_t>(table_.records[i]));
+        }
+    }
+    void compare() {
+        Connected connected(table_.file());
+        ASSERT_EQ(connected.load(), 0U);
+        for (const std::size_t i : {std::size_t{0}, BLOCK - 1, BLOCK, BLOCK + 50, COUNT - 1}) {
+            compare(connected, hashes_[i]);
+        }
+        for (int i = 0; i < 20; ++i) {
+            compare(connected, hashes_[random_() % COUNT] + (i % 5 == 0 ? 1 : 0));
+        }
+        EXPECT_EQ(connected.status.value(), 0U);
+    }
+
+private:
+    std::vector<std::uint64_t> random_hashes(unsigned distinct) {
+        std::vector<std::uint64_t> hashes(COUNT);
+        const std::uint64_t step = ~std::uint64_t{0} / distinct;
+        std::ranges::generate(hashes, [&] { return (random_() % distinct + 1) * step; });
+        std::ranges::sort(hashes);
+        return hashes;
+    }
+    std::vector<std::string> random_texts(unsigned others) {
+        std::ranges::generate(texts_, [&] { return random_() % 10 < others ? "y" : "x"; });
+        return texts_;
+    }
+    void compare(Connected& connected, std::uint64_t wanted) {
+        Offsets matching;
+        for (std::size_t i = 0; i < COUNT; ++i) {
+            if (texts_[i] == "x") matching.push_back(table_.records[i]);
+        }
+        EXPECT_EQ(connected.find("K", u"x", wanted),
+                  Plain_lookup(words_, std::move(matching), wanted).find());
+    }
+
+    std::mt19937_64 random_{7}; // NOLINT: the same numbers each time
+    std::vector<std::string> texts_ = std::vector<std::string>(COUNT);
+    std::vector<std::uint64_t> hashes_;
+    Table table_;
+    std::vector<std::uint64_t> words_;
+};
+
 TEST(Lookup, FindsWhatAPlainScanFinds) {
-    std::mt19937_64 random(7); // NOLINT: the same numbers each time
-    constexpr std::size_t COUNT = 2 * BLOCK + 600;
     for (const unsigned distinct : {20000U, 40U, 2U}) {
-        for (const int others : {0, 5}) { // in ten
-            for (const bool sorted : {true, false}) {
-                std::vector<std::string> all = texts(COUNT, "x");
-                for (std::string& text : all) {
-                    if (static_cast<int>(random() % 10) < others) text = "y";
-                }
-                Table table(all);
-                std::vector<std::uint64_t> hashes(COUNT);
-                const std::uint64_t step = ~std::uint64_t{0} / distinct;
-                std::ranges::generate(hashes, [&] { return (random() % distinct + 1) * step; });
-                std::ranges::sort(hashes);
-                if (!sorted) std::swap(hashes[50], hashes[BLOCK + 50]);
-                std::vector<std::uint64_t> words;
-                Offsets matching;
-                for (std::size_t i = 0; i < COUNT; ++i) {
-                    table.set(i, hashes[i], table.records[i]);
-                    words.push_back(hashes[i]);
-                    words.push_back(static_cast<std::uint64_t>(table.records[i]));
-                    if (all[i] == "x") matching.push_back(table.records[i]);
-                }
-                Connected connected(table.file());
-                ASSERT_EQ(connected.load(), 0U);
-                for (int i = 0; i < 30; ++i) {
-                    const std::size_t near[] = {0, 50, BLOCK - 1, BLOCK, BLOCK + 50, COUNT - 1};
-                    const std::uint64_t wanted =
-                        (i < 6 ? hashes[near[i]] : hashes[random() % COUNT]) + (i % 10 == 9);
-                    EXPECT_EQ(connected.find("K", u"x", wanted),
-                              Plain_lookup(words, matching, wanted).find())
-                        << distinct << ' ' << others << ' ' << sorted << ' ' << i;
-                    EXPECT_EQ(connected.status.value(), 0U);
-                }
-            }
+        for (const unsigned others : {0U, 5U}) {
+            Random_table(distinct, others, true).compare();
+            Random_table(distinct, others, false).compare();
         }
     }
 }
