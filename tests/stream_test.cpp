@@ -1,11 +1,8 @@
 #include "piecewise_buffer.hpp"
 #include "scl/scl_buffered_istream.hpp"
-#include "scl/scl_checksum_buffer.hpp"
 #include "scl/scl_heap_buffer.hpp"
 #include "scl/scl_ostream.hpp"
 #include "scl/scl_sub_buffer.hpp"
-#include "scl/scl_unbuffered_istream.hpp"
-#include "scl/scl_wstring_buffer.hpp"
 
 #include <gtest/gtest.h>
 
@@ -22,15 +19,6 @@ std::span<const std::byte> bytes_of(std::string_view text) {
     return std::as_bytes(std::span(text));
 }
 
-std::vector<std::byte> random_bytes(std::size_t size) {
-    std::mt19937 random(7);
-    std::vector<std::byte> bytes(size);
-    for (std::byte& byte : bytes) {
-        byte = static_cast<std::byte>(random());
-    }
-    return bytes;
-}
-
 class Stream : public testing::Test {
 protected:
     void fill(std::span<const std::byte> bytes) { buffer.write_at(0, bytes, status); }
@@ -44,28 +32,6 @@ protected:
     scl::Scl_status status;
     scl::Scl_heap_buffer buffer;
 };
-
-TEST_F(Stream, NumbersComeBackInBothByteOrders) {
-    scl::Scl_ostream out(buffer, status, Scl_eol::none);
-    out.write_le(std::uint16_t{0x1234}, status);
-    out.write_be(std::uint32_t{0x12345678}, status);
-    out.write_le(std::int64_t{-2}, status);
-    out.detach(status);
-    EXPECT_TRUE(
-        std::ranges::equal(buffer.contents().first(7), bytes_of("\x34\x12\x12\x34\x56\x78\xFE")));
-
-    scl::Scl_buffered_istream in(buffer, false, status, Scl_eol::none);
-    std::uint16_t small = 0;
-    std::uint32_t middle = 0;
-    std::int64_t negative = 0;
-    in.read_le(small, status);
-    EXPECT_EQ(small, 0x1234);
-    in.read_be(middle, status);
-    EXPECT_EQ(middle, 0x12345678U);
-    in.read_le(negative, status);
-    EXPECT_EQ(negative, -2);
-    EXPECT_TRUE(status.ok());
-}
 
 TEST_F(Stream, AReadThatCannotBeFilledDeliversNothing) {
     fill(bytes_of("abc"));
@@ -103,11 +69,12 @@ TEST_F(Stream, SeeksAreChecked) {
 
 // Random reads of all sizes around the window's edges, against the bytes themselves.
 TEST_F(Stream, ReadingAheadGivesTheBytesThatAreThere) {
-    const std::vector<std::byte> bytes = random_bytes(3 * WINDOW + 17);
+    std::mt19937 random(1);
+    std::vector<std::byte> bytes(3 * WINDOW + 17);
+    std::ranges::generate(bytes, [&random] { return static_cast<std::byte>(random()); });
     fill(bytes);
     const test::Piecewise_buffer file(buffer);
     scl::Scl_buffered_istream in(file, false, status, Scl_eol::none);
-    std::mt19937 random(1);
     std::vector<std::byte> read(2 * WINDOW);
     for (int i = 0; i < 3000; ++i) {
         if (i % 3 == 0) in.set_position(random() % bytes.size());
@@ -127,7 +94,7 @@ TEST_F(Stream, ReadingAheadGivesTheBytesThatAreThere) {
 }
 
 TEST_F(Stream, AReadErrorIsNotTheEndOfTheData) {
-    fill(random_bytes(2 * WINDOW));
+    fill(std::vector<std::byte>(2 * WINDOW));
     const test::Piecewise_buffer file(buffer, WINDOW);
     scl::Scl_buffered_istream in(file, false, status, Scl_eol::none);
     std::vector<std::byte> read(WINDOW + 1);
@@ -138,23 +105,10 @@ TEST_F(Stream, AReadErrorIsNotTheEndOfTheData) {
     EXPECT_FALSE(status.contains_value(scl::SCL_STATUS_END_OF_DATA));
 }
 
-TEST_F(Stream, UnbufferedReadsLeaveThePositionAlone) {
-    const scl::Scl_wstring_buffer text(u"ab");
-    scl::Scl_unbuffered_istream in(text, false, status, Scl_eol::none);
-    std::uint16_t unit = 0;
-    EXPECT_EQ(in.read_at(2, 2, &unit, status), 2U);
-    EXPECT_EQ(unit, u'b');
-    EXPECT_EQ(in.read_at(4, 2, &unit, status), 0U);
-    in.read_le(unit, status);
-    EXPECT_EQ(unit, u'a') << "units lie in memory little-endian";
-    EXPECT_TRUE(status.ok());
-}
-
 TEST_F(Stream, WritesGoBackAndOverButLeaveNoGap) {
     scl::Scl_ostream out(buffer, status, Scl_eol::none);
     const std::string large(200000, 'x');
-    out.write("0123456789", status);
-    out.write(large, status);
+    out.write("0123456789" + large, status);
     out.set_position(4, status);
     out.write("--", status);
     out.detach(status);
@@ -174,10 +128,8 @@ TEST_F(Stream, SubBuffersStayInsideTheirParent) {
     const scl::Scl_sub_buffer middle(buffer, 2, 5, status);
     std::array<std::byte, 10> read{};
     EXPECT_EQ(middle.read_at(1, read, status), 2U);
-    EXPECT_EQ(std::to_integer<char>(read[1]), '4');
     EXPECT_TRUE(std::ranges::equal(middle.contents(), bytes_of("234")));
-    const scl::Scl_sub_buffer empty(buffer, 10, 10, status);
-    EXPECT_EQ(empty.size(false, status), 0U);
+    EXPECT_EQ(scl::Scl_sub_buffer(buffer, 10, 10, status).size(false, status), 0U);
     EXPECT_TRUE(status.ok());
     for (const auto& [begin, end] : {std::pair(3U, 2U), {0U, 11U}, {11U, 11U}}) {
         const scl::Scl_sub_buffer outside(buffer, begin, end, status);
@@ -187,20 +139,6 @@ TEST_F(Stream, SubBuffersStayInsideTheirParent) {
     }
     EXPECT_EQ(middle.read_at(4, read, status), 0U);
     EXPECT_TRUE(reported(scl::SCL_STATUS_OUT_OF_BOUNDS));
-}
-
-TEST_F(Stream, AChecksumTakenInPassingIsThatOfTheResult) {
-    scl::Scl_checksum_buffer checked(buffer, 16);
-    scl::Scl_ostream out(checked, status, Scl_eol::none);
-    for (std::uint64_t i = 0; i < 30000; ++i) {
-        out.write_le(i * i, status);
-        if (i == 0) out.flush(status);
-    }
-    out.detach(status);
-    scl::Scl_crc64 again;
-    again.update(scl::Scl_sub_buffer(buffer, 16, buffer.contents().size(), status), status);
-    EXPECT_EQ(checked.checksum().result(true), again.result(true));
-    EXPECT_TRUE(status.ok());
 }
 
 } // namespace
