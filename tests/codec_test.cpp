@@ -1,3 +1,5 @@
+#include "piecewise_buffer.hpp"
+#include "scl/scl_crc64.hpp"
 #include "token_support.hpp"
 #include "txt/txt_tokeniser.hpp"
 #include "txtdfc/dff_annotation_facet.hpp"
@@ -5,32 +7,19 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <numeric>
 #include <random>
 
 namespace {
 
+using test::Bench;
 using test::Piece;
 using txt::Txt_text_form;
 using Operation = txt::Txt_parse_operation;
 
 constexpr std::uint32_t WORD = 0x1000002;
-constexpr std::uint32_t NUMBER = 0x1000003;
-constexpr std::uint32_t PUNCTUATION = 0x1000004;
-constexpr std::uint32_t SYMBOL = 0x1000005;
 
-// CRC-64/XZ bit by bit over the units' little-endian bytes.
-std::uint64_t slow_crc(const std::u16string& text) {
-    if (text.empty()) return 0;
-    std::uint64_t reg = ~std::uint64_t{0};
-    for (const char16_t unit : text) {
-        reg ^= unit;
-        for (int bit = 0; bit < 16; ++bit) {
-            reg = (reg >> 1) ^ ((reg & 1) != 0 ? 0xC96C5795D7870F42 : 0);
-        }
-    }
-    return ~reg;
+std::uint64_t crc_of(std::u16string_view text) {
+    return scl::Scl_crc64::calculate(text.data(), text.size() * 2, scl::Scl_crc64::INITIAL);
 }
 
 std::string message_of(const std::function<void()>& action) {
@@ -44,103 +33,60 @@ std::string message_of(const std::function<void()>& action) {
     return "nothing thrown";
 }
 
-// A codec with what it needs around it.
-struct Bench {
-    explicit Bench(bool view_of_empty = false, txt::Txt_text_table* table = nullptr)
-        : codec(nullptr, table, &pool, view_of_empty) {}
-
-    txtdfc::Txtdfc_text_view* attach(const scl::Scl_buffer& content) {
-        codec.attach(&content, status);
-        return test::view_of(codec);
-    }
-
-    txtdfc::Txtdfc_token_pool pool;
-    txtdfc::Txtdfc_format_codec codec;
-    scl::Scl_status status;
-};
-
-TEST(Codec, TypesTrailersAndOffsets) {
-    EXPECT_EQ(test::pieces_of(u"Mary-Jane O'Neil, 1.5 + x\r\n\t"),
-              (std::vector<Piece>{{u"Mary", u"", WORD, 0},
-                                  {u"-", u"", PUNCTUATION, 8},
-                                  {u"Jane", u" ", WORD, 10},
-                                  {u"O'Neil", u"", WORD, 20},
-                                  {u",", u" ", PUNCTUATION, 32},
-                                  {u"1.5", u" ", NUMBER, 36},
-                                  {u"+", u" ", SYMBOL, 44},
-                                  {u"x", u"\r\n\t", WORD, 48}}));
-    // The type is that of the first character visible by itself; marks alone are a symbol.
-    EXPECT_EQ(test::pieces_of(u"\u0301! \u0301a\u200D\u203C\u200D"),
-              (std::vector<Piece>{{u"\u0301", u"", SYMBOL, 0},
-                                  {u"!", u" \u0301", PUNCTUATION, 2},
-                                  {u"a\u200D\u203C\u200D", u"", WORD, 8}}));
-    EXPECT_EQ(test::pieces_of(u"\u200D\u203C"),
-              (std::vector<Piece>{{u"\u200D\u203C", u"", PUNCTUATION, 0}}));
-    EXPECT_EQ(test::pieces_of(u" \n"), (std::vector<Piece>{{u"", u" \n", 0x1000001, 0}}));
-}
-
 TEST(Codec, TokenAnswersForItsText) {
     Bench bench;
-    const std::u16string text = u"e\u0301te\u0301\t\U0001F600";
-    const scl::Scl_wstring_buffer content(text);
-    const txt::Txt_physical_token* const token = bench.attach(content)->cfront();
-    EXPECT_EQ(token->crc(Txt_text_form::whole), slow_crc(u"e\u0301te\u0301"));
-    EXPECT_EQ(token->crc(Txt_text_form::visible), slow_crc(u"ete"));
-    EXPECT_EQ(token->length(Txt_text_form::whole), 5U);
-    EXPECT_EQ(token->length(Txt_text_form::visible), 3U);
-    EXPECT_EQ(std::u16string(token->text(Txt_text_form::whole)), u"e\u0301te\u0301");
-    EXPECT_EQ(std::u16string(token->text(Txt_text_form::visible)), u"ete");
+    const txt::Txt_physical_token* const token =
+        bench.attach(u"e\u0301te\u0301\t\U0001F600")->cfront();
+    const auto expect_text = [&](Txt_text_form form, std::u16string_view text) {
+        EXPECT_EQ(token->crc(form), crc_of(text));
+        EXPECT_EQ(token->length(form), text.size());
+        EXPECT_EQ(std::u16string(token->text(form)), text);
+    };
+    expect_text(Txt_text_form::whole, u"e\u0301te\u0301");
+    expect_text(Txt_text_form::visible, u"ete");
     EXPECT_EQ(std::u16string(token->trailer_text()), u"\t");
     EXPECT_EQ(token->next()->length(Txt_text_form::visible), 1U);
     EXPECT_EQ(token->next()->previous(), token);
-    EXPECT_EQ(&token->view(), test::view_of(bench.codec));
+    EXPECT_EQ(&token->view(), bench.view());
     EXPECT_EQ(token->next()->next(), nullptr);
 }
 
 TEST(Codec, ValueCoversEveryLengthAndAZeroInside) {
-    for (std::size_t length = 1; length < 600; length += 7) {
-        Bench bench;
-        const std::u16string text(length, u'x');
-        const scl::Scl_wstring_buffer content(text);
-        EXPECT_EQ(bench.attach(content)->cfront()->crc(Txt_text_form::whole), slow_crc(text));
-    }
     Bench bench;
-    const std::u16string text(u"\0\u0301", 2);
-    const scl::Scl_wstring_buffer content(text);
-    EXPECT_EQ(bench.attach(content)->cfront()->crc(Txt_text_form::whole), slow_crc(text));
+    const std::u16string zero(u"\0\u0301", 2);
+    EXPECT_EQ(bench.attach(zero)->cfront()->crc(Txt_text_form::whole), crc_of(zero));
+    for (std::size_t length = 1; length < 600; length += 7) {
+        const std::u16string text(length, u'x');
+        EXPECT_EQ(bench.attach(text)->cfront()->crc(Txt_text_form::whole), crc_of(text));
+    }
+    const auto* const token = dynamic_cast<const txtdfc::Txtdfc_physical_token*>(
+        bench.attach(std::u16string(40000, u'x'))->cfront());
+    EXPECT_EQ(token->content_length(), 80000 - 65536);
 }
 
 TEST(Codec, ByteOrderMarkIsNotText) {
     EXPECT_EQ(test::pieces_of(u"\uFEFFab\uFEFF"),
               (std::vector<Piece>{{u"ab\uFEFF", u"", WORD, 2}}));
-    Bench bench;
-    const std::u16string text = u"\uFEFF";
-    const scl::Scl_wstring_buffer mark(text);
-    EXPECT_EQ(bench.attach(mark), nullptr);
+    EXPECT_EQ(Bench().attach(u"\uFEFF"), nullptr);
     Bench asking(true);
-    ASSERT_NE(asking.attach(mark), nullptr);
-    EXPECT_EQ(test::view_of(asking.codec)->cfront(), nullptr);
+    ASSERT_NE(asking.attach(u"\uFEFF"), nullptr);
+    EXPECT_EQ(asking.view()->cfront(), nullptr);
 }
 
 TEST(Codec, OneViewForEachAttachment) {
     Bench bench;
-    EXPECT_EQ(test::view_of(bench.codec), nullptr);
-    const std::u16string first = u"one two";
-    const std::u16string second = u"three";
-    const scl::Scl_wstring_buffer first_content(first);
-    const scl::Scl_wstring_buffer second_content(second);
+    EXPECT_EQ(bench.view(), nullptr);
     bench.status.push(scl::SCL_STATUS_READ_FAILED);
-    txtdfc::Txtdfc_text_view* const view = bench.attach(first_content);
+    txtdfc::Txtdfc_text_view* const view = bench.attach(u"one two");
     EXPECT_EQ(bench.status.value(), 0U);
-    EXPECT_EQ(test::view_of(bench.codec), view);
+    EXPECT_EQ(bench.view(), view);
     unsigned cursor = 0;
     EXPECT_EQ(bench.codec.text_view(1, cursor), nullptr);
     EXPECT_EQ(cursor, 0xFFFFFFFF);
     EXPECT_EQ(bench.codec.text_view(0, cursor), nullptr);
-    EXPECT_EQ(test::pieces_of(bench.attach(second_content)),
+    EXPECT_EQ(test::pieces_of(bench.attach(u"three")),
               (std::vector<Piece>{{u"three", u"", WORD, 0}}));
-    const scl::Scl_wstring_buffer empty(u"");
-    EXPECT_EQ(bench.attach(empty), nullptr);
+    EXPECT_EQ(bench.attach(u""), nullptr);
 }
 
 TEST(Codec, GivesOnlyTheFacetsGranted) {
@@ -148,9 +94,7 @@ TEST(Codec, GivesOnlyTheFacetsGranted) {
     const dfc::Dfc_facet_set neither;
     txtdfc::Txtdfc_format_codec granted(&text_only, nullptr, nullptr, false);
     txtdfc::Txtdfc_format_codec refused(&neither, nullptr, nullptr, false);
-    dfc::Dfc_format_facet* const facet = granted.query_facet(dff::DFF_TEXT_FACET_ID);
-    ASSERT_NE(facet, nullptr);
-    EXPECT_EQ(facet->facet_id(), dff::DFF_TEXT_FACET_ID);
+    EXPECT_EQ(granted.query_facet(dff::DFF_TEXT_FACET_ID)->facet_id(), dff::DFF_TEXT_FACET_ID);
     EXPECT_EQ(granted.query_facet(dff::DFF_ANNOTATION_FACET_ID), nullptr);
     EXPECT_EQ(refused.query_facet(dff::DFF_TEXT_FACET_ID), nullptr);
 }
@@ -158,9 +102,7 @@ TEST(Codec, GivesOnlyTheFacetsGranted) {
 TEST(Codec, TextsOfATableAreShared) {
     txt::Txt_text_table table;
     Bench bench(false, &table);
-    const std::u16string text = u"same other same";
-    const scl::Scl_wstring_buffer content(text);
-    const txt::Txt_physical_token* const token = bench.attach(content)->cfront();
+    const txt::Txt_physical_token* const token = bench.attach(u"same other same")->cfront();
     const txt::Txt_physical_token* const third = token->next()->next();
     EXPECT_EQ(third->text(Txt_text_form::whole), token->text(Txt_text_form::whole));
     EXPECT_EQ(table.lookup(u"other"), token->next()->text_entry());
@@ -168,26 +110,11 @@ TEST(Codec, TextsOfATableAreShared) {
     EXPECT_EQ(token->trailer_entry(), u" ");
 }
 
-// Reports or throws what it is told to when it is attached.
-class Faulty_buffer final : public scl::Scl_buffer {
-public:
-    explicit Faulty_buffer(std::function<void(scl::Scl_status&)> fault)
-        : fault_(std::move(fault)) {}
-    [[nodiscard]] std::uint64_t size(bool /*in_units*/, scl::Scl_status& status) const override {
-        fault_(status);
-        return 2;
-    }
-    std::size_t read_at(std::uint64_t /*offset*/, std::span<std::byte> /*bytes*/,
-                        scl::Scl_status& /*status*/) const override {
-        return 0;
-    }
-
-private:
-    std::function<void(scl::Scl_status&)> fault_;
-};
-
+// The status of attaching content that reports or throws when it is asked for its size.
 scl::Scl_status attach_fault(std::function<void(scl::Scl_status&)> fault) {
-    const Faulty_buffer content(std::move(fault));
+    const scl::Scl_wstring_buffer whole(u"x");
+    test::Piecewise_buffer content(whole);
+    content.size_fault = std::move(fault);
     Bench bench;
     bench.codec.attach(&content, bench.status);
     return bench.status;
@@ -206,18 +133,18 @@ TEST(Codec, AttachTurnsExceptionsIntoCodes) {
 
 TEST(Codec, ViewSaysWhyThereIsNone) {
     Bench bench(true);
-    EXPECT_EQ(message_of([&] { (void)test::view_of(bench.codec); }),
+    EXPECT_EQ(message_of([&] { bench.view(); }),
               "logic: Txtdfc_format_codec::create_text_view() - no content attached");
     const std::u16string text(100000, u'x');
-    test::Piecewise_buffer content(text, 150000);
+    const scl::Scl_wstring_buffer whole(text);
+    test::Piecewise_buffer content(whole, 150000);
     bench.codec.attach(&content, bench.status);
     for (int attempt = 0; attempt < 2; ++attempt) {
-        EXPECT_EQ(message_of([&] { (void)test::view_of(bench.codec); }),
+        EXPECT_EQ(message_of([&] { bench.view(); }),
                   "runtime: Txtdfc_format_codec::create_text_view() - tokenisation failed");
     }
-    content.mend();
-    EXPECT_EQ(test::pieces_of(test::view_of(bench.codec)),
-              (std::vector<Piece>{{text, u"", WORD, 0}}));
+    content.fails_from = test::Piecewise_buffer::NEVER;
+    EXPECT_EQ(test::pieces_of(bench.view()), (std::vector<Piece>{{text, u"", WORD, 0}}));
 }
 
 TEST(Codec, ContentReadInWindowsHasTheSameTokens) {
@@ -227,48 +154,21 @@ TEST(Codec, ContentReadInWindowsHasTheSameTokens) {
     for (int i = 0; i < 200000; ++i) {
         text += random() % 50 == 0 ? u"\U0001F600" : std::u16string(1, alphabet[random() % 16]);
     }
-    EXPECT_EQ(test::pieces_of(test::Piecewise_buffer(text)), test::pieces_of(text));
-}
-
-TEST(Codec, ContentLengthKeepsSixteenBits) {
+    const scl::Scl_wstring_buffer whole(text);
+    const test::Piecewise_buffer content(whole);
     Bench bench;
-    const std::u16string text(40000, u'x');
-    const scl::Scl_wstring_buffer content(text);
-    const auto* token =
-        dynamic_cast<const txtdfc::Txtdfc_physical_token*>(bench.attach(content)->cfront());
-    EXPECT_EQ(token->content_length(), 80000 - 65536);
-    EXPECT_EQ(token->length(Txt_text_form::whole), 40000U);
+    EXPECT_EQ(test::pieces_of(bench.attach(content)), test::pieces_of(text));
 }
 
 TEST(TokenPool, LimitCountsUntilRewound) {
-    txtdfc::Txtdfc_token_pool pool(3);
-    txtdfc::Txtdfc_format_codec codec(nullptr, nullptr, &pool, false);
-    scl::Scl_status status;
-    const std::u16string full(3000, u'!');
-    const scl::Scl_wstring_buffer full_content(full);
-    const scl::Scl_wstring_buffer one(u"!");
-    codec.attach(&full_content, status);
-    EXPECT_EQ(test::pieces_of(test::view_of(codec)).size(), 3000U);
-    codec.attach(&one, status);
-    EXPECT_EQ(message_of([&] { (void)test::view_of(codec); }),
+    Bench bench(false, nullptr, 3);
+    EXPECT_EQ(test::pieces_of(bench.attach(std::u16string(3000, u'!'))).size(), 3000U);
+    EXPECT_EQ(message_of([&] { bench.attach(u"!"); }),
               "runtime: Too many tokens are required to tokenise the text (over 3000).  "
               "Tokenisation has failed.");
-    pool.rewind();
-    EXPECT_EQ(test::pieces_of(test::view_of(codec)).size(), 1U);
+    bench.pool.rewind();
+    EXPECT_EQ(test::pieces_of(bench.view()).size(), 1U);
     EXPECT_EQ(txtdfc::Txtdfc_token_pool().limit(), 15000000U);
-}
-
-TEST(TokenPool, SlotsGivenBackAreTakenFirst) {
-    txtdfc::Txtdfc_token_pool pool(1);
-    std::vector<void*> slots(1000);
-    for (void*& slot : slots) {
-        slot = pool.take();
-    }
-    pool.give_back(slots[3]);
-    pool.give_back(slots[700]);
-    EXPECT_EQ(pool.take(), slots[700]);
-    EXPECT_EQ(pool.take(), slots[3]);
-    EXPECT_THROW((void)pool.take(), std::bad_alloc);
 }
 
 // Answers each question with the next operation of a list.
@@ -328,34 +228,36 @@ TEST(ViewBuilder, DoesWhatTheTokeniserAsks) {
 }
 
 TEST(ViewBuilder, RefusesATokeniserThatBreaksItsContract) {
-    const std::string no_checkpoint =
-        "logic: Txtdfc_format_codec::create_text_view() - haven't been checkpointed";
-    const std::string unexpected =
-        "logic: Txtdfc_format_codec::create_text_view() - unexpected operation";
-    EXPECT_EQ(message_of([] { build_by_script({3}); }), no_checkpoint);
-    EXPECT_EQ(message_of([] { build_by_script({0, 1, 3}); }), no_checkpoint);
-    EXPECT_EQ(message_of([] { build_by_script({0, 2, 4, 3}); }), no_checkpoint);
-    EXPECT_EQ(message_of([] { build_by_script({0, 2, 1, 3, 3}); }), no_checkpoint);
+    const std::string fault = "logic: Txtdfc_format_codec::create_text_view() - ";
+    for (const std::vector<unsigned>& script :
+         std::vector<std::vector<unsigned>>{{3}, {0, 1, 3}, {0, 2, 4, 3}, {0, 2, 1, 3, 3}}) {
+        EXPECT_EQ(message_of([&] { build_by_script(script); }),
+                  fault + "haven't been checkpointed");
+    }
     for (const unsigned operation : {0U, 1U, 2U}) {
-        EXPECT_EQ(message_of([=] { build_by_script({0, 1, operation}); }), unexpected);
+        EXPECT_EQ(message_of([=] {
+                      build_by_script({0, 1, operation});
+                  }),
+                  fault + "unexpected operation");
     }
 }
 
 // Counts what it is asked.
 class Counting_tokeniser {
 public:
-    std::size_t run(std::span<const std::byte> units, txt::Txt_text_store& text,
-                    std::uint32_t& type, Operation& operation) {
+    template <typename... Arguments>
+    std::size_t run(Arguments&&... arguments) {
         ++questions;
-        return tokeniser_.run(units, text, type, operation);
+        return tokeniser_.run(arguments...);
     }
-    void process(char32_t character, txt::Txt_text_store& text, std::uint32_t& type,
-                 Operation& operation) {
+    template <typename... Arguments>
+    void process(Arguments&&... arguments) {
         ++questions;
-        tokeniser_.process(character, text, type, operation);
+        tokeniser_.process(arguments...);
     }
-    void breakpoint(txt::Txt_text_store& text, std::uint32_t& type, Operation& operation) {
-        tokeniser_.breakpoint(text, type, operation);
+    template <typename... Arguments>
+    void breakpoint(Arguments&&... arguments) {
+        tokeniser_.breakpoint(arguments...);
     }
 
     std::size_t questions = 0;
@@ -366,18 +268,16 @@ private:
 
 TEST(ViewBuilder, TakesLinearTimeForAnyText) {
     constexpr std::size_t UNITS = 200000;
-    const auto repeated = [](const std::u16string& unit) {
-        std::u16string text;
+    const std::u16string marks(UNITS, u'\u0308');
+    std::vector<std::u16string> texts = {u"a'" + marks, u"a'" + marks + u"!", u"1," + marks + u"a"};
+    for (const std::u16string unit :
+         {u"a'", u"a'a''", u"'", u"a.\u0308\u0308", u"\u05D0\"", u" \u0308"}) {
+        std::u16string& text = texts.emplace_back();
         while (text.size() < UNITS) {
             text += unit;
         }
-        return text;
-    };
-    const std::u16string marks(UNITS, u'\u0308');
-    for (const std::u16string& text :
-         {repeated(u"a'"), repeated(u"a'a''"), repeated(u"'"), u"a'" + marks, u"a'" + marks + u"!",
-          u"1," + marks + u"a", repeated(u"a.\u0308\u0308"), repeated(u"\u05D0\""),
-          repeated(u" \u0308")}) {
+    }
+    for (const std::u16string& text : texts) {
         Counting_tokeniser tokeniser;
         std::size_t length = 0;
         for (const Piece& piece : build_with(tokeniser, text)) {

@@ -1,6 +1,5 @@
 #include "scl/scl_crc64.hpp"
 #include "scl/scl_crc64_kernels.hpp"
-#include "scl/scl_heap_buffer.hpp"
 
 #include <gtest/gtest.h>
 
@@ -9,24 +8,15 @@
 
 namespace {
 
-// Bit by bit, from the polynomial as the catalogue prints it.
+// Bit by bit, with the catalogue's polynomial 0x42F0E1EBA9EA3693 lowest bit first.
 std::uint64_t slow_register(std::uint64_t reg, std::span<const std::byte> bytes) {
-    constexpr std::uint64_t POLYNOMIAL = 0x42F0E1EBA9EA3693;
-    const auto reflected = [](std::uint64_t value, int bits) {
-        std::uint64_t result = 0;
-        for (int i = 0; i < bits; ++i) {
-            result |= ((value >> i) & 1) << (bits - 1 - i);
-        }
-        return result;
-    };
-    reg = reflected(reg, 64);
     for (const std::byte byte : bytes) {
-        reg ^= reflected(std::to_integer<std::uint64_t>(byte), 8) << 56;
+        reg ^= std::to_integer<std::uint64_t>(byte);
         for (int bit = 0; bit < 8; ++bit) {
-            reg = (reg << 1) ^ (reg >> 63 != 0 ? POLYNOMIAL : 0);
+            reg = (reg >> 1) ^ ((reg & 1) != 0 ? 0xC96C5795D7870F42 : 0);
         }
     }
-    return reflected(reg, 64);
+    return reg;
 }
 
 TEST(Crc64, GivesTheCataloguesCheckValue) {
@@ -51,22 +41,6 @@ TEST(Crc64, BothKernelsAgreeWithTheSlowOne) {
         if (!scl::impl::scl_has_carryless_multiply()) continue;
         ASSERT_EQ(scl::impl::scl_crc64_by_multiply(start, part), expected) << size;
     }
-}
-
-TEST(Crc64, PiecesAddUp) {
-    std::vector<std::byte> bytes(200000, std::byte{0x5A});
-    scl::Scl_status status;
-    scl::Scl_heap_buffer buffer;
-    buffer.write_at(0, bytes, status);
-    scl::Scl_crc64 whole;
-    whole.update(buffer, status);
-    scl::Scl_crc64 pieces;
-    pieces.update(std::span(bytes).first(3));
-    pieces.update(std::span(bytes).subspan(3));
-    EXPECT_EQ(whole.result(true), pieces.result(true));
-    EXPECT_EQ(whole.result(true), ~whole.result(false));
-    EXPECT_EQ(whole.result(true),
-              scl::Scl_crc64::calculate(bytes.data(), bytes.size(), scl::Scl_crc64::INITIAL));
 }
 
 } // namespace

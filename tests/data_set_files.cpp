@@ -14,29 +14,15 @@ namespace test {
 
 namespace {
 
-std::string text_of(const scl::Scl_buffer& buffer) {
-    const auto bytes = buffer.contents();
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
 template <std::integral T>
 T number_at(const std::string& file, std::size_t offset) {
     return scl::scl_load_le<T>(reinterpret_cast<const std::byte*>(file.data() + offset));
 }
 
-void process_rows(std::string_view schema, const Rows& rows, scl::Scl_buffer& records,
-                  scl::Scl_status& status) {
-    driver::Schema parsed;
-    (void)driver::parse_schema(schema, parsed);
-    tla::Record_processor processor(parsed.types, {});
-    scl::Scl_ostream out(records, status, scl::Scl_eol::none);
-    for (const auto& row : rows) {
-        std::vector<std::u16string> fields(row.size());
-        std::ranges::transform(row, fields.begin(), wide);
-        processor.process(std::vector<std::u16string_view>(fields.begin(), fields.end()), out,
-                          status);
-    }
-    out.detach(status);
+std::vector<std::u16string> all_wide(const std::vector<std::string>& texts) {
+    std::vector<std::u16string> all(texts.size());
+    std::ranges::transform(texts, all.begin(), wide);
+    return all;
 }
 
 } // namespace
@@ -47,27 +33,31 @@ std::u16string wide(std::string_view narrow) {
     return text;
 }
 
-std::vector<tla::Field_descriptor> fields_of(std::string_view schema) {
-    driver::Schema parsed;
-    (void)driver::parse_schema(schema, parsed);
-    return parsed.fields;
-}
-
 std::string version1(std::string_view schema, const Keys& keys, const Rows& rows,
                      const tools::Key_hash& hash) {
-    return tools::make_version1_file(fields_of(schema), keys, rows, hash);
+    driver::Schema parsed;
+    (void)driver::parse_schema(schema, parsed);
+    return tools::make_version1_file(parsed.fields, keys, rows, hash);
 }
 
 std::string version2(std::string_view schema, const Keys& keys, const Rows& rows) {
+    driver::Schema parsed;
+    (void)driver::parse_schema(schema, parsed);
+    tla::Record_processor processor(parsed.types, {});
     scl::Scl_status status;
     scl::Scl_heap_buffer records;
-    process_rows(schema, rows, records, status);
-    std::vector<std::u16string> key_names(keys.size());
-    std::ranges::transform(keys, key_names.begin(), wide);
+    scl::Scl_ostream out(records, status, scl::Scl_eol::none);
+    for (const auto& row : rows) {
+        const std::vector<std::u16string> texts = all_wide(row);
+        processor.process(std::vector<std::u16string_view>(texts.begin(), texts.end()), out,
+                          status);
+    }
+    out.detach(status);
     scl::Scl_heap_buffer file;
-    tla::write_data_set_file(key_names, fields_of(schema), records, file, status);
+    tla::write_data_set_file(all_wide(keys), parsed.fields, records, file, status);
     if (!status.ok()) throw std::runtime_error("the file cannot be built");
-    return text_of(file);
+    const auto bytes = file.contents();
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 std::uint64_t key_tables_of(const std::string& file) {

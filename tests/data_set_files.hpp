@@ -17,7 +17,6 @@ using Keys = std::vector<std::string>;
 using Entries = std::vector<std::unique_ptr<tla::Tla_data_set_entry_file>>;
 
 [[nodiscard]] std::u16string wide(std::string_view narrow);
-[[nodiscard]] std::vector<tla::Field_descriptor> fields_of(std::string_view schema);
 
 // Files of the two versions with the same content. Empty keys are no fault here.
 [[nodiscard]] std::string version1(std::string_view schema, const Keys& keys, const Rows& rows,

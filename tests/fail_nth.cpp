@@ -1,6 +1,6 @@
 // A library to preload: makes the Nth file operation of a program fail, N from FAIL_AT; only that
 // one, or with FAIL_ON=1 all from there on. It counts opening, examining, reading, writing,
-// removing and closing files, and appends a byte to FAIL_REPORT when it has made one fail.
+// removing and closing files, and creates FAIL_REPORT when it has made one fail.
 #include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
@@ -16,14 +16,6 @@ Function* next_of(const char* name) {
     return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-void report() {
-    static const bool reported = [] {
-        const int file = ::creat(std::getenv("FAIL_REPORT"), 0600);
-        return file >= 0;
-    }();
-    (void)reported;
-}
-
 bool fails(int error) {
     static const char* const at = std::getenv("FAIL_AT");
     static const bool on = std::getenv("FAIL_ON") != nullptr;
@@ -32,7 +24,8 @@ bool fails(int error) {
     ++count;
     const bool failing = on ? count >= std::atol(at) : count == std::atol(at);
     if (failing) {
-        report();
+        static const int reported = ::creat(std::getenv("FAIL_REPORT"), 0600);
+        (void)reported;
         errno = error;
     }
     return failing;

@@ -57,26 +57,18 @@ void fail_each_operation(const std::vector<std::string>& arguments, const std::s
     FAIL() << "no run came to its end";
 }
 
-class Fault : public testing::TestWithParam<bool> {
-protected:
-    // Large enough for several buffers of input, records and output.
-    static std::string lines() {
-        std::string lines;
-        for (int i = 0; i < 6000; ++i) {
-            lines += "name " + std::to_string(i) + "\tkey" + std::to_string(i % 100) + "\n";
-        }
-        return lines + "name 0\tkey0\n";
-    }
-};
+class Fault : public testing::TestWithParam<bool> {};
 
 TEST_P(Fault, ABuildLosesNothing) {
-    fail_each_operation({"-s", "A,Simple;B,Simple", "-k", "A", "-k", "B", "-i", "in", "-o", "out"},
-                        lines(), GetParam());
+    // Large enough for several buffers of input, records and output.
+    std::string lines;
+    for (int i = 0; i < 6000; ++i) {
+        lines += "name " + std::to_string(i) + "\tkey" + std::to_string(i % 100) + "\n";
+    }
+    fail_each_operation(test::build_arguments("A,Simple;B,Simple", {"A", "B"}),
+                        lines + "name 0\tkey0\n", GetParam());
 }
 
-INSTANTIATE_TEST_SUITE_P(OnceOrFromThenOn, Fault, testing::Bool(),
-                         [](const testing::TestParamInfo<bool>& mode) {
-                             return std::string(mode.param ? "FromThenOn" : "Once");
-                         });
+INSTANTIATE_TEST_SUITE_P(OnceOrFromThenOn, Fault, testing::Bool());
 
 } // namespace

@@ -35,6 +35,12 @@ public:
         test::put(file_, pairs_ + pair * 16, hash);
         test::put(file_, pairs_ + pair * 16 + 8, offset);
     }
+    // Pairs of one hash for the first records.
+    void set_first(std::size_t count, std::uint64_t hash) {
+        for (std::size_t i = 0; i < count; ++i) {
+            set(i, hash, records[i]);
+        }
+    }
     // Pairs of other hashes, ascending and below 100.
     void fill(std::size_t count) {
         for (std::size_t i = 0; i < count; ++i) {
@@ -95,26 +101,20 @@ TEST(Lookup, FindsAllRecordsWithTheValue) {
     EXPECT_EQ(test::argument_of(file.status), "");
 }
 
-TEST(Lookup, OfAKeyWithoutFormatterFindsNothing) {
-    Connected file(test::version1("K,Nothing", {"K"}, {{"a"}}));
-    ASSERT_EQ(file.load(), 0U);
-    EXPECT_TRUE(file.find("K", u"a", tools::fnv1a("a")).empty());
-    EXPECT_EQ(file.status.value(), tla::TLA_STATUS_NO_TOKENS);
-}
-
 TEST(Lookup, InVersion1GoesByTheGivenHash) {
-    Connected file(test::version1("K,Simple", {"K"}, {{"a"}, {"b"}, {"a"}}));
+    Connected file(
+        test::version1("K,Simple;N,Nothing", {"K", "N"}, {{"a", "1"}, {"b", "2"}, {"a", "3"}}));
     ASSERT_EQ(file.load(), 0U);
     EXPECT_EQ(file.find("K", u"a", tools::fnv1a("a")).size(), 2);
     EXPECT_EQ(file.find("K", u"a", tools::fnv1a("b")).size(), 0);
     EXPECT_EQ(file.find("K", u"b", tools::fnv1a("b")).size(), 1);
+    EXPECT_EQ(file.find("N", u"1", tools::fnv1a("1")).size(), 0); // has no formatter
+    EXPECT_EQ(file.status.value(), tla::TLA_STATUS_NO_TOKENS);
 }
 
 TEST(Lookup, OtherValuesOfTheHashStandAmongMatches) {
     Table table({"x", "other", "x", "x", "x"});
-    for (const std::size_t i : {0, 1, 2}) {
-        table.set(i, 5, table.records[i]);
-    }
+    table.set_first(3, 5);
     table.set(3, 6, table.records[3]);
     table.set(4, 5, table.records[4]); // out of order: after a match, another hash ends the scan
     EXPECT_EQ(table.find(u"x", 5), (Offsets{table.records[0], table.records[2]}));
@@ -122,9 +122,7 @@ TEST(Lookup, OtherValuesOfTheHashStandAmongMatches) {
 
 TEST(Lookup, ReadsOnEightBytesLaterAfterAnotherValueOfTheHash) {
     Table table({"other", "x", "x"});
-    for (const std::size_t i : {0, 1, 2}) {
-        table.set(i, 5, table.records[i]);
-    }
+    table.set_first(3, 5);
     EXPECT_EQ(table.find(u"x", 5), Offsets{});
     EXPECT_EQ(table.find(u"other", 5), Offsets{table.records[0]});
     // Then a pair begins where an offset stands.
@@ -134,24 +132,19 @@ TEST(Lookup, ReadsOnEightBytesLaterAfterAnotherValueOfTheHash) {
 }
 
 TEST(Lookup, LooksIntoThePreviousBlockOnlyWhenTheFirstPairIsAnotherValue) {
-    Table table(texts(BLOCK + 2, "x"));
-    table.fill(BLOCK + 2);
-    table.set(BLOCK - 2, 200, table.records[0]);
-    table.set(BLOCK - 1, 200, table.records[1]);
-    table.set(BLOCK, 200, table.records[2]);
-    table.set(BLOCK + 1, 300, table.records[3]);
-    EXPECT_EQ(table.find(u"x", 200), Offsets{table.records[2]});
-
-    std::vector<std::string> one_other = texts(BLOCK + 2, "x");
-    one_other[2] = "other";
-    Table second(one_other);
-    second.fill(BLOCK + 2);
-    second.set(BLOCK - 2, 200, second.records[0]);
-    second.set(BLOCK - 1, 200, second.records[1]);
-    second.set(BLOCK, 200, second.records[2]);
-    second.set(BLOCK + 1, 300, second.records[3]);
-    EXPECT_EQ(second.find(u"x", 200), (Offsets{second.records[0], second.records[1]}));
-    EXPECT_EQ(second.find(u"other", 200), Offsets{second.records[2]});
+    for (const std::string third : {"x", "other"}) {
+        std::vector<std::string> all = texts(BLOCK + 2, "x");
+        all[2] = third;
+        Table table(all);
+        table.fill(BLOCK + 2);
+        for (const std::size_t i : {0, 1, 2}) { // the third stands first in its block
+            table.set(BLOCK - 2 + i, 200, table.records[i]);
+        }
+        table.set(BLOCK + 1, 300, table.records[3]);
+        const Offsets before = {table.records[0], table.records[1]};
+        EXPECT_EQ(table.find(u"x", 200), third == "x" ? Offsets{table.records[2]} : before);
+        EXPECT_EQ(table.find(u"other", 200).size(), third == "other" ? 1 : 0);
+    }
 }
 
 TEST(Lookup, RunsOnPastTheBlocksEndWhileOtherValuesOfTheHashFollow) {

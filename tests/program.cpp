@@ -1,7 +1,6 @@
 #include "program.hpp"
 
 #include <cstdlib>
-#include <fcntl.h>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -12,48 +11,16 @@ namespace test {
 
 namespace {
 
-void redirect(int descriptor, const std::filesystem::path& to) {
-    const int file = ::open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
-    if (file < 0 || ::dup2(file, descriptor) < 0) ::_exit(126);
-    ::close(file);
+std::string quoted(const std::string& word) {
+    return " '" + word + "'"; // no test has a quotation mark in an argument
 }
 
-[[noreturn]] void become(const std::filesystem::path& folder, std::vector<std::string> command,
-                         const std::vector<std::string>& environment) {
-    if (::chdir(folder.c_str()) != 0) ::_exit(126);
-    redirect(STDOUT_FILENO, folder.string() + ".out");
-    redirect(STDERR_FILENO, folder.string() + ".err");
-    for (const std::string& setting : environment) {
-        ::putenv(const_cast<char*>(setting.c_str()));
-    }
-    std::vector<char*> pointers;
-    for (std::string& word : command) {
-        pointers.push_back(word.data());
-    }
-    pointers.push_back(nullptr);
-    ::execv(pointers[0], pointers.data());
-    ::_exit(127);
-}
+} // namespace
 
 std::string read_file(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
 }
-
-Outcome run_command(const std::filesystem::path& folder, const std::vector<std::string>& command,
-                    const std::vector<std::string>& environment) {
-    const pid_t child = ::fork();
-    if (child == 0) become(folder, command, environment);
-    int status = 0;
-    if (child < 0 || ::waitpid(child, &status, 0) != child) throw std::runtime_error("no child");
-    Outcome outcome;
-    outcome.exit_status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    outcome.out = read_file(folder.string() + ".out");
-    outcome.err = read_file(folder.string() + ".err");
-    return outcome;
-}
-
-} // namespace
 
 Workplace::Workplace() {
     std::string name = std::filesystem::temp_directory_path() / "dsmake-test-XXXXXX";
@@ -86,13 +53,26 @@ void Workplace::remove(std::string_view name) const {
 
 Outcome Workplace::run(const std::vector<std::string>& arguments,
                        const std::vector<std::string>& environment) const {
-    std::vector<std::string> command = {DSMAKE_PROGRAM};
-    command.insert(command.end(), arguments.begin(), arguments.end());
-    return run_command(folder_, command, environment);
+    std::string command = "env";
+    for (const std::string& setting : environment) {
+        command += quoted(setting);
+    }
+    command += " \"$DSMAKE\"";
+    for (const std::string& argument : arguments) {
+        command += quoted(argument);
+    }
+    return shell(command);
 }
 
 Outcome Workplace::shell(const std::string& command) const {
-    return run_command(folder_, {"/bin/sh", "-c", command}, {"DSMAKE=" DSMAKE_PROGRAM});
+    const std::string out = folder_.string() + ".out";
+    const std::string err = folder_.string() + ".err";
+    const std::string setting = "DSMAKE=" + quoted(DSMAKE_PROGRAM).substr(1);
+    const std::string in_folder = "cd" + quoted(folder_) + " && " + setting + " && { ";
+    const int status =
+        std::system((in_folder + command + "\n} >" + quoted(out) + " 2>" + quoted(err)).c_str());
+    if (!WIFEXITED(status)) throw std::runtime_error("no child");
+    return {WEXITSTATUS(status), read_file(out), read_file(err)};
 }
 
 std::vector<std::string> build_arguments(const std::string& schema,

@@ -14,6 +14,9 @@ struct Outcome {
     std::string err;
 };
 
+// Empty when there is no such file.
+[[nodiscard]] std::string read_file(const std::filesystem::path& path);
+
 // An empty folder to run the program in; gone at the end of the test.
 class Workplace {
 public:

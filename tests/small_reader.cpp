@@ -13,12 +13,11 @@ void require(bool held, const std::string& rule) {
 }
 
 std::array<std::uint64_t, 256> make_crc_table() {
-    constexpr std::uint64_t REFLECTED = 0xC96C5795D7870F42; // 0x42F0E1EBA9EA3693, lowest bit first
     std::array<std::uint64_t, 256> table{};
     for (std::uint64_t byte = 0; byte < table.size(); ++byte) {
         table[byte] = byte;
-        for (int bit = 0; bit < 8; ++bit) {
-            table[byte] = (table[byte] >> 1) ^ ((table[byte] & 1) != 0 ? REFLECTED : 0);
+        for (int bit = 0; bit < 8; ++bit) { // the polynomial, lowest bit first
+            table[byte] = (table[byte] >> 1) ^ ((table[byte] & 1) != 0 ? 0xC96C5795D7870F42 : 0);
         }
     }
     return table;
@@ -97,29 +96,23 @@ void Small_reader::read_records() {
     require(records_.size() == record_count_, "as many records as the header says");
 }
 
+// What a table holds, and where it ends, follows from the records.
 void Small_reader::read_table() {
     Table table;
     table.name = until('\0');
     skip_zeros();
-    while (table.field < fields_.size() && fields_[table.field].name != table.name) {
-        ++table.field;
-    }
-    require(table.field < fields_.size(), "a field's name on each key table: " + table.name);
-    read_pairs(table);
-    tables_.push_back(std::move(table));
-}
-
-// What a table holds, and where it ends, follows from the records.
-void Small_reader::read_pairs(Table& table) {
-    for (const Pair& expected : expected_pairs(table.field)) {
+    const auto field =
+        std::find_if(fields_.begin(), fields_.end(),
+                     [&table](const Field& candidate) { return candidate.name == table.name; });
+    require(field != fields_.end(), "a field's name on each key table: " + table.name);
+    for (const Pair& expected : expected_pairs(static_cast<std::size_t>(field - fields_.begin()))) {
         const Pair pair{little(position_, 8), little(position_ + 8, 8)};
-        const std::string where =
-            " of pair " + std::to_string(table.pairs.size()) + " in key table " + table.name;
-        require(pair.hash == expected.hash, "the hash" + where);
-        require(pair.offset == expected.offset, "the offset" + where);
+        require(pair == expected, "the right pair " + std::to_string(table.pairs.size()) +
+                                      " in key table " + table.name);
         table.pairs.push_back(pair);
         position_ += 16;
     }
+    tables_.push_back(std::move(table));
 }
 
 std::vector<Small_reader::Pair> Small_reader::expected_pairs(std::size_t field) const {
@@ -128,21 +121,17 @@ std::vector<Small_reader::Pair> Small_reader::expected_pairs(std::size_t field) 
         all.push_back({crc(value_bytes(record, field)), record});
     }
     std::sort(all.begin(), all.end());
-    std::vector<Pair> kept;
-    for (const Pair& pair : all) {
-        if (kept.empty() || kept.back().hash != pair.hash ||
-            !same_record(kept.back().offset, pair.offset)) {
-            kept.push_back(pair);
-        }
-    }
-    return kept;
+    const auto duplicate = [this](const Pair& one, const Pair& other) {
+        return one.hash == other.hash && record_bytes(one.offset) == record_bytes(other.offset);
+    };
+    all.erase(std::unique(all.begin(), all.end(), duplicate), all.end());
+    return all;
 }
 
-bool Small_reader::same_record(std::uint64_t one, std::uint64_t other) const {
-    for (std::size_t field = 0; field < fields_.size(); ++field) {
-        if (value_bytes(one, field) != value_bytes(other, field)) return false;
-    }
-    return true;
+std::string_view Small_reader::record_bytes(std::uint64_t record) const {
+    const std::string_view last = value_bytes(record, fields_.size() - 1);
+    const auto end = static_cast<std::uint64_t>(last.data() + last.size() - file_.data());
+    return bytes(record, end - record);
 }
 
 Small_reader::Values Small_reader::values(std::uint64_t record, std::size_t field) const {
@@ -152,25 +141,6 @@ Small_reader::Values Small_reader::values(std::uint64_t record, std::size_t fiel
         values.push_back(big(static_cast<std::uint64_t>(bytes.data() - file_.data()) + at, 8));
     }
     return values;
-}
-
-Small_reader::Values Small_reader::find(std::string_view key, const Values& values) const {
-    std::string sought;
-    for (const std::uint64_t value : values) {
-        for (unsigned shift = 64; shift > 0; shift -= 8) {
-            sought += static_cast<char>((value >> (shift - 8)) & 0xFF);
-        }
-    }
-    Values found;
-    for (const Table& table : tables_) {
-        if (table.name != key) continue;
-        const Pair least{crc(sought), 0};
-        for (auto pair = std::lower_bound(table.pairs.begin(), table.pairs.end(), least);
-             pair != table.pairs.end() && pair->hash == least.hash; ++pair) {
-            if (value_bytes(pair->offset, table.field) == sought) found.push_back(pair->offset);
-        }
-    }
-    return found;
 }
 
 std::string_view Small_reader::bytes(std::uint64_t at, std::uint64_t size) const {

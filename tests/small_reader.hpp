@@ -1,5 +1,6 @@
 #pragma once
 
+#include <compare>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -20,13 +21,10 @@ public:
     struct Pair {
         std::uint64_t hash = 0;
         std::uint64_t offset = 0;
-        bool operator<(const Pair& other) const {
-            return hash != other.hash ? hash < other.hash : offset < other.offset;
-        }
+        auto operator<=>(const Pair&) const = default;
     };
     struct Table {
         std::string name;
-        std::size_t field = 0;
         std::vector<Pair> pairs;
     };
 
@@ -39,9 +37,6 @@ public:
 
     // The token values of one field of the record at this offset.
     [[nodiscard]] Values values(std::uint64_t record, std::size_t field) const;
-    // The offsets of the records that have these values in this key field, by its key table.
-    [[nodiscard]] Values find(std::string_view key, const Values& values) const;
-
     // CRC-64/XZ, and a token's value by docs/text.md.
     [[nodiscard]] static std::uint64_t crc(std::string_view bytes);
     [[nodiscard]] static std::uint64_t token(std::u16string_view text);
@@ -51,7 +46,6 @@ private:
     void read_fields();
     void read_records();
     void read_table();
-    void read_pairs(Table& table);
     [[nodiscard]] std::vector<Pair> expected_pairs(std::size_t field) const;
 
     [[nodiscard]] std::uint64_t little(std::uint64_t at, unsigned size) const;
@@ -59,7 +53,7 @@ private:
     [[nodiscard]] std::string_view bytes(std::uint64_t at, std::uint64_t size) const;
     [[nodiscard]] std::string_view value_bytes(std::uint64_t record, std::size_t field) const;
     [[nodiscard]] std::string until(char end);
-    [[nodiscard]] bool same_record(std::uint64_t one, std::uint64_t other) const;
+    [[nodiscard]] std::string_view record_bytes(std::uint64_t record) const;
     void skip_zeros();
 
     std::string file_;

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-
 namespace {
 
 constexpr scl::Scl_status_code WARNING = 0x82012512;
@@ -22,10 +20,6 @@ std::string shown(const scl::Scl_status& status) {
 
 TEST(Status, SeverityIsThatOfTheTopEntryButOkLooksAtAll) {
     scl::Scl_status status;
-    EXPECT_TRUE(status.ok());
-    EXPECT_FALSE(status.is_warning());
-    EXPECT_EQ(status.value(), 0U);
-
     status.push(WARNING);
     EXPECT_TRUE(status.ok());
     EXPECT_TRUE(status.is_warning());
@@ -41,12 +35,12 @@ TEST(Status, SeverityIsThatOfTheTopEntryButOkLooksAtAll) {
     EXPECT_EQ(status.entries().size(), 1U) << "assignment replaces everything";
     status.clear();
     EXPECT_TRUE(status.ok());
-    EXPECT_FALSE(status.contains_value(KEY_NAME));
+    EXPECT_EQ(status.value(), 0U);
 }
 
 TEST(Status, NeighboursThatAreEqualAreHeldAsOne) {
     scl::Scl_status status;
-    for (int i = 0; i < 1000000; ++i) {
+    for (int i = 0; i < 1000; ++i) {
         status.push(WARNING);
     }
     status.push(KEY_NAME, scl::Scl_wstring_status_arg(u"a"));
@@ -54,8 +48,8 @@ TEST(Status, NeighboursThatAreEqualAreHeldAsOne) {
     status.push(KEY_NAME, scl::Scl_wstring_status_arg(u"b"));
     status.push(KEY_NAME);
     ASSERT_EQ(status.entries().size(), 4U);
-    EXPECT_EQ(status.entries()[0].count, 1000000U);
-    EXPECT_NE(shown(status).find(" (1000000 times)"), std::string::npos);
+    EXPECT_EQ(status.entries()[0].count, 1000U);
+    EXPECT_NE(shown(status).find(" (1000 times)"), std::string::npos);
 }
 
 TEST(Status, OnlyTheTopEntryOfALocalStatusIsPassedOn) {
@@ -84,12 +78,11 @@ TEST(Status, TextHasALinePerEntryTheMostRecentFirst) {
 
 // A file may be named by anybody: its name must not reach the terminal as a command.
 TEST(Status, ControlsAndStrayBytesInArgumentsAreSpelledOut) {
+    const scl::Scl_wstring_status_arg name("\x1b[2J\n\x7f\xc2\x9b\xff\xf0\x9f\x98\x80é");
     scl::Scl_status status;
-    status.push(KEY_NAME,
-                scl::Scl_wstring_status_arg("\x1b[2J\n\x7f\xc2\x9b\xff\xf0\x9f\x98\x80é"));
-    const std::string text = shown(status);
-    EXPECT_NE(text.find("'\\x1B[2J\\x0A\\x7F\\x9B\\xFF\xf0\x9f\x98\x80é'"), std::string::npos)
-        << text;
+    status.push(KEY_NAME, name);
+    const std::string expected = "'\\x1B[2J\\x0A\\x7F\\x9B\\xFF\xf0\x9f\x98\x80é'";
+    EXPECT_NE(shown(status).find(expected), std::string::npos) << shown(status);
 }
 
 TEST(Status, EveryCodeInUseHasAText) {
@@ -102,14 +95,6 @@ TEST(Status, EveryCodeInUseHasAText) {
         status.push(code);
         EXPECT_GT(shown(status).size(), 30U) << shown(status);
     }
-}
-
-TEST(Status, MessageFilesAreFoundByName) {
-    const std::array good = {std::string(scl::SCL_UTIL_STATUS_FILE_NAME),
-                             std::string(scl::SCL_PLAT_STATUS_FILE_NAME)};
-    const std::array bad = {std::string(scl::SCL_PLAT_STATUS_FILE_NAME), std::string("other.msg")};
-    EXPECT_TRUE(scl::Scl_status_lookup::initialise_message_list(good));
-    EXPECT_FALSE(scl::Scl_status_lookup::initialise_message_list(bad));
 }
 
 } // namespace

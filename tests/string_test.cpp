@@ -38,33 +38,20 @@ TEST(String, ConvertsWellFormedText) {
 }
 
 TEST(String, IllFormedBytesBecomeUnitsOneByOne) {
-    const auto bytes = [](std::initializer_list<int> values) {
-        return std::string(values.begin(), values.end());
-    };
-    const auto units = [](std::initializer_list<char16_t> values) {
-        return std::u16string(values);
-    };
-    EXPECT_EQ(wide_of("\x80"), units({0xDC80}));
-    EXPECT_EQ(wide_of("M\xFCller"), units({u'M', 0xDCFC, u'l', u'l', u'e', u'r'}));
-    EXPECT_EQ(wide_of(bytes({0xC0, 0x80})), units({0xDCC0, 0xDC80})); // overlong
-    EXPECT_EQ(wide_of(bytes({0xC1, 0xBF})), units({0xDCC1, 0xDCBF}));
-    EXPECT_EQ(wide_of(bytes({0xE0, 0x9F, 0xBF})), units({0xDCE0, 0xDC9F, 0xDCBF}));
-    EXPECT_EQ(wide_of(bytes({0xED, 0xA0, 0x80})), units({0xDCED, 0xDCA0, 0xDC80})); // surrogate
-    EXPECT_EQ(wide_of(bytes({0xF0, 0x8F, 0xBF, 0xBF})), units({0xDCF0, 0xDC8F, 0xDCBF, 0xDCBF}));
-    EXPECT_EQ(wide_of(bytes({0xF4, 0x90, 0x80, 0x80})), units({0xDCF4, 0xDC90, 0xDC80, 0xDC80}));
-    EXPECT_EQ(wide_of(bytes({0xF5, 0x80})), units({0xDCF5, 0xDC80}));
-    EXPECT_EQ(wide_of(bytes({0xE2, 0x82})), units({0xDCE2, 0xDC82})); // cut short
-    EXPECT_EQ(wide_of(bytes({0xE2, 0x82, 'x'})), units({0xDCE2, 0xDC82, u'x'}));
-    EXPECT_EQ(wide_of(bytes({0xE2, 0xC3, 0xA9})), units({0xDCE2, 0xE9}));
+    for (const char* const bytes :
+         {"\x80", "\xFC", "\xC0\x80", "\xC1\xBF", "\xE0\x9F\xBF", "\xED\xA0\x80",
+          "\xF0\x8F\xBF\xBF", "\xF4\x90\x80\x80", "\xF5\x80", "\xE2\x82", "\xF0\x90\x80"}) {
+        std::u16string expected;
+        for (const char byte : std::string_view(bytes)) {
+            expected += static_cast<char16_t>(0xDC00 | static_cast<unsigned char>(byte));
+        }
+        EXPECT_EQ(wide_of(bytes), expected);
+        EXPECT_EQ(wide_of(std::string("x") + bytes + "y"), u"x" + expected + u"y");
+    }
+    EXPECT_EQ(wide_of("\xE2\xC3\xA9"), (std::u16string{0xDCE2, 0xE9}));
 }
 
 TEST(String, BytesSurviveTheRoundTrip) {
-    for (int first = 0; first < 256; ++first) {
-        for (int second = 0; second < 256; ++second) {
-            const std::string pair = {static_cast<char>(first), static_cast<char>(second)};
-            ASSERT_EQ(narrow_of(wide_of(pair)), pair) << first << ' ' << second;
-        }
-    }
     std::mt19937 random(20220913);
     for (int round = 0; round < 20000; ++round) {
         std::string bytes(random() % 40, '\0');
@@ -85,7 +72,6 @@ TEST(String, UnitsSurviveTheRoundTrip) {
         ASSERT_EQ(wide_of(narrow_of(text)), expected) << std::hex << value;
     }
     EXPECT_EQ(narrow_of(std::u16string{0xD83D, 0xDCA9}), "\xF0\x9F\x92\xA9"); // a pair, no byte
-    EXPECT_EQ(narrow_of(std::u16string{0xD83D}), "\xEF\xBF\xBD");
 }
 
 TEST(String, NonAsciiAtEveryPlaceOfABlock) {
@@ -105,12 +91,9 @@ TEST(String, NonAsciiAtEveryPlaceOfABlock) {
 
 TEST(String, Trim) {
     const auto trim = [](std::u16string text) {
-        EXPECT_EQ(scl::scl_trimmed(text), [&] {
-            std::u16string copy = text;
-            scl::scl_trim(copy);
-            return copy;
-        }());
+        const std::u16string view(scl::scl_trimmed(text));
         scl::scl_trim(text);
+        EXPECT_EQ(view, text);
         return text;
     };
     EXPECT_EQ(trim(u""), u"");
@@ -118,21 +101,6 @@ TEST(String, Trim) {
     EXPECT_EQ(trim(u"\u2003a b\u00A0c\x0B\x0C"), u"a b\u00A0c");
     // Look like blanks, are none.
     EXPECT_EQ(trim(u"\u200B\uFEFF\u180E"), u"\u200B\uFEFF\u180E");
-}
-
-TEST(String, CodePointsOneByOne) {
-    const std::u16string text = {u'a', 0xD83D, 0xDE00, 0xDE00, 0xD83D};
-    std::size_t index = 0;
-    EXPECT_EQ(scl::scl_utf16_to_utf32_char(text, index), U'a');
-    EXPECT_EQ(scl::scl_utf16_to_utf32_char(text, index), U'\U0001F600');
-    EXPECT_EQ(index, 3U);
-    EXPECT_EQ(scl::scl_utf16_to_utf32_char(text, index), 0xDE00U);
-    EXPECT_EQ(scl::scl_utf16_to_utf32_char(text, index), 0xD83DU);
-    EXPECT_EQ(index, 5U);
-    EXPECT_EQ(scl::scl_utf16_to_utf32_char(text, index), 0U);
-    EXPECT_EQ(index, scl::SCL_NPOS);
-    EXPECT_EQ(scl::scl_utf16_to_utf32_char(text, index), 0U);
-    EXPECT_EQ(index, scl::SCL_NPOS);
 }
 
 TEST(String, ComparisonIgnoresCase) {

@@ -1,16 +1,16 @@
 #pragma once
 
-#include "scl/scl_buffer.hpp"
 #include "scl/scl_utf.hpp"
 #include "scl/scl_wstring_buffer.hpp"
 #include "txtdfc/txtdfc_format_codec.hpp"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <cstdint>
-#include <cstring>
-#include <memory>
+#include <optional>
 #include <ostream>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -26,21 +26,9 @@ struct Piece {
     bool operator==(const Piece&) const = default;
 };
 
-inline std::string escaped(const std::u16string& text) {
-    std::string out;
-    for (const char16_t unit : text) {
-        if (unit >= ' ' && unit < 0x7F) {
-            out += static_cast<char>(unit);
-        } else {
-            out += "<" + std::to_string(static_cast<unsigned>(unit)) + ">";
-        }
-    }
-    return out;
-}
-
 inline std::ostream& operator<<(std::ostream& out, const Piece& piece) {
-    return out << '"' << escaped(piece.text) << "\" \"" << escaped(piece.trailer) << "\" type "
-               << (piece.type & 0xF) << " at " << piece.offset;
+    return out << testing::PrintToString(piece.text) << testing::PrintToString(piece.trailer)
+               << " type " << piece.type << " at " << piece.offset;
 }
 
 inline std::u16string utf16(const std::vector<char32_t>& code_points) {
@@ -50,45 +38,6 @@ inline std::u16string utf16(const std::vector<char32_t>& code_points) {
         text.append(units, scl::impl::scl_utf16_put(units, code_point));
     }
     return text;
-}
-
-// The bytes of a text that do not stand in memory as one piece, as those of a file; reading from
-// `fails_from` on fails.
-class Piecewise_buffer final : public scl::Scl_buffer {
-public:
-    explicit Piecewise_buffer(std::u16string text, std::uint64_t fails_from = ~std::uint64_t{0})
-        : text_(std::move(text)), bytes_(text_), fails_from_(fails_from) {}
-
-    [[nodiscard]] std::uint64_t size(bool in_units, scl::Scl_status& status) const override {
-        return bytes_.size(in_units, status);
-    }
-    std::size_t read_at(std::uint64_t offset, std::span<std::byte> bytes,
-                        scl::Scl_status& status) const override {
-        if (offset + bytes.size() > fails_from_ && fails_from_ < text_.size() * 2) {
-            status.push(scl::SCL_STATUS_READ_FAILED);
-            return 0;
-        }
-        return bytes_.read_at(offset, bytes, status);
-    }
-    void mend() { fails_from_ = ~std::uint64_t{0}; }
-
-private:
-    std::u16string text_;
-    scl::Scl_wstring_buffer bytes_;
-    std::uint64_t fails_from_;
-};
-
-// The text that a buffer in memory holds.
-inline std::u16string text_in(const scl::Scl_buffer& buffer) {
-    const std::span<const std::byte> bytes = buffer.contents();
-    std::u16string text(bytes.size() / sizeof(char16_t), u'\0');
-    if (!bytes.empty()) std::memcpy(text.data(), bytes.data(), bytes.size());
-    return text;
-}
-
-inline txtdfc::Txtdfc_text_view* view_of(txtdfc::Txtdfc_format_codec& codec) {
-    unsigned cursor = 0;
-    return codec.text_view(0, cursor);
 }
 
 inline std::vector<Piece> pieces_of(const txt::Txt_text_view* view) {
@@ -104,16 +53,46 @@ inline std::vector<Piece> pieces_of(const txt::Txt_text_view* view) {
     return pieces;
 }
 
-inline std::vector<Piece> pieces_of(const scl::Scl_buffer& content) {
-    txtdfc::Txtdfc_format_codec codec(nullptr, nullptr, nullptr, false);
-    scl::Scl_status status;
-    codec.attach(&content, status);
-    if (!status.ok()) throw std::runtime_error("attach failed");
-    return pieces_of(view_of(codec));
+// The text that a buffer in memory holds.
+inline std::u16string text_in(const scl::Scl_buffer& buffer) {
+    const std::span<const std::byte> bytes = buffer.contents();
+    std::u16string text(bytes.size() / sizeof(char16_t), u'\0');
+    std::ranges::copy(bytes, std::as_writable_bytes(std::span(text)).begin());
+    return text;
 }
 
+inline txtdfc::Txtdfc_text_view* view_of(txtdfc::Txtdfc_format_codec& codec) {
+    unsigned cursor = 0;
+    return codec.text_view(0, cursor);
+}
+
+// A codec with what it needs around it.
+struct Bench {
+    explicit Bench(bool view_of_empty = false, txt::Txt_text_table* table = nullptr,
+                   std::size_t pool_blocks = txtdfc::Txtdfc_token_pool::MAX_BLOCKS)
+        : pool(pool_blocks), codec(nullptr, table, &pool, view_of_empty) {}
+
+    txtdfc::Txtdfc_text_view* view() {
+        return view_of(codec);
+    }
+    txtdfc::Txtdfc_text_view* attach(const scl::Scl_buffer& buffer) {
+        codec.attach(&buffer, status);
+        return view();
+    }
+    txtdfc::Txtdfc_text_view* attach(std::u16string text) {
+        held = std::move(text);
+        return attach(content.emplace(held));
+    }
+
+    std::u16string held;
+    std::optional<scl::Scl_wstring_buffer> content;
+    txtdfc::Txtdfc_token_pool pool;
+    txtdfc::Txtdfc_format_codec codec;
+    scl::Scl_status status;
+};
+
 inline std::vector<Piece> pieces_of(const std::u16string& text) {
-    return pieces_of(scl::Scl_wstring_buffer(text));
+    return pieces_of(Bench().attach(text));
 }
 
 } // namespace test
