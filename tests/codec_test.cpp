@@ -216,17 +216,6 @@ std::vector<Piece> build_by_script(std::vector<unsigned> script) {
     return build_with(tokeniser, u"ab");
 }
 
-TEST(ViewBuilder, DoesWhatTheTokeniserAsks) {
-    const std::uint32_t untouched = 0x1000001;
-    EXPECT_EQ(build_by_script({0, 2, 1, 3, 4, 0, 4}),
-              (std::vector<Piece>{{u"a", u"", untouched, 0}, {u"b", u"", untouched, 2}}));
-    // A checkpoint at b; at the end back to it.
-    EXPECT_EQ(build_by_script({0, 2, 1, 3, 4, 0, 5}),
-              (std::vector<Piece>{{u"a", u"b", untouched, 0}}));
-    EXPECT_EQ(build_by_script({0, 1, 5}), (std::vector<Piece>{{u"", u"ab", untouched, 0}}));
-    EXPECT_EQ(build_by_script({0, 9, 7, 6}), (std::vector<Piece>{}));
-}
-
 TEST(ViewBuilder, RefusesATokeniserThatBreaksItsContract) {
     const std::string fault = "logic: Txtdfc_format_codec::create_text_view() - ";
     for (const std::vector<unsigned>& script :

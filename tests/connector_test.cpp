@@ -132,7 +132,7 @@ TEST(Connector, ClosedAnswersNothing) {
 
 TEST(Connector, BlockSizesFollowTheNumberOfPairs) {
     struct Limit {
-        std::uint64_t pairs; // the most in blocks of this size
+        std::uint32_t pairs; // the most in blocks of this size
         std::size_t size;
     };
     for (const auto& [pairs, size] :

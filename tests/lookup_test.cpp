@@ -63,10 +63,6 @@ private:
     std::size_t pairs_ = 0;
 };
 
-std::vector<std::string> texts(std::size_t count, std::string_view text) {
-    return std::vector<std::string>(count, std::string(text));
-}
-
 TEST(Lookup, FindsEveryValueAndNoOther) {
     constexpr int COUNT = 10000; // three blocks
     Rows rows;
@@ -133,7 +129,7 @@ TEST(Lookup, ReadsOnEightBytesLaterAfterAnotherValueOfTheHash) {
 
 TEST(Lookup, LooksIntoThePreviousBlockOnlyWhenTheFirstPairIsAnotherValue) {
     for (const std::string third : {"x", "other"}) {
-        std::vector<std::string> all = texts(BLOCK + 2, "x");
+        std::vector<std::string> all(BLOCK + 2, "x");
         all[2] = third;
         Table table(all);
         table.fill(BLOCK + 2);
@@ -148,7 +144,7 @@ TEST(Lookup, LooksIntoThePreviousBlockOnlyWhenTheFirstPairIsAnotherValue) {
 }
 
 TEST(Lookup, RunsOnPastTheBlocksEndWhileOtherValuesOfTheHashFollow) {
-    std::vector<std::string> all = texts(BLOCK + 3, "y");
+    std::vector<std::string> all(BLOCK + 3, "y");
     all.back() = "x";
     Table table(all);
     table.fill(BLOCK);
