@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -21,7 +20,10 @@ public:
     struct Pair {
         std::uint64_t hash = 0;
         std::uint64_t offset = 0;
-        auto operator<=>(const Pair&) const = default;
+        bool operator==(const Pair&) const = default;
+        bool operator<(const Pair& other) const {
+            return hash != other.hash ? hash < other.hash : offset < other.offset;
+        }
     };
     struct Table {
         std::string name;
