@@ -72,9 +72,7 @@ struct Bench {
                    std::size_t pool_blocks = txtdfc::Txtdfc_token_pool::MAX_BLOCKS)
         : pool(pool_blocks), codec(nullptr, table, &pool, view_of_empty) {}
 
-    txtdfc::Txtdfc_text_view* view() {
-        return view_of(codec);
-    }
+    txtdfc::Txtdfc_text_view* view() { return view_of(codec); }
     txtdfc::Txtdfc_text_view* attach(const scl::Scl_buffer& buffer) {
         codec.attach(&buffer, status);
         return view();
