@@ -7,7 +7,7 @@ here=$(cd "$(dirname "$0")" && pwd)
 program=$here/build/run/src/driver/dsmake
 {
     cmake -S "$here" -B "$here/build/run" -G Ninja -DCMAKE_BUILD_TYPE=Release
-    cmake --build "$here/build/run" --target dsmake
+    cmake --build "$here/build/run"
 } >"$here/build-log.txt" 2>&1 || { cat "$here/build-log.txt" >&2; exit 1; }
 rm -f "$here/build-log.txt"
 if [ $# -gt 0 ]; then
