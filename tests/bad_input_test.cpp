@@ -166,7 +166,9 @@ TEST_F(Bad_input, MemoryExhaustedUnwinds) {
 #if defined(__SANITIZE_ADDRESS__)
     GTEST_SKIP() << "the sanitizer reserves more address space than the limit leaves";
 #else
-    place.write("in", std::string(60000000, 'a') + "\tx\n");
+    std::string line = "\tx\n";
+    line.insert(0, 60000000, 'a');
+    place.write("in", line);
     const Outcome outcome =
         place.shell("ulimit -v 150000; $DSMAKE -s 'A,Simple;B,Simple' -k B -i in -o out");
     EXPECT_EQ(outcome.exit_status, FAULT);

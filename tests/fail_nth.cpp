@@ -24,7 +24,8 @@ bool fails(int error) {
     ++count;
     const bool failing = on ? count >= std::atol(at) : count == std::atol(at);
     if (failing) {
-        static const int reported = ::creat(std::getenv("FAIL_REPORT"), 0600);
+        static const char* const report = std::getenv("FAIL_REPORT");
+        static const int reported = report != nullptr ? ::creat(report, 0600) : -1;
         (void)reported;
         errno = error;
     }

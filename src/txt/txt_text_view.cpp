@@ -181,7 +181,8 @@ bool Txt_text_view::purge() {
 }
 
 char32_t Txt_text_view::get_redaction_character() const {
-    return extras_ != nullptr ? extras_->redaction_character : TXT_REDACTION_CHARACTER;
+    const Txt_view_extras* const extras = extras_.get();
+    return extras ? extras->redaction_character : TXT_REDACTION_CHARACTER;
 }
 
 void Txt_text_view::set_redaction_character(char32_t character) {
