@@ -1,17 +1,15 @@
-#include "records/field_token_writer.hpp"
 #include "sample_text.hpp"
+#include "txtdfc/txtdfc_token_values.hpp"
 
 #include <benchmark/benchmark.h>
 
 namespace {
 
-// A value through the codec: attach, view, the CRC of each token.
+// What a field costs from its formatted value on.
 void token_values(benchmark::State& state, std::u16string_view text) {
-    tla::Field_token_writer writer;
     std::vector<std::uint64_t> values;
-    scl::Scl_status status;
     for (auto _ : state) {
-        benchmark::DoNotOptimize(writer.collect(text, values, status));
+        benchmark::DoNotOptimize(txtdfc::txtdfc_token_values(text, values));
         benchmark::DoNotOptimize(values.data());
     }
     state.counters["tokens"] = static_cast<double>(values.size());

@@ -1,8 +1,8 @@
 #include "data_set_files.hpp"
-#include "records/field_token_writer.hpp"
 #include "records/tla_status_codes.hpp"
 #include "scl/scl_heap_buffer.hpp"
 #include "tla/scrambling.hpp"
+#include "txtdfc/txtdfc_token_values.hpp"
 
 #include <gtest/gtest.h>
 
@@ -18,10 +18,8 @@ const std::string SCHEMA = "Name,SimpleNC;Card,CCNUMBER";
 const Values NONE = {77}; // what the tests make of a field that gives no values
 
 Values tokens_of(std::u16string_view text) {
-    tla::Field_token_writer writer;
-    scl::Scl_status status;
     Values values;
-    (void)writer.collect(text, values, status);
+    (void)txtdfc::txtdfc_token_values(text, values);
     return values;
 }
 

@@ -24,9 +24,14 @@ public:
         if (stream_) detach();
         const std::span<const std::byte> contents = buffer.contents();
         if (contents.empty()) return attach_stream(buffer, status, at_end);
-        set_window(contents, 0);
-        size_ = contents.size();
+        attach(contents);
         if (at_end) at_ = end_;
+    }
+    // The same for bytes in memory, which cannot fail, from their front.
+    void attach(std::span<const std::byte> bytes) {
+        if (stream_) detach();
+        set_window(bytes, 0);
+        size_ = bytes.size();
     }
     // Without effect on a reader that is not attached.
     void detach();

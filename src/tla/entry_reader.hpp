@@ -27,7 +27,6 @@ public:
     [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file> read_stored(std::int64_t record_offset,
                                                                        scl::Scl_status& status);
 
-    [[nodiscard]] Field_token_writer& tokeniser() { return source_.tokeniser(); }
     // For key tables; kept so that a lookup need not make one.
     [[nodiscard]] scl::Scl_buffered_istream& pairs() { return pairs_; }
 

@@ -4,19 +4,18 @@
 #include "records/tla_status_codes.hpp"
 #include "scl/scl_crc64.hpp"
 #include "scl/scl_endian.hpp"
+#include "txtdfc/txtdfc_token_values.hpp"
 
 #include <string>
 
 namespace tla {
 
 void tokenise_key_value(std::u16string_view value, const Formatter_type_id& type,
-                        Field_token_writer& tokeniser, std::vector<std::uint64_t>& values,
-                        scl::Scl_status& status) {
+                        std::vector<std::uint64_t>& values, scl::Scl_status& status) {
     const auto formatter = create_formatter(type);
     std::u16string formatted;
     if (formatter != nullptr) formatter->format(value, formatted, false);
-    const bool has_tokens = tokeniser.collect(formatted, values, status);
-    if (!has_tokens && !status.has_failed()) status.push(TLA_STATUS_NO_TOKENS);
+    if (!txtdfc::txtdfc_token_values(formatted, values)) status.push(TLA_STATUS_NO_TOKENS);
 }
 
 std::uint64_t key_hash(std::span<const std::uint64_t> values) {

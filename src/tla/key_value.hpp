@@ -1,7 +1,7 @@
 #pragma once
 
-#include "records/field_token_writer.hpp"
 #include "records/formatter_type_id.hpp"
+#include "scl/scl_status.hpp"
 
 #include <cstdint>
 #include <span>
@@ -14,8 +14,7 @@ namespace tla {
 // unlike a record's, it is not trimmed. Pushes TLA_STATUS_NO_TOKENS when nothing is left of it, and
 // for a type that nobody knows.
 void tokenise_key_value(std::u16string_view value, const Formatter_type_id& type,
-                        Field_token_writer& tokeniser, std::vector<std::uint64_t>& values,
-                        scl::Scl_status& status);
+                        std::vector<std::uint64_t>& values, scl::Scl_status& status);
 
 // The key hash of a field with these token values, as key tables of version 2 hold it: the CRC-64
 // of their bytes in the records' order.

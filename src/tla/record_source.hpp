@@ -1,6 +1,5 @@
 #pragma once
 
-#include "records/field_token_writer.hpp"
 #include "scl/scl_buffered_istream.hpp"
 
 namespace tla {
@@ -14,12 +13,10 @@ public:
 
     // The stream, standing at the offset. For operations that are given a status.
     [[nodiscard]] scl::Scl_buffered_istream& stream_at(std::uint64_t offset);
-    [[nodiscard]] Field_token_writer& tokeniser() { return tokeniser_; }
 
 private:
     scl::Scl_status attach_status_; // never set: attaching does not fail
     scl::Scl_buffered_istream stream_;
-    Field_token_writer tokeniser_;
 };
 
 } // namespace tla

@@ -5,6 +5,7 @@
 #include "tla/data_set_layout.hpp"
 #include "tla/record_source.hpp"
 #include "tla/scrambling.hpp"
+#include "txtdfc/txtdfc_token_values.hpp"
 
 #include <algorithm>
 #include <utility>
@@ -75,7 +76,7 @@ void Tla_data_set_entry_file::read(scl::Scl_status& status) {
 
 void Tla_data_set_entry_file::read(Record_source& source, scl::Scl_status& status) {
     read_stored(source, status);
-    if (version_ == VERSION_WITH_TEXTS) tokenise_texts(source.tokeniser(), status);
+    if (version_ == VERSION_WITH_TEXTS && !status.has_failed()) tokenise_texts();
 }
 
 void Tla_data_set_entry_file::read_stored(Record_source& source, scl::Scl_status& status) {
@@ -137,15 +138,11 @@ std::size_t Tla_data_set_entry_file::take_texts(std::span<const std::byte> bytes
     return taken;
 }
 
-void Tla_data_set_entry_file::tokenise_texts(Field_token_writer& tokeniser,
-                                             scl::Scl_status& status) {
+void Tla_data_set_entry_file::tokenise_texts() {
     std::u16string wide;
-    std::vector<std::uint64_t> values;
     for (const std::string& text : texts_) {
-        if (status.has_failed()) return;
         scl::scl_stow(text, wide);
-        (void)tokeniser.collect(wide, values, status);
-        if (!status.has_failed()) token_lists_.push_back(values);
+        (void)txtdfc::txtdfc_token_values(wide, token_lists_.emplace_back()); // without text, none
     }
 }
 

@@ -13,7 +13,6 @@ class Scl_buffered_istream;
 
 namespace tla {
 
-class Field_token_writer;
 class Record_source;
 
 // A record read from a file of either version. Comes from a connector, which must outlive it.
@@ -21,7 +20,7 @@ class Record_source;
 // Reading pushes TLA_STATUS_RECORD_END when a record of version 2 does not end with 0x00, sets
 // TLA_STATUS_VALUE_COUNT when one of version 1 has more or fewer texts than the file has fields,
 // and leaves SCL_STATUS_END_OF_DATA or SCL_STATUS_READ_FAILED as the file reports them. A text of
-// version 1 with more tokens than a pool holds throws std::runtime_error.
+// version 1 with more tokens than there may be throws std::runtime_error.
 class Tla_data_set_entry_file final : public Tla_data_set_entry_base {
 public:
     // Offsets in bytes from the start of the file; `data_start` is that of the first record.
@@ -54,7 +53,7 @@ private:
     void read_texts(scl::Scl_buffered_istream& in, scl::Scl_status& status);
     [[nodiscard]] std::size_t take_texts(std::span<const std::byte> bytes, std::uint64_t position,
                                          std::string& text, bool& ended);
-    void tokenise_texts(Field_token_writer& tokeniser, scl::Scl_status& status);
+    void tokenise_texts();
 
     const scl::Scl_buffer& file_;
     const std::vector<Field_descriptor>& fields_;

@@ -1,6 +1,7 @@
 #include "txt/txt_physical_token.hpp"
 
 #include "txt/txt_text_view.hpp"
+#include "txt/txt_token_value.hpp"
 
 namespace txt {
 
@@ -38,7 +39,7 @@ void Txt_physical_token::position(std::size_t position) {
 }
 
 std::uint64_t Txt_physical_token::crc(Txt_text_form form) const {
-    return form == Txt_text_form::whole ? crc_of(text_) : Txt_token::crc(form);
+    return form == Txt_text_form::whole ? txt_token_value(text_) : Txt_token::crc(form);
 }
 
 std::u16string_view Txt_physical_token::text_entry() const {

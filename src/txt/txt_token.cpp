@@ -1,6 +1,7 @@
 #include "txt/txt_token.hpp"
 
 #include "txt/txt_text_view.hpp"
+#include "txt/txt_token_value.hpp"
 #include "txt/txt_visible_text.hpp"
 
 #include <string>
@@ -26,7 +27,7 @@ bool Txt_token::overlaps(const Txt_token& other) const {
 
 std::uint64_t Txt_token::crc(Txt_text_form form) const {
     const std::u16string_view whole = text_entry();
-    return form == Txt_text_form::whole ? crc_of(whole) : crc_of(txt_visible_text(whole));
+    return txt_token_value(form == Txt_text_form::whole ? whole : txt_visible_text(whole));
 }
 
 const char16_t* Txt_token::text(Txt_text_form form) const {

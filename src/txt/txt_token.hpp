@@ -1,6 +1,5 @@
 #pragma once
 
-#include "scl/scl_crc64.hpp"
 #include "txt/txt_text_form.hpp"
 
 #include <cstddef>
@@ -45,8 +44,8 @@ public:
     [[nodiscard]] virtual bool contains(const Txt_token& other) const;
     [[nodiscard]] virtual bool overlaps(const Txt_token& other) const;
 
-    // CRC-64/XZ over the text's 16-bit units, little-endian, without a terminator; 0 for the empty
-    // text. In form `whole` this is the token's value in a data set file.
+    // The value of the text in that form (txt_token_value); in form `whole` it is what a data set
+    // file holds of the token.
     [[nodiscard]] virtual std::uint64_t crc(Txt_text_form form) const;
 
     // Zero-terminated. A text may itself hold a zero: text_entry() knows where it really ends.
@@ -92,13 +91,6 @@ public:
 
 protected:
     Txt_token() = default;
-
-    // The value of a text; see crc().
-    [[nodiscard]] static std::uint64_t crc_of(std::u16string_view text) {
-        if (text.empty()) return 0;
-        return scl::Scl_crc64::calculate(text.data(), text.size() * sizeof(char16_t),
-                                         scl::Scl_crc64::INITIAL);
-    }
 };
 
 } // namespace txt

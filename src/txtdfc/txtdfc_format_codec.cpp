@@ -4,7 +4,8 @@
 #include "scl/scl_heap_buffer.hpp"
 #include "txt/txt_tokeniser.hpp"
 #include "txtdfc/txtdfc_content_analyser.hpp"
-#include "txtdfc/txtdfc_view_builder.hpp"
+#include "txtdfc/txtdfc_token_reader.hpp"
+#include "txtdfc/txtdfc_view_filler.hpp"
 
 #include <exception>
 #include <new>
@@ -14,8 +15,6 @@
 namespace txtdfc {
 
 namespace {
-
-constexpr char32_t BYTE_ORDER_MARK = 0xFEFF;
 
 bool is_granted(const dfc::Dfc_facet_set* requested, const dfc::Dfc_facet_id& id) {
     return requested == nullptr || requested->contains(id);
@@ -72,7 +71,7 @@ void Txtdfc_format_codec::analyse(scl::Scl_status& status) {
     ends_with_line_end_ = false;
     if (!reading_.ok()) reading_.clear();
     reader_.attach(*content_, reading_, false);
-    const bool has_mark = reader_.read() == BYTE_ORDER_MARK;
+    const bool has_mark = reader_.read() == cerc::Cerc_reader_base::BYTE_ORDER_MARK;
     if (!reading_.ok()) return status.push_top(reading_);
     if (has_mark) content_start_ = reader_.tell();
     content_end_ = reader_.size();
@@ -117,7 +116,8 @@ void Txtdfc_format_codec::fill_view() {
         txt::Txt_tokeniser tokeniser;
         reader_.seek(content_start_, reading_);
         view.start_content();
-        Txtdfc_view_builder(reader_, tokeniser, view, pool()).build(reading_);
+        Txtdfc_view_filler filler(view, pool());
+        Txtdfc_token_reader(reader_, tokeniser, view.text_store(), filler).read_all(reading_);
         view.end_content();
     } catch (...) {
         view_.reset();

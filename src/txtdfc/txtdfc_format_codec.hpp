@@ -39,8 +39,7 @@ public:
     // how the content could be read: what its buffer reports, SCL_STATUS_NO_MEMORY, or
     // SCL_STATUS_EXCEPTION with the exception's message, or SCL_STATUS_UNKNOWN_EXCEPTION.
     //
-    // A pool of the caller's counts the tokens of all values, until the caller rewinds it: between
-    // attach(), which destroys the old tokens, and text_view(), which makes new ones.
+    // A pool counts the tokens of all values that were attached.
     void attach(const scl::Scl_buffer* content, scl::Scl_status& status) override;
 
     // The one view, at index 0 and cursor 0; null for any other, and when the content has no text.
