@@ -25,24 +25,27 @@ private:
 };
 
 // First name, surname and card number from text to token values.
-void record(benchmark::State& state, std::u16string_view first, std::u16string_view surname) {
+void whole_record(benchmark::State& state, std::u16string_view first, std::u16string_view surname) {
     const std::vector<tla::Formatter_type_id> types = {
         tla::formatter_type_id_from_name("Simple"), tla::formatter_type_id_from_name("SimpleNC"),
         tla::formatter_type_id_from_name("CCNUMBER")};
     const std::vector<std::uint64_t> keys = {1};
-    const std::vector<std::u16string_view> fields = {first, surname, u"4111-1111-1111-1111"};
+    const std::vector<std::u16string> fields = {std::u16string(first), std::u16string(surname),
+                                                u"4111-1111-1111-1111"};
+    std::vector<std::u16string> record;
     tla::Record_processor processor(types, keys);
     scl::Scl_status status;
     Discarding_buffer buffer;
     scl::Scl_ostream out(buffer, status, scl::Scl_eol::none);
     for (auto _ : state) {
-        processor.process(fields, out, status);
+        record = fields;
+        processor.process(record, out, status);
     }
     if (!status.ok()) state.SkipWithError("a record was refused");
     state.SetItemsProcessed(state.iterations());
 }
-BENCHMARK_CAPTURE(record, ascii, u"George", bench::WORD);
-BENCHMARK_CAPTURE(record, accented, u"Ren\u00E9e", bench::ACCENTED);
-BENCHMARK_CAPTURE(record, mixed_scripts, bench::CYRILLIC, bench::MIXED_SCRIPTS);
+BENCHMARK_CAPTURE(whole_record, ascii, u"George", bench::WORD);
+BENCHMARK_CAPTURE(whole_record, accented, u"Ren\u00E9e", bench::ACCENTED);
+BENCHMARK_CAPTURE(whole_record, mixed_scripts, bench::CYRILLIC, bench::MIXED_SCRIPTS);
 
 } // namespace

@@ -48,9 +48,8 @@ std::string version2(std::string_view schema, const Keys& keys, const Rows& rows
     scl::Scl_heap_buffer records;
     scl::Scl_ostream out(records, status, scl::Scl_eol::none);
     for (const auto& row : rows) {
-        const std::vector<std::u16string> texts = all_wide(row);
-        processor.process(std::vector<std::u16string_view>(texts.begin(), texts.end()), out,
-                          status);
+        std::vector<std::u16string> texts = all_wide(row);
+        processor.process(texts, out, status);
     }
     out.detach(status);
     scl::Scl_heap_buffer file;

@@ -7,7 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <optional>
+#include <memory>
 #include <span>
 
 namespace cerc {
@@ -98,7 +98,7 @@ private:
     std::uint64_t end_offset_ = 0; // where in the data the window ends
     std::uint64_t size_ = 0;
     scl::Scl_status* status_ = nullptr;
-    std::optional<scl::Scl_buffered_istream> stream_; // of a buffer that does not lie in memory
+    std::unique_ptr<scl::Scl_buffered_istream> stream_; // of a buffer that is not in memory
 };
 
 } // namespace cerc

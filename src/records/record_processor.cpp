@@ -23,7 +23,7 @@ Record_processor::Record_processor(std::span<const Formatter_type_id> types,
     }
 }
 
-void Record_processor::process(std::span<const std::u16string_view> fields, scl::Scl_ostream& out,
+void Record_processor::process(std::span<std::u16string> fields, scl::Scl_ostream& out,
                                scl::Scl_status& status) {
     if (fields.empty() || fields.size() != columns_.size()) return;
     for (std::size_t i = 0; i < fields.size() && !status.has_failed(); ++i) {
@@ -34,14 +34,14 @@ void Record_processor::process(std::span<const std::u16string_view> fields, scl:
     }
 }
 
-void Record_processor::process_field(const Column& column, std::u16string_view field,
+void Record_processor::process_field(const Column& column, std::u16string& field,
                                      scl::Scl_ostream& out, scl::Scl_status& status) {
     const std::u16string_view value = scl::scl_trimmed(field);
     if (value.empty() && column.is_key) {
         status.push(TLA_STATUS_EMPTY_KEY);
     } else if (column.formatter != nullptr) {
-        column.formatter->format(value, formatted_, false);
-        token_writer_.write(formatted_, out, status);
+        column.formatter->format(value, field, false);
+        token_writer_.write(field, out, status);
     }
 }
 

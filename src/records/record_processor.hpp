@@ -23,10 +23,10 @@ public:
 
     [[nodiscard]] std::size_t column_count() const { return columns_.size(); }
 
-    // Does nothing when the number of fields is not that of the columns. Pushes
-    // TLA_STATUS_EMPTY_KEY for a key field that is empty after trimming, and stops there.
-    void process(std::span<const std::u16string_view> fields, scl::Scl_ostream& out,
-                 scl::Scl_status& status);
+    // The fields are formatted in their places. Does nothing when their number is not that of the
+    // columns. Pushes TLA_STATUS_EMPTY_KEY for a key field that is empty after trimming, and stops
+    // there.
+    void process(std::span<std::u16string> fields, scl::Scl_ostream& out, scl::Scl_status& status);
 
 private:
     struct Column {
@@ -34,12 +34,11 @@ private:
         bool is_key = false;
     };
 
-    void process_field(const Column& column, std::u16string_view field, scl::Scl_ostream& out,
+    void process_field(const Column& column, std::u16string& field, scl::Scl_ostream& out,
                        scl::Scl_status& status);
 
     std::vector<Column> columns_;
     Field_token_writer token_writer_;
-    std::u16string formatted_;
 };
 
 } // namespace tla

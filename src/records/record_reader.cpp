@@ -26,6 +26,7 @@ bool is_delimiter(std::byte byte) {
 
 // Sixteen bytes side by side.
 using Block [[gnu::vector_size(16)]] = std::uint8_t;
+using Halves [[gnu::vector_size(16)]] = std::uint64_t;
 
 Block all(std::byte byte) {
     return Block{} + std::to_integer<std::uint8_t>(byte);
@@ -35,7 +36,7 @@ Block all(std::byte byte) {
 std::size_t find_delimiter(const Block& block) {
     const auto hits = (block == all(FIELD_SEPARATOR)) | (block == all(LINE_FEED)) |
                       (block == all(CARRIAGE_RETURN)) | (block == all(BYTE_ORDER_MARK.front()));
-    const auto halves = std::bit_cast<std::array<std::uint64_t, 2>>(hits);
+    const auto halves = std::bit_cast<Halves>(hits);
     const int bits =
         halves[0] != 0 ? std::countr_zero(halves[0]) : 64 + std::countr_zero(halves[1]);
     return static_cast<std::size_t>(bits) / 8;

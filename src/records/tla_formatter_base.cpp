@@ -12,7 +12,11 @@ void Tla_formatter_base::copy_normalised(std::u16string_view input, std::u16stri
         scl::scl_normalize(input, output, status);
         if (!status.has_failed()) return;
     }
-    if (output.data() != input.data()) output = input;
+    if (output.data() == input.data()) {
+        output.resize(input.size());
+    } else {
+        output = input;
+    }
 }
 
 } // namespace tla

@@ -10,15 +10,6 @@ void Scl_buffered_istream::init(const Scl_buffer& buffer, bool at_end, Scl_statu
     attach(buffer, at_end, status);
 }
 
-std::span<const std::byte> Scl_buffered_istream::window(Scl_status& status) {
-    return window(1, status);
-}
-
-std::span<const std::byte> Scl_buffered_istream::window(std::size_t count, Scl_status& status) {
-    if (at_hand() < count && !status.has_failed()) refill(count, status);
-    return bytes_at_hand();
-}
-
 // Loads the window anew from the position on, what is left of the old one included.
 void Scl_buffered_istream::refill(std::size_t wanted, Scl_status& status) {
     const std::uint64_t position = tell();

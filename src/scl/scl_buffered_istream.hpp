@@ -26,10 +26,15 @@ public:
 
     // The bytes at hand from the position on, read in first when there are none; empty only at the
     // end and after a failure. Valid until the next operation but skip.
-    [[nodiscard]] std::span<const std::byte> window(Scl_status& status);
+    [[nodiscard]] std::span<const std::byte> window(Scl_status& status) {
+        return window(1, status);
+    }
     // The same with at least `count` bytes, or with all that are left. For counts up to
     // WINDOW_BYTES.
-    [[nodiscard]] std::span<const std::byte> window(std::size_t count, Scl_status& status);
+    [[nodiscard]] std::span<const std::byte> window(std::size_t count, Scl_status& status) {
+        if (at_hand() < count && !status.has_failed()) refill(count, status);
+        return bytes_at_hand();
+    }
     // Steps over bytes of the window.
     void skip(std::size_t count) { (void)take(count); }
 

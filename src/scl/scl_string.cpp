@@ -127,8 +127,8 @@ void scl_string_append(std::string& narrow, std::u16string_view wide) {
 }
 
 void scl_stow(std::string_view narrow, std::u16string& wide) {
-    wide.clear();
-    scl_string_append(wide, narrow);
+    wide.resize(narrow.size());
+    wide.resize(scl_convert(narrow, wide.data()));
 }
 
 void scl_wtos(std::u16string_view wide, std::string& narrow, bool replace) {

@@ -45,7 +45,6 @@ void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_
     Record_allowance allowance(old_file.file_size(), path);
     Record_processor processor(types_of(fields), {});
     std::vector<std::u16string> texts(fields.size());
-    std::vector<std::u16string_view> values(fields.size());
     for (const std::int64_t offset : offsets) {
         if (status.has_failed()) return;
         const auto entry = old_file.read_stored_entry(offset, status);
@@ -53,8 +52,7 @@ void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_
         gather_texts(*entry, fields, texts, status);
         allowance.take(entry->record_size(), status);
         if (status.has_failed()) return;
-        std::ranges::copy(texts, values.begin());
-        processor.process(values, out, status);
+        processor.process(texts, out, status);
     }
 }
 

@@ -34,38 +34,59 @@ std::uint8_t bits_of(char16_t unit) {
     return scl::impl::SCL_UNICODE_BIT_TABLE[unit];
 }
 
-// Units side by side. Signed, which is what processors compare in one step: units from U+8000 on
-// are negative then and so, as they should be, in none of the ranges.
-constexpr std::size_t LANES = 8;
-using Units [[gnu::vector_size(LANES * UNIT_BYTES)]] = std::int16_t;
+// Units side by side; words are short, so there is a smaller number for the small ones. Signed,
+// which is what processors compare in one step: units from U+8000 on are negative then and so, as
+// they should be, in none of the ranges.
+constexpr std::size_t LARGE = 8;
+constexpr std::size_t SMALL = 4;
+using Large_block [[gnu::vector_size(LARGE * UNIT_BYTES)]] = std::int16_t;
+using Small_block [[gnu::vector_size(SMALL * UNIT_BYTES)]] = std::int16_t;
 
-// How many lanes, from the first on, hold ASCII letters, digits or underscores: all run units.
-std::size_t leading_word_lanes(const Units& units) {
-    const Units folded = units | 0x20;
-    const auto word =
-        ((folded >= 'a') & (folded <= 'z')) | ((units >= '0') & (units <= '9')) | (units == '_');
-    const auto halves = std::bit_cast<std::array<std::uint64_t, 2>>(word);
+std::size_t leading_lanes(const Small_block& mask) {
+    return static_cast<std::size_t>(std::countr_one(std::bit_cast<std::uint64_t>(mask))) / 16;
+}
+
+std::size_t leading_lanes(const Large_block& mask) {
+    using Halves [[gnu::vector_size(sizeof mask)]] = std::uint64_t;
+    const auto halves = std::bit_cast<Halves>(mask);
     const int low = std::countr_one(halves[0]);
     const int bits = low < 64 ? low : 64 + std::countr_one(halves[1]);
     return static_cast<std::size_t>(bits) / 16;
 }
 
-// Copies leading ASCII run units in blocks, as far as whole ones are there, and returns how many.
+// Copies a block. Returns how many units, from the first on, are ASCII letters, digits or
+// underscores: all run units.
+template <class Block>
+std::size_t copy_block(const std::byte* from, char16_t* to) {
+    Block units;
+    std::memcpy(&units, from, sizeof units);
+    std::memcpy(to, &units, sizeof units);
+    const Block folded = units | 0x20;
+    const Block word =
+        ((folded >= 'a') & (folded <= 'z')) | ((units >= '0') & (units <= '9')) | (units == '_');
+    return leading_lanes(word);
+}
+
+// Copies leading ASCII run units in blocks, the last of which may overlap the one before, and
+// returns how many. There may be more, but not after a block that holds something else.
+template <class Block>
 std::size_t copy_ascii_run(const std::byte* from, std::size_t limit, char16_t* to) {
+    constexpr std::size_t SIZE = sizeof(Block) / UNIT_BYTES;
     std::size_t count = 0;
-    std::size_t lanes = LANES;
-    for (; lanes == LANES && limit - count >= LANES; count += lanes) {
-        Units units;
-        std::memcpy(&units, from + count * UNIT_BYTES, sizeof units);
-        std::memcpy(to + count, &units, sizeof units);
-        lanes = leading_word_lanes(units);
+    while (limit - count >= SIZE) {
+        const std::size_t lanes = copy_block<Block>(from + count * UNIT_BYTES, to + count);
+        count += lanes;
+        if (lanes != SIZE) return count;
     }
-    return count;
+    if (count == 0 || count == limit) return count;
+    const std::size_t last = limit - SIZE;
+    return last + copy_block<Block>(from + last * UNIT_BYTES, to + last);
 }
 
 // Copies the leading run units, `limit` at most, and returns how many there are.
 std::size_t copy_run(const std::byte* from, std::size_t limit, char16_t* to) {
-    std::size_t count = copy_ascii_run(from, limit, to);
+    std::size_t count = limit < LARGE ? copy_ascii_run<Small_block>(from, limit, to)
+                                      : copy_ascii_run<Large_block>(from, limit, to);
     for (; count < limit; ++count) {
         const auto unit = scl::scl_load_le<char16_t>(from + count * UNIT_BYTES);
         if (!RUN_UNITS[bits_of(unit)]) break;
