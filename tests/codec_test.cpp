@@ -4,6 +4,7 @@
 #include "txt/txt_tokeniser.hpp"
 #include "txtdfc/dff_annotation_facet.hpp"
 #include "txtdfc/txtdfc_token_reader.hpp"
+#include "txtdfc/txtdfc_token_values.hpp"
 #include "txtdfc/txtdfc_view_filler.hpp"
 
 #include <gtest/gtest.h>
@@ -159,6 +160,30 @@ TEST(Codec, ContentReadInWindowsHasTheSameTokens) {
     const test::Piecewise_buffer content(whole);
     Bench bench;
     EXPECT_EQ(test::pieces_of(bench.attach(content)), test::pieces_of(text));
+}
+
+TEST(TokenValues, AreThoseOfTheView) {
+    std::mt19937 random(8);
+    const std::u16string alphabet =
+        u"abcdeXYZ12_.'\", \n\u0308\u200D\u05D0\u231A\uFEFF\u000B\u3000";
+    for (int round = 0; round < 20000; ++round) {
+        std::u16string text;
+        for (std::size_t length = random() % 24; length > 0; --length) {
+            text += alphabet[random() % alphabet.size()];
+        }
+        if (round % 50 == 0) text.insert(0, 600, u'w');
+        Bench bench;
+        const txtdfc::Txtdfc_text_view* const view = bench.attach(text);
+        std::vector<std::uint64_t> expected;
+        if (view != nullptr) {
+            for (auto token = view->cbegin(); token != view->cend(); ++token) {
+                expected.push_back(token->crc(Txt_text_form::whole));
+            }
+        }
+        std::vector<std::uint64_t> values = {99};
+        ASSERT_EQ(txtdfc::txtdfc_token_values(text, values), view != nullptr);
+        ASSERT_EQ(values, expected) << testing::PrintToString(text);
+    }
 }
 
 TEST(TokenPool, LimitCountsAllTokensEverMade) {

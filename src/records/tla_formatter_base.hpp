@@ -19,8 +19,8 @@ public:
     [[nodiscard]] virtual const std::string& name() const = 0;
     [[nodiscard]] virtual Formatter_type_id type_id() const = 0;
 
-    // Replaces `output`, of which `input` may view a part. `raw` leaves out the normalisation to NFC; a value
-    // that is not well-formed UTF-16 is never normalised.
+    // Replaces `output`, of which `input` may view a part. `raw` leaves out the normalisation to
+    // NFC; a value that is not well-formed UTF-16 is never normalised.
     virtual void format(std::u16string_view input, std::u16string& output, bool raw) const = 0;
 
 protected:

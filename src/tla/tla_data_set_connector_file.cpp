@@ -191,8 +191,8 @@ std::uint64_t Tla_data_set_connector_file::wanted_hash(const Lookup_value& value
                                                        scl::Scl_status& status) {
     const auto field = std::ranges::find(header_.fields, key_name, &Field_descriptor::name);
     const bool known = field != header_.fields.end();
-    tokenise_key_value(value.text, known ? field->type : Tla_simple_formatter::TYPE_ID,
-                       values, status);
+    tokenise_key_value(value.text, known ? field->type : Tla_simple_formatter::TYPE_ID, values,
+                       status);
     return version() == VERSION_WITH_GIVEN_HASHES ? value.hash : key_hash(values);
 }
 

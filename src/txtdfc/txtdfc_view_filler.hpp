@@ -12,7 +12,8 @@ namespace txtdfc {
 class Txtdfc_view_filler {
 public:
     // Both must outlive the filler; the reader must read into the view's text store.
-    Txtdfc_view_filler(Txtdfc_text_view& view, Txtdfc_token_pool& pool) : view_(view), pool_(pool) {}
+    Txtdfc_view_filler(Txtdfc_text_view& view, Txtdfc_token_pool& pool)
+        : view_(view), pool_(pool) {}
 
     // Throws std::runtime_error when the pool is exhausted.
     void add_token(std::u16string_view text, std::uint32_t type, std::uint64_t offset,
