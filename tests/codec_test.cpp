@@ -175,10 +175,9 @@ TEST(TokenValues, AreThoseOfTheView) {
         Bench bench;
         const txtdfc::Txtdfc_text_view* const view = bench.attach(text);
         std::vector<std::uint64_t> expected;
-        if (view != nullptr) {
-            for (auto token = view->cbegin(); token != view->cend(); ++token) {
-                expected.push_back(token->crc(Txt_text_form::whole));
-            }
+        const txt::Txt_physical_token* token = view != nullptr ? view->cfront() : nullptr;
+        for (; token != nullptr; token = token->next()) {
+            expected.push_back(token->crc(Txt_text_form::whole));
         }
         std::vector<std::uint64_t> values = {99};
         ASSERT_EQ(txtdfc::txtdfc_token_values(text, values), view != nullptr);
