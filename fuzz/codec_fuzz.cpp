@@ -9,11 +9,11 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <optional>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -22,7 +22,7 @@ namespace {
 using Bytes = std::span<const std::uint8_t>;
 
 void check(bool holds) {
-    if (!holds) std::abort();
+    if (!holds) throw std::logic_error("the codec and its model differ");
 }
 
 // Units that a codec, a tokeniser or a line end may care about.

@@ -22,13 +22,12 @@ class Data_set_file : public testing::Test {
 protected:
     // Builds the lines and returns the file.
     std::string build(const std::string& lines, const std::string& schema,
-                      const std::vector<std::string>& keys, std::string_view warning = "") {
+                      const std::vector<std::string>& keys, bool has_warning = false) {
         place.write("in", lines);
         place.remove("out");
         const Outcome outcome = place.run(test::build_arguments(schema, keys));
         EXPECT_EQ(outcome.exit_status, 0);
-        EXPECT_TRUE(outcome.err.starts_with(warning)) << outcome.err;
-        EXPECT_EQ(outcome.err.empty(), warning.empty()) << outcome.err;
+        EXPECT_EQ(outcome.err.starts_with("Warnings:"), has_warning) << outcome.err;
         return place.read("out");
     }
 
@@ -76,42 +75,6 @@ TEST_F(Data_set_file, IsTheDocumentsWorkedExample) {
     EXPECT_EQ(reader.values(72, 1), Values{Small_reader::token(u"o'brien")});
 }
 
-// Shows that the reader checks: with the checksum made right again, each changed byte is noticed,
-// but for those whose content nothing else in the file depends on.
-TEST(Small_reader_test, NoticesEachChangedByte) {
-    const std::string good = Worked_example().bytes;
-    EXPECT_EQ(Small_reader::crc("123456789"), 0x995DC9BBDF1939FAU);
-    for (std::size_t at = 0; at < good.size(); ++at) {
-        std::string bad = good;
-        bad[at] = static_cast<char>(bad[at] ^ 0x40);
-        EXPECT_THROW(Small_reader{bad}, std::runtime_error) << at;
-        const std::uint64_t checksum = ~Small_reader::crc(std::string_view(bad).substr(16));
-        for (unsigned byte = 0; byte < 8 && (at < 8 || at > 15); ++byte) {
-            bad[8 + byte] = static_cast<char>(checksum >> (8 * byte));
-        }
-        const bool first_name = at >= 32 && at < 41;
-        const bool first_values = at >= 74 && at < 90;
-        if (first_name || first_values) {
-            EXPECT_NO_THROW(Small_reader{bad}) << at;
-        } else {
-            EXPECT_THROW(Small_reader{bad}, std::runtime_error) << at;
-        }
-    }
-}
-
-TEST_F(Data_set_file, HoldsTheExampleCustomers) {
-    const Small_reader reader(
-        build(read_file(DSMAKE_EXAMPLES "/customers.tsv"),
-              "FirstName,Simple;Surname,SimpleNC;City,SimpleNC;CardNum,CCNUMBER",
-              {"Surname", "CardNum"}));
-    ASSERT_EQ(reader.tables().size(), 2U);
-    ASSERT_EQ(reader.records().size(), 360U);
-    const std::uint64_t third = reader.records()[2];
-    EXPECT_EQ(reader.values(third, 0), Values{Small_reader::token(u"Zo\u00EB")});
-    EXPECT_EQ(reader.values(third, 2), Values{Small_reader::token(u"li\u00E8ge")});
-    EXPECT_EQ(reader.values(third, 3), Values{Small_reader::token(u"9167192803824383")});
-}
-
 TEST_F(Data_set_file, MayBeWithoutRecords) {
     for (const std::string schema : {"A,Simple;B,SimpleNC", "A,Simple;B,Nobody"}) {
         const Small_reader reader(build("", schema, {"B", "A"}));
@@ -131,7 +94,7 @@ TEST_F(Data_set_file, LeavesOutNeighbouringDuplicatesOnly) {
     const std::string schema = "First,Simple;Last,SimpleNC";
     const std::string a = "Ann\tLee\n";
     const std::string b = "Bob\tLee\n";
-    const Small_reader near(build(a + a + b + a + b + b, schema, {"Last", "First"}, "Warnings:"));
+    const Small_reader near(build(a + a + b + a + b + b, schema, {"Last", "First"}, true));
     EXPECT_EQ(near.records().size(), 6U);
     EXPECT_EQ(near.tables().at(0).pairs.size(), 4U) << "A, B, A and B of A A B A B B";
     EXPECT_EQ(near.tables().at(1).pairs.size(), 2U);
@@ -142,25 +105,23 @@ TEST_F(Data_set_file, LeavesOutNeighbouringDuplicatesOnly) {
 TEST_F(Data_set_file, KeysWithoutTokensHaveHashZero) {
     const Small_reader reader(
         build("--\tx\n-\ty\n--\tx\n1\tx\n--\ty\n", "Card,CCNUMBER;Name,Simple", {"Card"}));
-    ASSERT_EQ(reader.tables().at(0).pairs.size(), 5U);
-    EXPECT_EQ(reader.tables()[0].pairs[3].hash, 0U);
-    EXPECT_NE(reader.tables()[0].pairs[4].hash, 0U);
+    const auto& pairs = reader.tables().at(0).pairs;
+    ASSERT_EQ(pairs.size(), 5U);
+    EXPECT_TRUE(pairs[3].first == 0 && pairs[4].first != 0);
 }
 
 TEST_F(Data_set_file, HoldsTheLinesOfALargeInput) {
-    constexpr std::size_t LINES = 20000;
     std::string lines;
-    for (std::size_t line = 0; line < LINES; ++line) {
-        lines += "Given" + std::to_string(line) + "\tNAME" + std::to_string(line % 1009) + '\n';
+    for (int line = 0; line < 20000; ++line) {
+        lines += "Zo\xC3\xAB" + std::to_string(line) + "\t" + std::to_string(line % 1009) + "-\n";
     }
-    const Small_reader reader(build(lines, "First,Simple;Last,SimpleNC", {"Last", "First"}));
-    ASSERT_EQ(reader.records().size(), LINES);
-    for (std::size_t line = 0; line < LINES; ++line) {
+    const Small_reader reader(build(lines, "First,SimpleNC;Card,CCNUMBER", {"Card", "First"}));
+    ASSERT_EQ(reader.records().size(), 20000U);
+    for (std::size_t line = 0; line < 20000; ++line) {
         const std::uint64_t record = reader.records()[line];
-        const Values first = {Small_reader::token(u"Given" + digits(line))};
-        const Values last = {Small_reader::token(u"name" + digits(line % 1009))};
-        ASSERT_EQ(reader.values(record, 0), first);
-        ASSERT_EQ(reader.values(record, 1), last);
+        ASSERT_EQ(reader.values(record, 0),
+                  Values{Small_reader::token(u"zo\u00EB" + digits(line))});
+        ASSERT_EQ(reader.values(record, 1), Values{Small_reader::token(digits(line % 1009))});
     }
 }
 

@@ -7,6 +7,7 @@
 #include "scl/scl_string.hpp"
 #include "tla/data_set_generator.hpp"
 #include "tla/data_set_layout.hpp"
+#include "tla/upgrade_data_set.hpp"
 
 #include <algorithm>
 
@@ -17,6 +18,11 @@ namespace {
 template <std::integral T>
 T number_at(const std::string& file, std::size_t offset) {
     return scl::scl_load_le<T>(reinterpret_cast<const std::byte*>(file.data() + offset));
+}
+
+std::string bytes_in(const scl::Scl_buffer& buffer) {
+    const auto bytes = buffer.contents();
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
 std::vector<std::u16string> all_wide(const std::vector<std::string>& texts) {
@@ -55,8 +61,7 @@ std::string version2(std::string_view schema, const Keys& keys, const Rows& rows
     scl::Scl_heap_buffer file;
     tla::write_data_set_file(all_wide(keys), parsed.fields, records, file, status);
     if (!status.ok()) throw std::runtime_error("the file cannot be built");
-    const auto bytes = file.contents();
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+    return bytes_in(file);
 }
 
 std::uint64_t key_tables_of(const std::string& file) {
@@ -68,20 +73,27 @@ std::uint64_t pairs_of_first_key(const std::string& file) {
 }
 
 void share_first_record(std::string& file) {
-    const std::size_t pairs = pairs_of_first_key(file);
-    const auto count = number_at<std::uint32_t>(file, 28);
+    const std::uint64_t first_offset = pairs_of_first_key(file) + 8;
     std::uint64_t first = file.size();
-    for (std::size_t i = 0; i < count; ++i) {
-        first = std::min(first, number_at<std::uint64_t>(file, pairs + i * 16 + 8));
+    for (std::size_t at = first_offset; at < file.size(); at += 16) {
+        first = std::min(first, number_at<std::uint64_t>(file, at));
     }
-    for (std::size_t i = 0; i < count; ++i) {
-        put(file, pairs + i * 16 + 8, first);
+    for (std::size_t at = first_offset; at < file.size(); at += 16) {
+        put(file, at, first);
     }
 }
 
 std::string sealed(std::string file) {
     put(file, 8, ~scl::Scl_crc64::calculate(file.data() + 16, file.size() - 16, ~0ULL));
     return file;
+}
+
+std::string upgraded(std::string_view file, scl::Scl_status& status) {
+    const Workplace place;
+    place.write("old", file);
+    scl::Scl_heap_buffer output;
+    tla::upgrade_data_set(place.path("old").string(), output, status);
+    return bytes_in(output);
 }
 
 std::string argument_of(const scl::Scl_status& status) {
@@ -97,11 +109,6 @@ Connected::Connected(std::string_view file) {
     connector.open(status);
 }
 
-scl::Scl_status_code Connected::load(bool any_version) {
-    connector.load(status, any_version);
-    return status.value();
-}
-
 std::vector<std::int64_t> Connected::find(std::string_view key, const std::u16string& text,
                                           std::uint64_t hash) {
     Entries entries;
@@ -112,10 +119,6 @@ std::vector<std::int64_t> Connected::find(std::string_view key, const std::u16st
     }
     std::ranges::sort(offsets);
     return offsets;
-}
-
-std::unique_ptr<tla::Tla_data_set_entry_file> Connected::entry(std::int64_t offset) {
-    return connector.read_entry(offset, status);
 }
 
 } // namespace test

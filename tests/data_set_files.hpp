@@ -5,6 +5,8 @@
 #include "tla/tla_data_set_connector_file.hpp"
 #include "version1_file.hpp"
 
+#include <gtest/gtest.h>
+
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -38,7 +40,10 @@ void share_first_record(std::string& file);
 // The file with the right checksum again.
 [[nodiscard]] std::string sealed(std::string file);
 
-// The top code of a status; its argument in narrow form.
+// Upgrades a file; returns what was written.
+[[nodiscard]] std::string upgraded(std::string_view file, scl::Scl_status& status);
+
+// The argument of a status's last code.
 [[nodiscard]] std::string argument_of(const scl::Scl_status& status);
 
 // A file on disk and a connector on it, open.
@@ -47,11 +52,14 @@ public:
     explicit Connected(std::string_view file);
 
     // The code after loading.
-    scl::Scl_status_code load(bool any_version = true);
+    scl::Scl_status_code load(bool any_version = true) {
+        connector.load(status, any_version);
+        return status.value();
+    }
     // The record offsets found, ascending.
     std::vector<std::int64_t> find(std::string_view key, const std::u16string& text,
                                    std::uint64_t hash = 0);
-    std::unique_ptr<tla::Tla_data_set_entry_file> entry(std::int64_t offset);
+    auto entry(std::int64_t offset) { return connector.read_entry(offset, status); }
     [[nodiscard]] std::string path() const { return place_.path("file"); }
 
     scl::Scl_status status;
@@ -59,6 +67,10 @@ public:
 
 private:
     Workplace place_;
+};
+
+struct Loaded : Connected {
+    explicit Loaded(std::string_view file) : Connected(file) { EXPECT_EQ(load(), 0U); }
 };
 
 } // namespace test

@@ -41,42 +41,38 @@ int open(const char* name, int flags, ...) {
     va_start(rest, flags);
     const mode_t mode = va_arg(rest, mode_t);
     va_end(rest);
-    static auto* const real = next_of<int(const char*, int, ...)>("open");
-    return fails(EMFILE) ? -1 : real(name, flags, mode);
+    return fails(EMFILE) ? -1 : next_of<int(const char*, int, ...)>("open")(name, flags, mode);
 }
 
 int fstat(int file, struct stat* facts) {
-    static auto* const real = next_of<int(int, struct stat*)>("fstat");
-    return fails(EIO) ? -1 : real(file, facts);
+    return fails(EIO) ? -1 : next_of<int(int, struct stat*)>("fstat")(file, facts);
 }
 
 int lstat(const char* name, struct stat* facts) {
-    static auto* const real = next_of<int(const char*, struct stat*)>("lstat");
-    return fails(EIO) ? -1 : real(name, facts);
+    return fails(EIO) ? -1 : next_of<int(const char*, struct stat*)>("lstat")(name, facts);
 }
 
 ssize_t pread(int file, void* bytes, size_t count, off_t offset) {
-    static auto* const real = next_of<ssize_t(int, void*, size_t, off_t)>("pread");
-    return fails(EIO) ? -1 : real(file, bytes, count, offset);
+    return fails(EIO)
+               ? -1
+               : next_of<ssize_t(int, void*, size_t, off_t)>("pread")(file, bytes, count, offset);
 }
 
 ssize_t pwrite(int file, const void* bytes, size_t count, off_t offset) {
-    static auto* const real = next_of<ssize_t(int, const void*, size_t, off_t)>("pwrite");
     if (fails(ENOSPC)) return -1;
     // A short write first, as disks that fill up give them.
-    return real(file, bytes, count > 1 ? count / 2 : count, offset);
+    return next_of<ssize_t(int, const void*, size_t, off_t)>("pwrite")(
+        file, bytes, count > 1 ? count / 2 : count, offset);
 }
 
 int unlink(const char* name) {
-    static auto* const real = next_of<int(const char*)>("unlink");
     // Alone: where nothing can be removed from then on, no program can clean up.
     static const bool alone = std::getenv("FAIL_ON") == nullptr;
-    return alone && fails(EACCES) ? -1 : real(name);
+    return alone && fails(EACCES) ? -1 : next_of<int(const char*)>("unlink")(name);
 }
 
 int close(int file) {
-    static auto* const real = next_of<int(int)>("close");
-    const int result = real(file);
+    const int result = next_of<int(int)>("close")(file);
     return fails(EIO) ? -1 : result;
 }
 

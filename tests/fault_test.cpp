@@ -7,16 +7,6 @@ namespace {
 using test::Outcome;
 using test::Workplace;
 
-constexpr int FAULT = 255;
-
-std::vector<std::string> failing_at(int operation, bool on, const Workplace& place) {
-    std::vector<std::string> environment = {
-        "LD_PRELOAD=" DSMAKE_FAIL_NTH, "ASAN_OPTIONS=verify_asan_link_order=0",
-        "FAIL_AT=" + std::to_string(operation), "FAIL_REPORT=" + place.path("failed").string()};
-    if (on) environment.emplace_back("FAIL_ON=1");
-    return environment;
-}
-
 // Nothing may be lost without a word: either the right file, or a message, exit status 255 and no
 // file. The one exception is a scratch file that cannot be set up, which ends silently by
 // definition, the output empty.
@@ -25,7 +15,7 @@ void expect_honest(const Outcome& outcome, const Workplace& place, const std::st
         const std::string found = place.read("out");
         EXPECT_TRUE(found == expected || (found.empty() && outcome.err.empty()));
     } else {
-        EXPECT_EQ(outcome.exit_status, FAULT);
+        EXPECT_EQ(outcome.exit_status, 255);
         EXPECT_GT(outcome.err.size(), 10U);
         EXPECT_FALSE(place.exists("out")) << outcome.err;
     }
@@ -43,16 +33,18 @@ void fail_each_operation(const std::vector<std::string>& arguments, const std::s
         SCOPED_TRACE("operation " + std::to_string(operation));
         place.remove("out");
         place.remove("failed");
-        const Outcome outcome = place.run(arguments, failing_at(operation, on, place));
+        const Outcome outcome = place.run(
+            arguments, {"LD_PRELOAD=" DSMAKE_FAIL_NTH, "ASAN_OPTIONS=verify_asan_link_order=0",
+                        "FAIL_AT=" + std::to_string(operation), on ? "FAIL_ON=1" : "FAIL_ONCE=1",
+                        "FAIL_REPORT=" + place.path("failed").string()});
         expect_honest(outcome, place, expected);
         place.remove("mid_buf"); // stays when its removal is what failed
         if (!place.exists("failed")) {
-            EXPECT_EQ(outcome.exit_status, 0);
             EXPECT_TRUE(place.read("out") == expected);
             EXPECT_GT(failures, 15);
             return;
         }
-        if (outcome.exit_status == FAULT) ++failures;
+        if (outcome.exit_status == 255) ++failures;
     }
     FAIL() << "no run came to its end";
 }

@@ -1,8 +1,6 @@
 #include "program.hpp"
 
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,11 +15,6 @@ std::string quoted(const std::string& word) {
 
 } // namespace
 
-std::string read_file(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
 Workplace::Workplace() {
     std::string name = std::filesystem::temp_directory_path() / "dsmake-test-XXXXXX";
     if (::mkdtemp(name.data()) == nullptr) throw std::runtime_error("no temporary folder");
@@ -33,22 +26,6 @@ Workplace::~Workplace() {
     std::filesystem::remove_all(folder_, ignored);
     std::filesystem::remove(folder_.string() + ".out", ignored);
     std::filesystem::remove(folder_.string() + ".err", ignored);
-}
-
-void Workplace::write(std::string_view name, std::string_view bytes) const {
-    std::ofstream(path(name), std::ios::binary) << bytes;
-}
-
-std::string Workplace::read(std::string_view name) const {
-    return read_file(path(name));
-}
-
-bool Workplace::exists(std::string_view name) const {
-    return std::filesystem::exists(std::filesystem::symlink_status(path(name)));
-}
-
-void Workplace::remove(std::string_view name) const {
-    std::filesystem::remove_all(path(name));
 }
 
 Outcome Workplace::run(const std::vector<std::string>& arguments,
@@ -67,8 +44,7 @@ Outcome Workplace::run(const std::vector<std::string>& arguments,
 Outcome Workplace::shell(const std::string& command) const {
     const std::string out = folder_.string() + ".out";
     const std::string err = folder_.string() + ".err";
-    const std::string setting = "DSMAKE=" + quoted(DSMAKE_PROGRAM).substr(1);
-    const std::string in_folder = "cd" + quoted(folder_) + " && " + setting + " && { ";
+    const std::string in_folder = "cd" + quoted(folder_) + " && DSMAKE=" DSMAKE_PROGRAM " && { ";
     const int status =
         std::system((in_folder + command + "\n} >" + quoted(out) + " 2>" + quoted(err)).c_str());
     if (!WIFEXITED(status)) throw std::runtime_error("no child");

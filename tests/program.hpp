@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,7 +17,10 @@ struct Outcome {
 };
 
 // Empty when there is no such file.
-[[nodiscard]] std::string read_file(const std::filesystem::path& path);
+[[nodiscard]] inline std::string read_file(const std::filesystem::path& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+}
 
 // An empty folder to run the program in; gone at the end of the test.
 class Workplace {
@@ -26,10 +31,14 @@ public:
     ~Workplace();
 
     [[nodiscard]] std::filesystem::path path(std::string_view name) const { return folder_ / name; }
-    void write(std::string_view name, std::string_view bytes) const;
-    [[nodiscard]] std::string read(std::string_view name) const;
-    [[nodiscard]] bool exists(std::string_view name) const;
-    void remove(std::string_view name) const;
+    void write(std::string_view name, std::string_view bytes) const {
+        std::ofstream(path(name), std::ios::binary) << bytes;
+    }
+    [[nodiscard]] std::string read(std::string_view name) const { return read_file(path(name)); }
+    [[nodiscard]] bool exists(std::string_view name) const {
+        return std::filesystem::exists(std::filesystem::symlink_status(path(name)));
+    }
+    void remove(std::string_view name) const { std::filesystem::remove_all(path(name)); }
 
     // Runs dsmake here with these arguments, and with "NAME=value" added to the environment.
     [[nodiscard]] Outcome run(const std::vector<std::string>& arguments,

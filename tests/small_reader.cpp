@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <set>
 #include <stdexcept>
 
 namespace test {
 
 namespace {
+
+const std::set<std::string> TYPES = {"Simple", "SimpleNC", "CCNUMBER"};
 
 void require(bool held, const std::string& rule) {
     if (!held) throw std::runtime_error(rule);
@@ -21,6 +24,15 @@ std::array<std::uint64_t, 256> make_crc_table() {
         }
     }
     return table;
+}
+
+// The first digit is the highest.
+std::uint64_t number(const std::string& digits) {
+    std::uint64_t number = 0;
+    for (const char digit : digits) {
+        number = number << 8 | static_cast<unsigned char>(digit);
+    }
+    return number;
 }
 
 } // namespace
@@ -71,9 +83,8 @@ void Small_reader::read_fields() {
         const std::size_t end = descriptor.rfind('\n');
         require(end != std::string::npos, "0x0A in each descriptor");
         const Field field{descriptor.substr(0, end), descriptor.substr(end + 1)};
-        require(field.type == "Simple" || field.type == "SimpleNC" || field.type == "CCNUMBER" ||
-                    (field.type.empty() && record_count_ == 0),
-                "the name of a formatter type: " + field.type);
+        const bool known = TYPES.contains(field.type) || (field.type.empty() && record_count_ == 0);
+        require(known, "the name of a formatter type: " + field.type);
         for (const Field& other : fields_) {
             require(other.name != field.name, "no name twice: " + field.name);
         }
@@ -101,9 +112,8 @@ void Small_reader::read_table() {
     Table table;
     table.name = until('\0');
     skip_zeros();
-    const auto field =
-        std::find_if(fields_.begin(), fields_.end(),
-                     [&table](const Field& candidate) { return candidate.name == table.name; });
+    const auto field = std::find_if(fields_.begin(), fields_.end(),
+                                    [&](const Field& one) { return one.name == table.name; });
     require(field != fields_.end(), "a field's name on each key table: " + table.name);
     for (const Pair& expected : expected_pairs(static_cast<std::size_t>(field - fields_.begin()))) {
         const Pair pair{little(position_, 8), little(position_ + 8, 8)};
@@ -122,7 +132,7 @@ std::vector<Small_reader::Pair> Small_reader::expected_pairs(std::size_t field) 
     }
     std::sort(all.begin(), all.end());
     const auto duplicate = [this](const Pair& one, const Pair& other) {
-        return one.hash == other.hash && record_bytes(one.offset) == record_bytes(other.offset);
+        return one.first == other.first && record_bytes(one.second) == record_bytes(other.second);
     };
     all.erase(std::unique(all.begin(), all.end(), duplicate), all.end());
     return all;
@@ -136,9 +146,8 @@ std::string_view Small_reader::record_bytes(std::uint64_t record) const {
 
 Small_reader::Values Small_reader::values(std::uint64_t record, std::size_t field) const {
     Values values;
-    const std::string_view bytes = value_bytes(record, field);
-    for (std::size_t at = 0; at < bytes.size(); at += 8) {
-        values.push_back(big(static_cast<std::uint64_t>(bytes.data() - file_.data()) + at, 8));
+    for (std::string_view left = value_bytes(record, field); !left.empty(); left.remove_prefix(8)) {
+        values.push_back(number(std::string(left.substr(0, 8))));
     }
     return values;
 }
@@ -149,20 +158,12 @@ std::string_view Small_reader::bytes(std::uint64_t at, std::uint64_t size) const
 }
 
 std::uint64_t Small_reader::little(std::uint64_t at, unsigned size) const {
-    std::uint64_t number = 0;
     const std::string_view digits = bytes(at, size);
-    for (unsigned left = size; left > 0; --left) {
-        number = number << 8 | static_cast<unsigned char>(digits[left - 1]);
-    }
-    return number;
+    return number({digits.rbegin(), digits.rend()});
 }
 
 std::uint64_t Small_reader::big(std::uint64_t at, unsigned size) const {
-    std::uint64_t number = 0;
-    for (const char digit : bytes(at, size)) {
-        number = number << 8 | static_cast<unsigned char>(digit);
-    }
-    return number;
+    return number(std::string(bytes(at, size)));
 }
 
 std::string_view Small_reader::value_bytes(std::uint64_t record, std::size_t field) const {

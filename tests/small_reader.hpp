@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace test {
@@ -17,14 +18,7 @@ public:
         std::string name;
         std::string type;
     };
-    struct Pair {
-        std::uint64_t hash = 0;
-        std::uint64_t offset = 0;
-        bool operator==(const Pair&) const = default;
-        bool operator<(const Pair& other) const {
-            return hash != other.hash ? hash < other.hash : offset < other.offset;
-        }
-    };
+    using Pair = std::pair<std::uint64_t, std::uint64_t>; // a hash and a record's offset
     struct Table {
         std::string name;
         std::vector<Pair> pairs;

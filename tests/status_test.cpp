@@ -21,21 +21,14 @@ std::string shown(const scl::Scl_status& status) {
 TEST(Status, SeverityIsThatOfTheTopEntryButOkLooksAtAll) {
     scl::Scl_status status;
     status.push(WARNING);
-    EXPECT_TRUE(status.ok());
-    EXPECT_TRUE(status.is_warning());
-    EXPECT_FALSE(status.has_failed());
-
+    EXPECT_TRUE(status.ok() && status.is_warning() && !status.has_failed());
     status.push(scl::SCL_STATUS_END_OF_DATA);
     status.push(WARNING);
     EXPECT_FALSE(status.ok()) << "an error below a warning is still an error";
     EXPECT_FALSE(status.has_failed()) << "loops look at the top entry alone";
     EXPECT_TRUE(status.contains_value(scl::SCL_STATUS_END_OF_DATA));
-
     status = KEY_NAME;
     EXPECT_EQ(status.entries().size(), 1U) << "assignment replaces everything";
-    status.clear();
-    EXPECT_TRUE(status.ok());
-    EXPECT_EQ(status.value(), 0U);
 }
 
 TEST(Status, NeighboursThatAreEqualAreHeldAsOne) {
@@ -43,46 +36,39 @@ TEST(Status, NeighboursThatAreEqualAreHeldAsOne) {
     for (int i = 0; i < 1000; ++i) {
         status.push(WARNING);
     }
-    status.push(KEY_NAME, scl::Scl_wstring_status_arg(u"a"));
-    status.push(KEY_NAME, scl::Scl_wstring_status_arg(u"a"));
-    status.push(KEY_NAME, scl::Scl_wstring_status_arg(u"b"));
+    for (const char* const name : {"a", "a", "b"}) {
+        status.push(KEY_NAME, scl::Scl_wstring_status_arg(name));
+    }
     status.push(KEY_NAME);
     ASSERT_EQ(status.entries().size(), 4U);
-    EXPECT_EQ(status.entries()[0].count, 1000U);
     EXPECT_NE(shown(status).find(" (1000 times)"), std::string::npos);
 }
 
 TEST(Status, OnlyTheTopEntryOfALocalStatusIsPassedOn) {
     scl::Scl_status local;
+    scl::Scl_status status;
+    status.push_top(local);
+    EXPECT_TRUE(status.entries().empty());
     local.push(WARNING);
     local.push(KEY_NAME, scl::Scl_wstring_status_arg(u"Surname"));
-    scl::Scl_status status;
-    status.push_top(scl::Scl_status());
-    EXPECT_TRUE(status.entries().empty());
     status.push_top(local);
     ASSERT_EQ(status.entries().size(), 1U);
     EXPECT_EQ(status.entries()[0].argument->text(), u"Surname");
 }
 
-TEST(Status, TextHasALinePerEntryTheMostRecentFirst) {
+// A file may be named by anybody: its name must not reach the terminal as a command.
+TEST(Status, TextHasALinePerEntryWithControlsAndStrayBytesSpelledOut) {
+    const scl::Scl_wstring_status_arg name("%s\x1b[2J\n\x7f\xc2\x9b\xff\xf0\x9f\x98\x80é");
     scl::Scl_status status;
     status.push(WARNING);
-    status.push(KEY_NAME, scl::Scl_wstring_status_arg(u"100% %s"));
+    status.push(KEY_NAME, name);
     status.push(NO_TEXT_FOR_IT);
     const std::string text = shown(status);
-    EXPECT_EQ(text.substr(0, text.find('\n')), "0xC2019999");
-    EXPECT_NE(text.find("\n0xC2012511: The key name '100% %s' matches"), std::string::npos);
+    EXPECT_TRUE(text.starts_with("0xC2019999\n0xC2012511: The key name '%s\\x1B[2J\\x0A\\x7F\\x9B"
+                                 "\\xFF\xf0\x9f\x98\x80é' matches"))
+        << text;
     EXPECT_NE(text.find("\n0x82012512: "), std::string::npos);
     EXPECT_NE(text.back(), '\n');
-}
-
-// A file may be named by anybody: its name must not reach the terminal as a command.
-TEST(Status, ControlsAndStrayBytesInArgumentsAreSpelledOut) {
-    const scl::Scl_wstring_status_arg name("\x1b[2J\n\x7f\xc2\x9b\xff\xf0\x9f\x98\x80é");
-    scl::Scl_status status;
-    status.push(KEY_NAME, name);
-    const std::string expected = "'\\x1B[2J\\x0A\\x7F\\x9B\\xFF\xf0\x9f\x98\x80é'";
-    EXPECT_NE(shown(status).find(expected), std::string::npos) << shown(status);
 }
 
 TEST(Status, EveryCodeInUseHasAText) {

@@ -8,9 +8,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <ostream>
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -53,6 +55,28 @@ inline std::vector<Piece> pieces_of(const txt::Txt_text_view* view) {
     return pieces;
 }
 
+inline txt::Txt_physical_token& token_at(txt::Txt_text_view& view, int index) {
+    txt::Txt_physical_token* token = view.cfront();
+    for (; index > 0; --index) {
+        token = token->next();
+    }
+    return *token;
+}
+
+// What is thrown, its kind in front.
+inline std::string message_of(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const std::invalid_argument& error) {
+        return std::string("argument: ") + error.what();
+    } catch (const std::logic_error& error) {
+        return std::string("logic: ") + error.what();
+    } catch (const std::runtime_error& error) {
+        return std::string("runtime: ") + error.what();
+    }
+    return "nothing thrown";
+}
+
 // The text that a buffer in memory holds.
 inline std::u16string text_in(const scl::Scl_buffer& buffer) {
     const std::span<const std::byte> bytes = buffer.contents();
@@ -61,18 +85,18 @@ inline std::u16string text_in(const scl::Scl_buffer& buffer) {
     return text;
 }
 
-inline txtdfc::Txtdfc_text_view* view_of(txtdfc::Txtdfc_format_codec& codec) {
-    unsigned cursor = 0;
-    return codec.text_view(0, cursor);
-}
-
-// A codec with what it needs around it.
+// A codec with what it needs around it; its content may be edited.
 struct Bench {
     explicit Bench(bool view_of_empty = false, txt::Txt_text_table* table = nullptr,
                    std::size_t pool_blocks = txtdfc::Txtdfc_token_pool::MAX_BLOCKS)
-        : pool(pool_blocks), codec(nullptr, table, &pool, view_of_empty) {}
+        : pool(pool_blocks), codec(nullptr, table, &pool, view_of_empty) {
+        codec.set_modifiable(true);
+    }
 
-    txtdfc::Txtdfc_text_view* view() { return view_of(codec); }
+    txtdfc::Txtdfc_text_view* view() {
+        unsigned cursor = 0;
+        return codec.text_view(0, cursor);
+    }
     txtdfc::Txtdfc_text_view* attach(const scl::Scl_buffer& buffer) {
         codec.attach(&buffer, status);
         return view();
@@ -80,6 +104,13 @@ struct Bench {
     txtdfc::Txtdfc_text_view* attach(std::u16string text) {
         held = std::move(text);
         return attach(content.emplace(held));
+    }
+    // The edited text; the text itself when nothing is to be composed.
+    std::u16string composed() {
+        const std::unique_ptr<scl::Scl_buffer> made = codec.compose(status);
+        EXPECT_EQ(status.value(), 0U);
+        EXPECT_EQ(made != nullptr, codec.modified());
+        return made != nullptr ? text_in(*made) : held;
     }
 
     std::u16string held;

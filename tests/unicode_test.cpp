@@ -20,12 +20,6 @@ namespace {
 
 constexpr char32_t LIMIT = 0x110000;
 
-std::string without_blanks(const std::string& text) {
-    const auto first = text.find_first_not_of(' ');
-    if (first == std::string::npos) return "";
-    return text.substr(first, text.find_last_not_of(' ') + 1 - first);
-}
-
 using Row = std::vector<std::string>;
 
 // The rows of a data file: its fields, between semicolons, comments left out.
@@ -35,8 +29,8 @@ void for_each_row(const std::string& path, const std::function<void(const Row&)>
     for (std::string line; std::getline(file, line);) {
         std::istringstream fields(line.substr(0, line.find('#')));
         Row row;
-        for (std::string field; std::getline(fields, field, ';');)
-            row.push_back(without_blanks(field));
+        for (std::string field; std::getline(fields >> std::ws, field, ';');)
+            row.push_back(field.substr(0, field.find_last_not_of(' ') + 1));
         if (row.size() > 1) use(row);
     }
 }
@@ -59,29 +53,19 @@ std::u16string text_of(const std::string& code_points) {
     return text;
 }
 
-// Calls `use` with each code point of a file of ranges and the value given there.
-void for_each_value(const std::string& file,
-                    const std::function<void(char32_t, const std::string&)>& use) {
+// The value that a file of ranges gives each code point; of a file of several properties, `only`
+// the one asked for.
+std::vector<std::string> values_of(const std::string& file, const std::string& otherwise,
+                                   const std::string& only = "") {
+    std::vector<std::string> values(LIMIT, otherwise);
     for_each_row(DSMAKE_UNICODE_DATA "/" + file, [&](const Row& row) {
+        if (!only.empty() && row[1] != only) return;
         const auto dots = row[0].find("..");
         const auto last = dots == std::string::npos ? row[0] : row[0].substr(dots + 2);
         for (char32_t c = code_point_of(row[0]); c <= code_point_of(last); ++c)
-            use(c, row[1]);
+            values[c] = row[1];
     });
-}
-
-std::vector<std::string> values_of(const std::string& file, const std::string& otherwise) {
-    std::vector<std::string> values(LIMIT, otherwise);
-    for_each_value(file, [&](char32_t c, const std::string& value) { values[c] = value; });
     return values;
-}
-
-std::vector<bool> having(const std::string& file, const std::string& property) {
-    std::vector<bool> found(LIMIT);
-    for_each_value(file, [&](char32_t c, const std::string& value) {
-        if (value == property) found[c] = true;
-    });
-    return found;
 }
 
 std::u16string lower(std::u16string text) {
@@ -105,19 +89,19 @@ std::string utf8(std::u16string_view text) {
 
 TEST(Unicode, ClassesFollowCategoryAndWhiteSpace) {
     using Type = scl::Scl_unicode_code_point_type;
-    const std::string majors = "LNPSM";
-    const Type types[] = {Type::letter, Type::number, Type::punctuation, Type::symbol,
-                          Type::attached};
+    const std::map<char, Type> types = {
+        {'L', Type::letter},   {'N', Type::number}, {'P', Type::punctuation}, {'S', Type::symbol},
+        {'M', Type::attached}, {'Z', Type::other},  {'C', Type::other}};
     const auto categories = values_of("extracted/DerivedGeneralCategory.txt", "Cn");
-    const auto white_space = having("PropList.txt", "White_Space");
+    const auto white_space = values_of("PropList.txt", "", "White_Space");
     for (char32_t c = 0; c < LIMIT; ++c) {
-        const std::size_t major = majors.find(categories[c][0]);
-        Type expected = major == std::string::npos ? Type::other : types[major];
-        if (categories[c] == "Cf") expected = Type::attached;
-        if (white_space[c]) expected = Type::white_space;
+        const bool is_white = !white_space[c].empty();
+        const Type expected = is_white                ? Type::white_space
+                              : categories[c] == "Cf" ? Type::attached
+                                                      : types.at(categories[c][0]);
         ASSERT_EQ(scl::scl_code_point_type(c), expected) << std::hex << std::uint32_t{c};
-        ASSERT_EQ(scl::impl::scl_get_icu_char_type(c), expected) << std::hex << std::uint32_t{c};
-        ASSERT_EQ(scl::scl_is_white_space(c), white_space[c]) << std::hex << std::uint32_t{c};
+        ASSERT_EQ(scl::impl::scl_get_icu_char_type(c), expected);
+        ASSERT_EQ(scl::scl_is_white_space(c), is_white);
     }
     EXPECT_EQ(scl::scl_code_point_type(LIMIT), Type::other);
     EXPECT_EQ(scl::scl_code_point_type(0xFFFFFFFF), Type::other);
@@ -125,24 +109,20 @@ TEST(Unicode, ClassesFollowCategoryAndWhiteSpace) {
 
 TEST(Unicode, WordBreaksFollowTheAnnexButForOneBlank) {
     using Break = scl::Scl_word_break;
-    // In the order of the enumeration.
-    constexpr const char* NAMES[] = {"Other",     "ALetter",      "Hebrew_Letter",     "Katakana",
-                                     "Numeric",   "ExtendNumLet", "MidLetter",         "MidNum",
-                                     "MidNumLet", "Single_Quote", "Double_Quote",      "Extend",
-                                     "Format",    "ZWJ",          "WSegSpace",         "CR",
-                                     "LF",        "Newline",      "Regional_Indicator"};
     std::map<std::string, Break> values_by_name;
-    for (const char* name : NAMES)
+    std::istringstream names("Other ALetter Hebrew_Letter Katakana Numeric ExtendNumLet MidLetter "
+                             "MidNum MidNumLet Single_Quote Double_Quote Extend Format ZWJ "
+                             "WSegSpace CR LF Newline Regional_Indicator"); // as enumerated
+    for (std::string name; names >> name;)
         values_by_name.emplace(name, static_cast<Break>(values_by_name.size()));
     auto values = values_of("auxiliary/WordBreakProperty.txt", "Other");
-    const auto pictographic = having("emoji/emoji-data.txt", "Extended_Pictographic");
-    ASSERT_EQ(values[0x202F], "ExtendNumLet");
+    const auto pictographic = values_of("emoji/emoji-data.txt", "", "Extended_Pictographic");
     values[0x202F] = "WSegSpace";
     for (char32_t c = 0; c < LIMIT; ++c) {
         Break expected = values_by_name.at(values[c]);
-        if (pictographic[c])
-            expected =
-                expected == Break::aletter ? Break::aletter_pictographic : Break::pictographic;
+        const bool is_letter = expected == Break::aletter;
+        if (!pictographic[c].empty())
+            expected = is_letter ? Break::aletter_pictographic : Break::pictographic;
         ASSERT_EQ(scl::scl_word_break(c), expected) << std::hex << std::uint32_t{c};
     }
 }
@@ -153,7 +133,7 @@ TEST(Unicode, LowerMapsEveryCodePoint) {
         if (row[13] != "") mapped[code_point_of(row[0])] = text_of(row[13]);
     });
     for_each_row(DSMAKE_UNICODE_DATA "/SpecialCasing.txt", [&](const Row& row) {
-        if (row.size() == 5) mapped[code_point_of(row[0])] = text_of(row[1]);
+        if (row.size() == 4) mapped[code_point_of(row[0])] = text_of(row[1]);
     });
     for (char32_t c = 0; c < LIMIT; ++c) {
         const std::u16string text = units_of(c);
@@ -178,8 +158,7 @@ TEST(Unicode, ComparisonFoldsEveryCodePoint) {
         // What folds to itself differs from its neighbour's folding unless that is the same one.
         const char32_t next = c + 1 < LIMIT ? c + 1 : 0;
         const int order = folded[c] < folded[next] ? -1 : folded[c] > folded[next] ? 1 : 0;
-        ASSERT_EQ(scl::scl_utf16_compare_nc(a, units_of(next)), order)
-            << std::hex << std::uint32_t{c};
+        ASSERT_EQ(scl::scl_utf16_compare_nc(a, units_of(next)), order) << std::uint32_t{c};
     }
 }
 
@@ -220,19 +199,16 @@ TEST(Unicode, NormalizationBesideLoneSurrogatesAndInPlace) {
 TEST(Unicode, LongRunsOfMarksStayLinear) {
     constexpr std::size_t COUNT = 300000;
     std::u16string text = u"a\u0323";
-    std::u16string below(COUNT, u'\u0323');
     std::u16string above;
+    std::u16string sigmas;
     for (std::size_t i = 0; i < COUNT; ++i) {
         text += u"\u0303\u0323\u0301";
         above += u"\u0303\u0301";
+        sigmas += i % 300 == 0 ? u"\u03A3.." : u"...";
     }
-    EXPECT_TRUE(nfc(text) == u"\u1EA1" + below + above);
-    std::u16string sigmas;
-    for (std::size_t i = 0; i < 1000; ++i)
-        sigmas += u"\u03A3" + std::u16string(1000, u'.');
+    EXPECT_TRUE(nfc(text) == u"\u1EA1" + std::u16string(COUNT, u'\u0323') + above);
     const std::u16string small = lower(sigmas);
-    EXPECT_EQ(small.find(u'\u03C2'), small.rfind(u'\u03C2'));
-    EXPECT_EQ(small.rfind(u'\u03C2'), 999U * 1001);
+    EXPECT_EQ(small.find(u'\u03C2'), (COUNT - 300) * 3) << "only the last one is final";
 }
 
 TEST(Unicode, CanNormalizeWhatIsWellFormed) {
@@ -264,21 +240,15 @@ TEST(Unicode, LowerKeepsNormalFormAndOnlyThat) {
     EXPECT_EQ(lower(u"\u0130X\u0130"), u"i\u0307xi\u0307");
     // Not in the form before: only mapped.
     EXPECT_EQ(lower(u"E\u0301J\u030C"), u"e\u0301j\u030C");
-    const std::u16string lone = {u'J', 0x30C, 0xD800};
-    const std::u16string lone_small = {u'j', 0x30C, 0xD800};
-    EXPECT_EQ(lower(lone), lone_small);
-    const auto categories = values_of("extracted/DerivedGeneralCategory.txt", "Cn");
-    std::size_t composed = 0;
-    for (char32_t c = 0; c < LIMIT; ++c) {
-        if (categories[c] != "Lu" && categories[c] != "Lt") continue;
+    EXPECT_EQ(lower({u'J', 0x30C, 0xD800}), (std::u16string{u'j', 0x30C, 0xD800}));
+    EXPECT_EQ(lower(u"J\u030C"), u"\u01F0");
+    for_each_row(DSMAKE_UNICODE_DATA "/UnicodeData.txt", [&](const Row& row) {
+        if (row[2] != "Lu" && row[2] != "Lt") return;
         for (char32_t mark = 0x300; mark < 0x370; ++mark) {
-            const std::u16string text = units_of(c) + units_of(mark);
-            const std::u16string small = lower(text);
-            ASSERT_TRUE(!scl::scl_is_normalized(text) || scl::scl_is_normalized(small));
-            composed += small.size() < text.size() ? 1 : 0;
+            const std::u16string text = units_of(code_point_of(row[0])) + units_of(mark);
+            ASSERT_TRUE(!scl::scl_is_normalized(text) || scl::scl_is_normalized(lower(text)));
         }
-    }
-    EXPECT_GT(composed, 0U);
+    });
 }
 
 } // namespace
