@@ -168,11 +168,4 @@ TEST(Codec, TakesLinearTimeForAnyText) {
     }
 }
 
-TEST(Codec, TokensMayStandBeyondFourGigabytes) {
-    Bench bench;
-    const std::uint64_t offset = (std::uint64_t{5} << 32U) + 2;
-    const txtdfc::Txtdfc_physical_token token(WORD, u"a", *bench.attach(u"x"), offset, 2);
-    EXPECT_EQ(token.content_offset(), offset);
-}
-
 } // namespace

@@ -64,9 +64,7 @@ TEST(Lookup, FindsAllRecordsWithTheValue) {
 }
 
 TEST(Lookup, InVersion1GoesByTheGivenHash) {
-    Connected file(
-        test::version1("K,Simple;N,Nothing", {"K", "N"}, {{"a", "1"}, {"b", "2"}, {"a", "3"}}));
-    ASSERT_EQ(file.load(), 0U);
+    test::Loaded file(test::version1("K,Simple;N,Nothing", {"K", "N"}, {{"a", "1"}, {"a", "3"}}));
     EXPECT_EQ(file.find("K", u"a", tools::fnv1a("a")).size(), 2);
     EXPECT_EQ(file.find("K", u"a", tools::fnv1a("b")).size(), 0);
     EXPECT_EQ(file.find("N", u"1", tools::fnv1a("1")).size(), 0); // has no formatter
