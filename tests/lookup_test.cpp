@@ -138,8 +138,9 @@ public:
     }
     void compare() {
         test::Loaded connected(sealed(table_.file));
-        std::vector<std::uint64_t> wanted = {hashes_[0], hashes_[BLOCK - 1], hashes_[BLOCK],
-                                             hashes_[BLOCK + 50], hashes_[COUNT - 1]};
+        std::vector<std::uint64_t> wanted = {hashes_[0],     hashes_[BLOCK - 1],
+                                             hashes_[BLOCK], hashes_[BLOCK + 50],
+                                             hashes_[50],    hashes_[COUNT - 1]};
         for (int i = 0; i < 20; ++i) {
             wanted.push_back(any_hash() + (i % 5 == 0 ? 1 : 0));
         }
