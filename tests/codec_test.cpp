@@ -2,6 +2,7 @@
 #include "scl/scl_crc64.hpp"
 #include "token_support.hpp"
 #include "txtdfc/dff_annotation_facet.hpp"
+#include "txtdfc/txtdfc_token_reader.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
 #include <random>
@@ -124,10 +125,11 @@ TEST(Codec, ContentReadInWindowsHasTheSameTokens) {
 TEST(TokenValues, AreThoseOfTheView) {
     std::mt19937 random(8);
     const std::u16string alphabet =
-        u"abcdeXYZ12_.'\", \n\u0308\u200D\u05D0\u231A\uFEFF\u000B\u3000";
+        u"abcdeXYZ12_\u00E9\u044F.'\", \n\u0308\u200D\u05D0\u231A\uFEFF\u000B\u3000";
     for (int round = 0; round < 20000; ++round) {
+        const std::size_t kinds = round % 2 == 0 ? 14 : alphabet.size(); // mostly one word, or many
         std::u16string text(random() % 24, u' ');
-        std::ranges::generate(text, [&] { return alphabet[random() % alphabet.size()]; });
+        std::ranges::generate(text, [&] { return alphabet[random() % kinds]; });
         if (round % 50 == 0) text.insert(0, 600, u'w');
         Bench bench;
         const txtdfc::Txtdfc_text_view* const view = bench.attach(text);
@@ -140,6 +142,49 @@ TEST(TokenValues, AreThoseOfTheView) {
         ASSERT_EQ(txtdfc::txtdfc_token_values(text, values), view != nullptr);
         ASSERT_EQ(values, expected) << testing::PrintToString(text);
     }
+}
+
+// Answers each question with the next operation of a list.
+struct Scripted_tokeniser {
+    static std::size_t run(auto&&...) { return 0; }
+    void process(char32_t, txt::Txt_text_store&, std::uint32_t&, txt::Txt_parse_operation& next) {
+        next = static_cast<txt::Txt_parse_operation>(script.at(at++));
+    }
+    void breakpoint(txt::Txt_text_store& text, std::uint32_t& type,
+                    txt::Txt_parse_operation& next) {
+        process(0, text, type, next);
+    }
+
+    std::vector<unsigned> script;
+    std::size_t at = 0;
+};
+
+struct Deaf_sink {
+    void add_token(auto&&...) const {}
+    void add_trailer(auto&&...) const {}
+};
+
+TEST(TokenReader, RefusesATokeniserThatBreaksItsContract) {
+    const auto fault_of = [](std::vector<unsigned> script) {
+        const std::u16string text = u"ab";
+        cerc::Cerc_utf16_reader reader;
+        reader.attach(std::as_bytes(std::span(text)));
+        Scripted_tokeniser tokeniser{std::move(script)};
+        txt::Txt_text_store store;
+        Deaf_sink sink;
+        scl::Scl_status status;
+        return message_of(
+            [&] { txtdfc::Txtdfc_token_reader(reader, tokeniser, store, sink).read_all(status); });
+    };
+    const std::string fault = "logic: Txtdfc_format_codec::create_text_view() - ";
+    for (const std::vector<unsigned>& script :
+         std::vector<std::vector<unsigned>>{{3}, {0, 1, 3}, {0, 2, 4, 3}, {0, 2, 1, 3, 3}}) {
+        EXPECT_EQ(fault_of(script), fault + "haven't been checkpointed");
+    }
+    for (const unsigned operation : {0U, 1U, 2U}) {
+        EXPECT_EQ(fault_of({0, 1, operation}), fault + "unexpected operation");
+    }
+    EXPECT_EQ(fault_of({0, 2, 1, 3, 1, 4}), "nothing thrown");
 }
 
 TEST(TokenPool, LimitCountsAllTokensEverMade) {

@@ -54,48 +54,58 @@ std::size_t leading_lanes(const Large_block& mask) {
     return static_cast<std::size_t>(bits) / 16;
 }
 
-// Copies a block. Returns how many units, from the first on, are ASCII letters, digits or
-// underscores: all run units.
+// How many units, from the first on, are ASCII letters, digits or underscores: all run units.
 template <class Block>
-std::size_t copy_block(const std::byte* from, char16_t* to) {
-    Block units;
-    std::memcpy(&units, from, sizeof units);
-    std::memcpy(to, &units, sizeof units);
+std::size_t leading_word_units(const Block& units) {
     const Block folded = units | 0x20;
     const Block word =
         ((folded >= 'a') & (folded <= 'z')) | ((units >= '0') & (units <= '9')) | (units == '_');
     return leading_lanes(word);
 }
 
-// Copies leading ASCII run units in blocks, the last of which may overlap the one before, and
-// returns how many. There may be more, but not after a block that holds something else.
-template <class Block>
-std::size_t copy_ascii_run(const std::byte* from, std::size_t limit, char16_t* to) {
+// Goes through the leading ASCII run units in blocks, the last of which may overlap the one before,
+// and returns how many they are. There may be more, but not after a block that holds something
+// else. `take` is given each block and its place.
+template <class Block, class Take>
+std::size_t ascii_run(const std::byte* from, std::size_t limit, const Take& take) {
     constexpr std::size_t SIZE = sizeof(Block) / UNIT_BYTES;
+    const auto take_block = [&](std::size_t at) {
+        Block units;
+        std::memcpy(&units, from + at * UNIT_BYTES, sizeof units);
+        take(at, units);
+        return leading_word_units(units);
+    };
     std::size_t count = 0;
     while (limit - count >= SIZE) {
-        const std::size_t lanes = copy_block<Block>(from + count * UNIT_BYTES, to + count);
-        count += lanes;
-        if (lanes != SIZE) return count;
+        const std::size_t more = take_block(count);
+        count += more;
+        if (more != SIZE) return count;
     }
     if (count == 0 || count == limit) return count;
-    const std::size_t last = limit - SIZE;
-    return last + copy_block<Block>(from + last * UNIT_BYTES, to + last);
+    return limit - SIZE + take_block(limit - SIZE);
 }
 
-// Copies the leading run units, `limit` at most, and returns how many there are.
-std::size_t copy_run(const std::byte* from, std::size_t limit, char16_t* to) {
-    std::size_t count = limit < LARGE ? copy_ascii_run<Small_block>(from, limit, to)
-                                      : copy_ascii_run<Large_block>(from, limit, to);
+// How many of the units, `limit` at most, are leading run units. `take` is given them, in blocks
+// and singly, each with its place, and maybe some of those that follow.
+template <class Take>
+std::size_t leading_run(const std::byte* from, std::size_t limit, const Take& take) {
+    std::size_t count = limit < LARGE ? ascii_run<Small_block>(from, limit, take)
+                                      : ascii_run<Large_block>(from, limit, take);
     for (; count < limit; ++count) {
         const auto unit = scl::scl_load_le<char16_t>(from + count * UNIT_BYTES);
         if (!RUN_UNITS[bits_of(unit)]) break;
-        to[count] = unit;
+        take(count, unit);
     }
     return count;
 }
 
 } // namespace
+
+bool Txt_tokeniser::is_one_run(std::u16string_view text) {
+    const auto bytes = std::as_bytes(std::span(text));
+    const auto only_look = [](std::size_t, const auto&) {};
+    return leading_run(bytes.data(), text.size(), only_look) == text.size();
+}
 
 std::size_t Txt_tokeniser::take_run(std::span<const std::byte> units, Txt_text_store& text,
                                     std::uint32_t& type, Txt_parse_operation& operation) {
@@ -103,7 +113,10 @@ std::size_t Txt_tokeniser::take_run(std::span<const std::byte> units, Txt_text_s
     if (starts) text.clear();
     const std::span<char16_t> room = text.room();
     const std::size_t limit = std::min(units.size() / UNIT_BYTES, room.size());
-    const std::size_t count = copy_run(units.data(), limit, room.data());
+    const auto copy = [to = room.data()](std::size_t at, const auto& taken) {
+        std::memcpy(to + at, &taken, sizeof taken);
+    };
+    const std::size_t count = leading_run(units.data(), limit, copy);
     if (count == 0) return 0;
     text.grown(count);
     operation = Txt_parse_operation::go_on;

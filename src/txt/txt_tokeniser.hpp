@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 namespace txt {
 
@@ -36,6 +37,9 @@ public:
         if (!type_settled_ || !impl::TXT_WORD_RUNS[row_]) return 0;
         return take_run(units, text, type, operation);
     }
+
+    // Whether run() would take the whole text, which then is one token; so most words and numbers.
+    [[nodiscard]] static bool is_one_run(std::u16string_view text);
 
 private:
     using Class = scl::Scl_unicode_code_point_type;

@@ -28,12 +28,7 @@ private:
     std::vector<std::uint64_t>& values_;
 };
 
-} // namespace
-
-bool txtdfc_token_values(std::u16string_view text, std::vector<std::uint64_t>& values) {
-    values.clear();
-    if (text.starts_with(cerc::Cerc_reader_base::BYTE_ORDER_MARK)) text.remove_prefix(1);
-    if (text.empty()) return false;
+void read_values(std::u16string_view text, std::vector<std::uint64_t>& values) {
     scl::Scl_status status; // never set: what lies in memory can be read
     cerc::Cerc_utf16_reader reader;
     reader.attach(std::as_bytes(std::span(text)));
@@ -41,6 +36,19 @@ bool txtdfc_token_values(std::u16string_view text, std::vector<std::uint64_t>& v
     txt::Txt_text_store store;
     Value_list list(values);
     Txtdfc_token_reader(reader, tokeniser, store, list).read_all(status);
+}
+
+} // namespace
+
+bool txtdfc_token_values(std::u16string_view text, std::vector<std::uint64_t>& values) {
+    values.clear();
+    if (text.starts_with(cerc::Cerc_reader_base::BYTE_ORDER_MARK)) text.remove_prefix(1);
+    if (text.empty()) return false;
+    if (txt::Txt_tokeniser::is_one_run(text)) {
+        values.push_back(txt::txt_token_value(text));
+    } else {
+        read_values(text, values);
+    }
     return true;
 }
 
