@@ -75,6 +75,19 @@ TEST_F(Data_set_file, IsTheDocumentsWorkedExample) {
     EXPECT_EQ(reader.values(72, 1), Values{Small_reader::token(u"o'brien")});
 }
 
+TEST_F(Data_set_file, HoldsTheExampleCustomers) {
+    const Small_reader reader(
+        build(read_file(DSMAKE_EXAMPLES "/customers.tsv"),
+              "FirstName,Simple;Surname,SimpleNC;City,SimpleNC;CardNum,CCNUMBER",
+              {"Surname", "CardNum"}));
+    ASSERT_EQ(reader.tables().size(), 2U);
+    ASSERT_EQ(reader.records().size(), 360U);
+    const std::uint64_t third = reader.records()[2];
+    EXPECT_EQ(reader.values(third, 0), Values{Small_reader::token(u"Zo\u00EB")});
+    EXPECT_EQ(reader.values(third, 2), Values{Small_reader::token(u"li\u00E8ge")});
+    EXPECT_EQ(reader.values(third, 3), Values{Small_reader::token(u"9167192803824383")});
+}
+
 TEST_F(Data_set_file, MayBeWithoutRecords) {
     for (const std::string schema : {"A,Simple;B,SimpleNC", "A,Simple;B,Nobody"}) {
         const Small_reader reader(build("", schema, {"B", "A"}));
