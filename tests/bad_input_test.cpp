@@ -132,7 +132,9 @@ TEST_F(Bad_input, MemoryExhaustedUnwinds) {
 #if defined(__SANITIZE_ADDRESS__)
     GTEST_SKIP() << "the sanitizer reserves more address space than the limit leaves";
 #else
-    place.write("in", std::string(60000000, 'a') + "\tx\n");
+    std::string line = "\tx\n";
+    line.insert(0, 60000000, 'a');
+    place.write("in", line);
     expect_nothing_left("ulimit -v 150000; ", "std::bad_alloc\n");
 #endif
 }

@@ -85,7 +85,7 @@ TEST(Entry, OfVersion1EndsWhereItsTextsDo) {
 
 TEST(Entry, OfVersion1IsScrambledByItsPlaceInTheData) {
     EXPECT_EQ(scrambled_text("\0\0\0\0\0\0\0\0\0"s), "\x3C\x7E\x91\xD4\x0A\x6B\xE2\x58\x3C");
-    for (const std::uint64_t before : {1, 5, 11}) { // bytes of data before the record
+    for (const std::uint64_t before : {1U, 5U, 11U}) { // bytes of data before the record
         const std::string bytes = scrambled_text("more than eight bytes\nb\0"s, before);
         EXPECT_EQ(Raw_entry(bytes, 1, 0 - before).values(u"b"), tokens_of(u"b")) << before;
     }

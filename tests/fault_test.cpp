@@ -7,6 +7,8 @@ namespace {
 using test::Outcome;
 using test::Workplace;
 
+constexpr const char* PRELOAD = "LD_PRELOAD=" DSMAKE_FAIL_NTH;
+
 // Nothing may be lost without a word: either the right file, or a message, exit status 255 and no
 // file. The one exception is a scratch file that cannot be set up, which ends silently by
 // definition, the output empty.
@@ -34,7 +36,7 @@ void fail_each_operation(const std::vector<std::string>& arguments, const std::s
         place.remove("out");
         place.remove("failed");
         const Outcome outcome = place.run(
-            arguments, {"LD_PRELOAD=" DSMAKE_FAIL_NTH, "ASAN_OPTIONS=verify_asan_link_order=0",
+            arguments, {PRELOAD, "ASAN_OPTIONS=verify_asan_link_order=0",
                         "FAIL_AT=" + std::to_string(operation), on ? "FAIL_ON=1" : "FAIL_ONCE=1",
                         "FAIL_REPORT=" + place.path("failed").string()});
         expect_honest(outcome, place, expected);

@@ -73,7 +73,7 @@ TEST(Lookup, InVersion1GoesByTheGivenHash) {
 
 TEST(Lookup, ReadsOnEightBytesLaterAfterAnotherValueOfTheHash) {
     Table table({"other", "x", "x"});
-    for (const std::size_t i : {0, 1, 2}) {
+    for (const std::size_t i : {0U, 1U, 2U}) {
         table.set(i, 5, table.records[i]);
     }
     EXPECT_EQ(table.find(u"x", 5), Offsets{});
@@ -90,7 +90,7 @@ TEST(Lookup, LooksIntoThePreviousBlockOnlyWhenTheFirstPairIsAnotherValue) {
         all[2] = third;
         Table table(all);
         table.fill(BLOCK + 2);
-        for (const std::size_t i : {0, 1, 2}) { // the third stands first in its block
+        for (const std::size_t i : {0U, 1U, 2U}) { // the third stands first in its block
             table.set(BLOCK - 2 + i, 200, table.records[i]);
         }
         table.set(BLOCK + 1, 300, table.records[3]);

@@ -55,7 +55,7 @@ TEST_F(Stream, ReadsAndSeeksAreChecked) {
         EXPECT_TRUE(reported(scl::SCL_STATUS_END_OF_DATA));
     }
     EXPECT_EQ(in.tell(), 10U);
-    for (const std::uint64_t place : {10, 4000}) { // wherever the position stands
+    for (const std::uint64_t place : {10U, 4000U}) { // wherever the position stands
         in.set_position(place);
         EXPECT_EQ(in.read_char(), 0);
         EXPECT_TRUE(reported(scl::SCL_STATUS_END_OF_DATA));
