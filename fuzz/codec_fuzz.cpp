@@ -5,6 +5,7 @@
 #include "edit_model.hpp"
 #include "scl/scl_wstring_buffer.hpp"
 #include "txtdfc/txtdfc_format_codec.hpp"
+#include "txtdfc/txtdfc_token_values.hpp"
 
 #include <algorithm>
 #include <array>
@@ -71,6 +72,7 @@ public:
         unsigned cursor = 0;
         view_ = codec_.text_view(0, cursor);
         check_tokens();
+        check_values();
     }
 
     // A kind, a token, and two numbers.
@@ -113,6 +115,14 @@ private:
         }
         check(at == content_.size());
         check(view_->create_string() == content_.substr(start_));
+    }
+
+    void check_values() {
+        std::vector<std::uint64_t> values = {99};
+        check(txtdfc::txtdfc_token_values(content_, values) == (start_ != content_.size()));
+        check(std::ranges::equal(values, tokens_, {}, {}, [](const auto* token) {
+            return token->crc(txt::Txt_text_form::whole);
+        }));
     }
 
     bool edit(const txtdfc::Txtdfc_physical_token& token, std::size_t begin, std::size_t length,
