@@ -151,8 +151,7 @@ tla::Read_result Driver::read_records(scl::Scl_buffered_istream& in,
     std::vector<std::uint64_t> key_positions;
     resolve_keys(schema_.fields, key_names_, key_positions);
     scl::Scl_ostream out(records, status_, scl::Scl_eol::none);
-    tla::Record_processor processor(schema_.types, key_positions);
-    tla::Record_reader reader(in, processor, out);
+    tla::Parallel_record_reader reader(in, schema_.types, key_positions, out);
     const tla::Read_result result = reader.read_records(status_);
     in.detach();
     out.detach(status_);

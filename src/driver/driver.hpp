@@ -1,7 +1,7 @@
 #pragma once
 
 #include "driver/schema.hpp"
-#include "records/record_reader.hpp"
+#include "records/parallel_record_reader.hpp"
 #include "scl/scl_file_buffer.hpp"
 #include "scl/scl_status.hpp"
 

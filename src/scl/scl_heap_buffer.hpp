@@ -12,6 +12,8 @@ public:
     void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
                   Scl_status& status) override;
     [[nodiscard]] std::span<const std::byte> contents() const override { return bytes_; }
+    // Empties it, keeping its memory.
+    void clear() { bytes_.clear(); }
 
 private:
     std::vector<std::byte> bytes_;
