@@ -5,6 +5,7 @@ set -eu
 here=$(cd "$(dirname "$0")" && pwd)
 "$here/tools/setup.sh" g++ cmake ninja-build
 program=$here/build/run/src/driver/dsmake
+[ $# -gt 0 ] || echo 'Compiling dsmake, which takes about a minute the first time.'
 {
     cmake -S "$here" -B "$here/build/run" -G Ninja -DCMAKE_BUILD_TYPE=Release
     cmake --build "$here/build/run"

@@ -4,6 +4,8 @@
 set -eu
 cd "$(dirname "$0")"
 ./tools/setup.sh g++ cmake ninja-build libgtest-dev unicode-data bzip2 python3
+echo 'Compiling everything with sanitizers, which takes a few minutes the first time.'
 cmake --preset debug >/dev/null
 cmake --build --preset debug
+echo 'Running all tests.'
 ctest --preset debug -j "$(nproc)"

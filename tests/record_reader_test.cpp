@@ -32,9 +32,9 @@ Outcome read(std::string_view input, bool in_parallel) {
     scl::Scl_ostream out(written, status, scl::Scl_eol::none);
     tla::Record_processor processor(types, keys);
     Outcome outcome;
-    outcome.result = in_parallel
-                         ? tla::Parallel_record_reader(in, types, keys, out).read_records(status)
-                         : tla::Record_reader(in, processor, out).read_records(status);
+    outcome.result =
+        in_parallel ? tla::Parallel_record_reader(in, types, keys, out).read_records(status)
+                    : tla::Record_reader(processor, out).read_records(whole.contents(), status);
     out.detach(status);
     outcome.code = status.value();
     if (status.has_failed() || outcome.result != Read_result::finished) return outcome;

@@ -22,7 +22,7 @@ void append(scl::Scl_heap_buffer& buffer, std::span<const std::byte> bytes,
 } // namespace
 
 void Record_batch::fill(scl::Scl_buffered_istream& in, scl::Scl_status& status) {
-    lines_.clear();
+    lines_.cut(0);
     const std::uint64_t size = in.size(status);
     while (in.tell() != size && !status.has_failed()) {
         const std::span<const std::byte> window = in.window(status);
@@ -35,13 +35,13 @@ void Record_batch::fill(scl::Scl_buffered_istream& in, scl::Scl_status& status) 
         // The file became shorter while it was read.
         if (window.empty() && !status.has_failed()) status.push(scl::SCL_STATUS_END_OF_DATA);
     }
+    if (status.has_failed()) lines_.cut(whole_lines(lines_.contents())); // half a line is no fault
 }
 
 void Record_batch::process() {
-    records_.clear();
-    scl::Scl_buffered_istream in(lines_, false, status_, scl::Scl_eol::text);
+    records_.cut(0);
     out_.init(records_, status_, scl::Scl_eol::none);
-    result_ = Record_reader(in, processor_, out_).read_records(status_);
+    result_ = Record_reader(processor_, out_).read_records(lines_.contents(), status_);
     out_.detach(status_);
 }
 

@@ -2,6 +2,7 @@
 
 #include "records/record_processor.hpp"
 #include "records/record_reader.hpp"
+#include "scl/scl_buffered_istream.hpp"
 #include "scl/scl_heap_buffer.hpp"
 
 #include <cstddef>

@@ -72,77 +72,45 @@ std::string_view as_text(std::span<const std::byte> bytes) {
 
 } // namespace
 
-Record_reader::Record_reader(scl::Scl_buffered_istream& in, Record_processor& processor,
-                             scl::Scl_ostream& out)
-    : in_(in), processor_(processor), out_(out) {}
-
-Read_result Record_reader::read_records(scl::Scl_status& status) {
-    const std::uint64_t size = in_.size(status);
-    while (in_.tell() != size && goes_on(status)) {
-        const Bytes window = in_.window(status);
-        const std::size_t done = take_window(window, status);
-        in_.skip(done);
-        if (done < window.size() && goes_on(status)) take_across_windows(status);
-        // The file became shorter while it was read.
-        if (window.empty() && !status.has_failed()) status.push(scl::SCL_STATUS_END_OF_DATA);
+Read_result Record_reader::read_records(Bytes lines, scl::Scl_status& status) {
+    while (!lines.empty() && result_ == Read_result::finished && !status.has_failed()) {
+        lines = lines.subspan(take_piece(lines, status));
     }
     return result_;
 }
 
-std::size_t Record_reader::take_window(Bytes window, scl::Scl_status& status) {
-    std::size_t at = 0;
-    while (goes_on(status)) {
-        const std::size_t count = count_before_delimiter(window.subspan(at));
-        const Bytes before = window.subspan(at, count);
-        const Bytes rest = window.subspan(at + count);
-        if (!rest.empty() && rest[0] == FIELD_SEPARATOR) {
-            end_field(before);
-            at += count + 1;
-        } else if (const std::size_t line_end = line_end_size(rest); line_end != 0) {
-            end_field(before);
-            end_record(status);
-            at += count + line_end;
-        } else {
-            gather(before);
-            return at + count;
-        }
+// Takes a field or the end of one, or what stands before a byte that may begin a mark. Returns how
+// many bytes are done.
+std::size_t Record_reader::take_piece(Bytes bytes, scl::Scl_status& status) {
+    const std::size_t count = count_before_delimiter(bytes);
+    const Bytes before = bytes.first(count);
+    const Bytes rest = bytes.subspan(count);
+    if (rest.empty()) return count;
+    if (rest[0] == FIELD_SEPARATOR) {
+        end_field(before);
+        return count + 1;
     }
-    return at;
-}
-
-// The stream stands at a CR without an LF after it in the window, or at what may be a mark.
-void Record_reader::take_across_windows(scl::Scl_status& status) {
-    const Bytes window = in_.window(status);
-    if (window[0] == CARRIAGE_RETURN) {
-        take_line_feed_after_return(status);
-    } else {
-        take_mark_or_byte(status);
+    if (const std::size_t line_end = line_end_size(rest); line_end != 0) {
+        end_field(before);
+        end_record(status);
+        return count + line_end;
     }
-}
-
-void Record_reader::take_line_feed_after_return(scl::Scl_status& status) {
-    const Bytes window = in_.window(LINE_END.size(), status);
-    if (status.has_failed()) return;
-    const std::size_t size = line_end_size(window);
-    if (size == 0) {
+    if (rest[0] == CARRIAGE_RETURN) {
         result_ = Read_result::invalid_line_ending;
-        return;
+        return count;
     }
-    in_.skip(size);
-    end_field({});
-    end_record(status);
+    gather(before);
+    return count + take_mark_or_byte(rest);
 }
 
-void Record_reader::take_mark_or_byte(scl::Scl_status& status) {
-    const Bytes window = in_.window(BYTE_ORDER_MARK.size(), status);
-    if (status.has_failed()) return;
-    const bool is_mark = begins_with(window, BYTE_ORDER_MARK);
-    if (!is_mark) gather(window.first(1));
-    in_.skip(is_mark ? BYTE_ORDER_MARK.size() : 1);
+std::size_t Record_reader::take_mark_or_byte(Bytes bytes) {
+    if (begins_with(bytes, BYTE_ORDER_MARK)) return BYTE_ORDER_MARK.size();
+    gather(bytes.first(1));
+    return 1;
 }
 
-// A field beyond the last column is never looked at, so that a line of any number of fields takes
-// no memory.
+// Fields beyond the last column are only counted, so that a line of any number of them takes no
+// further memory.
 void Record_reader::gather(Bytes bytes) {
     if (field_count_ < processor_.column_count()) gathered_ += as_text(bytes);
 }

@@ -2,7 +2,6 @@
 
 #include "records/record_processor.hpp"
 #include "records/record_text.hpp"
-#include "scl/scl_buffered_istream.hpp"
 
 #include <cstddef>
 #include <span>
@@ -11,7 +10,7 @@
 namespace tla {
 
 enum class Read_result {
-    finished,             // at the end of the input, or at an error in the status
+    finished,             // at the end of the lines, or at an error in the status
     field_count_mismatch, // a line has more or fewer fields than there are columns
     invalid_line_ending,  // a CR without an LF after it
 };
@@ -21,29 +20,22 @@ enum class Read_result {
 // last line end is not a record and is left out.
 class Record_reader {
 public:
-    // All three must outlive the reader.
-    Record_reader(scl::Scl_buffered_istream& in, Record_processor& processor,
-                  scl::Scl_ostream& out);
+    // Both must outlive the reader.
+    Record_reader(Record_processor& processor, scl::Scl_ostream& out)
+        : processor_(processor), out_(out) {}
 
-    [[nodiscard]] Read_result read_records(scl::Scl_status& status);
+    [[nodiscard]] Read_result read_records(std::span<const std::byte> lines,
+                                           scl::Scl_status& status);
 
 private:
     using Bytes = std::span<const std::byte>;
 
-    // Takes lines and fields off the window's front and returns how many bytes are done; what is
-    // left begins with a byte that needs a look beyond the window.
-    [[nodiscard]] std::size_t take_window(Bytes window, scl::Scl_status& status);
-    void take_across_windows(scl::Scl_status& status);
-    void take_line_feed_after_return(scl::Scl_status& status);
-    void take_mark_or_byte(scl::Scl_status& status);
+    [[nodiscard]] std::size_t take_piece(Bytes bytes, scl::Scl_status& status);
+    [[nodiscard]] std::size_t take_mark_or_byte(Bytes bytes);
     void gather(Bytes bytes);
     void end_field(Bytes bytes);
     void end_record(scl::Scl_status& status);
-    [[nodiscard]] bool goes_on(const scl::Scl_status& status) const {
-        return result_ == Read_result::finished && !status.has_failed();
-    }
 
-    scl::Scl_buffered_istream& in_;
     Record_processor& processor_;
     scl::Scl_ostream& out_;
     Read_result result_ = Read_result::finished;

@@ -12,8 +12,8 @@ public:
     void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
                   Scl_status& status) override;
     [[nodiscard]] std::span<const std::byte> contents() const override { return bytes_; }
-    // Empties it, keeping its memory.
-    void clear() { bytes_.clear(); }
+    // Drops what stands from `size` on, which is not beyond the end; the memory is kept.
+    void cut(std::size_t size) { bytes_.resize(size); }
 
 private:
     std::vector<std::byte> bytes_;
