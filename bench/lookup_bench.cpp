@@ -1,8 +1,8 @@
 // Lookups of the same values in a data set file, in a table of sqlite3 with an index, and in a cdb.
 // bench/lookup.sh makes the files, in the folder it starts this program in.
 
-#include "scl/scl_string.hpp"
-#include "tla/tla_data_set_connector_file.hpp"
+#include "scl/text/scl_string.hpp"
+#include "tla/read/tla_data_set_connector_file.hpp"
 
 #include <benchmark/benchmark.h>
 

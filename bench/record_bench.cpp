@@ -1,5 +1,5 @@
-#include "records/formatter_types.hpp"
-#include "records/record_processor.hpp"
+#include "records/tla_formatters.hpp"
+#include "records/tla_record_processor.hpp"
 #include "sample_text.hpp"
 
 #include <benchmark/benchmark.h>
@@ -27,13 +27,14 @@ private:
 // First name, surname and card number from text to token values.
 void whole_record(benchmark::State& state, std::u16string_view first, std::u16string_view surname) {
     const std::vector<tla::Formatter_type_id> types = {
-        tla::formatter_type_id_from_name("Simple"), tla::formatter_type_id_from_name("SimpleNC"),
-        tla::formatter_type_id_from_name("CCNUMBER")};
+        tla::tla_formatter_type_id_from_name("Simple"),
+        tla::tla_formatter_type_id_from_name("SimpleNC"),
+        tla::tla_formatter_type_id_from_name("CCNUMBER")};
     const std::vector<std::uint64_t> keys = {1};
     const std::vector<std::u16string> fields = {std::u16string(first), std::u16string(surname),
                                                 u"4111-1111-1111-1111"};
     std::vector<std::u16string> record;
-    tla::Record_processor processor(types, keys);
+    tla::Tla_record_processor processor(types, keys);
     scl::Scl_status status;
     Discarding_buffer buffer;
     scl::Scl_ostream out(buffer, status, scl::Scl_eol::none);

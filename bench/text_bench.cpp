@@ -1,8 +1,8 @@
 #include "sample_text.hpp"
-#include "scl/scl_lower.hpp"
-#include "scl/scl_normalize.hpp"
-#include "scl/scl_status.hpp"
-#include "scl/scl_string.hpp"
+#include "scl/status/scl_status.hpp"
+#include "scl/text/scl_case.hpp"
+#include "scl/text/scl_normalize.hpp"
+#include "scl/text/scl_string.hpp"
 
 #include <benchmark/benchmark.h>
 

@@ -1,29 +1,25 @@
 # dsmake::reader, the installed library: what reads data set files, in one archive, with the headers
 # that its callers include and no others.
-set(READER_FLOORS scl txt cerc ucl txtdfc records tla)
-foreach(floor ${READER_FLOORS})
-    list(APPEND READER_OBJECTS $<TARGET_OBJECTS:dsmake_${floor}>)
-endforeach()
+dsmake_room_targets(READER_ROOMS scl/text scl/status scl/io scl/crc txt cerc ucl txtdfc records
+    tla/format tla/read)
+list(TRANSFORM READER_ROOMS REPLACE "(.+)" "$<TARGET_OBJECTS:\\1>" OUTPUT_VARIABLE READER_OBJECTS)
 add_library(dsmake_reader STATIC ${READER_OBJECTS})
 add_library(dsmake::reader ALIAS dsmake_reader)
 set_target_properties(dsmake_reader PROPERTIES EXPORT_NAME reader LINKER_LANGUAGE CXX)
 target_compile_features(dsmake_reader PUBLIC cxx_std_20)
 target_sources(dsmake_reader PUBLIC
     FILE_SET HEADERS BASE_DIRS ${PROJECT_SOURCE_DIR}/src FILES
-        src/tla/tla_data_set_connector_base.hpp
-        src/tla/tla_data_set_connector_file.hpp
-        src/tla/tla_data_set_entry_base.hpp
-        src/tla/tla_data_set_entry_file.hpp
-        src/tla/data_set_header.hpp
-        src/tla/key_index.hpp
+        src/tla/read/tla_data_set_connector_base.hpp
+        src/tla/read/tla_data_set_connector_file.hpp
+        src/tla/read/tla_data_set_entry_base.hpp
+        src/tla/read/tla_data_set_entry_file.hpp
+        src/tla/format/data_set_header.hpp
         src/records/field_descriptor.hpp
-        src/records/formatter_type_id.hpp
         src/records/tla_status_codes.hpp
-        src/scl/scl_status.hpp
-        src/scl/scl_status_arg.hpp
-        src/scl/scl_status_codes.hpp
-        src/scl/scl_status_lookup.hpp
-        src/scl/scl_string.hpp)
+        src/scl/status/scl_status.hpp
+        src/scl/status/scl_status_codes.hpp
+        src/scl/status/scl_status_lookup.hpp
+        src/scl/text/scl_string.hpp)
 if(DSMAKE_WHOLE_PROGRAM AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # Only the ordinary code goes out: the other form fits no compiler but the one that made it.
     add_custom_command(TARGET dsmake_reader POST_BUILD VERBATIM

@@ -3,7 +3,7 @@
 // The input: a byte of options, a byte that counts operations, four bytes for each, the content.
 
 #include "edit_model.hpp"
-#include "scl/scl_wstring_buffer.hpp"
+#include "scl/io/scl_buffers.hpp"
 #include "txtdfc/txtdfc_format_codec.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 

@@ -1,9 +1,9 @@
 // A data set file with anything in it: loading, listing, entries and lookups end with a status.
 
 #include "fuzz_file.hpp"
-#include "scl/scl_endian.hpp"
-#include "scl/scl_string.hpp"
-#include "tla/tla_data_set_connector_file.hpp"
+#include "scl/io/scl_endian.hpp"
+#include "scl/text/scl_string.hpp"
+#include "tla/read/tla_data_set_connector_file.hpp"
 
 namespace {
 

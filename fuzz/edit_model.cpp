@@ -1,7 +1,7 @@
 #include "edit_model.hpp"
 
-#include "scl/scl_string.hpp"
-#include "scl/scl_unicode.hpp"
+#include "scl/text/scl_string.hpp"
+#include "scl/text/scl_unicode.hpp"
 
 #include <algorithm>
 

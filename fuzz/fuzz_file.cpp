@@ -1,8 +1,8 @@
 #include "fuzz_file.hpp"
 
-#include "scl/scl_crc64.hpp"
-#include "scl/scl_endian.hpp"
-#include "tla/data_set_layout.hpp"
+#include "scl/crc/scl_crc64.hpp"
+#include "scl/io/scl_endian.hpp"
+#include "tla/format/data_set_layout.hpp"
 
 #include <cstdlib>
 #include <vector>
@@ -15,10 +15,10 @@ namespace fuzz {
 Fuzz_file::Fuzz_file(std::span<const std::byte> bytes)
     : descriptor_(memfd_create("fuzz", MFD_CLOEXEC)) {
     std::vector<std::byte> sealed(bytes.begin(), bytes.end());
-    if (sealed.size() > tla::CHECKED_FROM) {
+    if (sealed.size() > tla::TLA_CHECKED_FROM) {
         scl::Scl_crc64 checksum;
-        checksum.update(std::span(sealed).subspan(tla::CHECKED_FROM));
-        scl::scl_store_le(&sealed[tla::CHECKSUM_OFFSET], checksum.result(false));
+        checksum.update(std::span(sealed).subspan(tla::TLA_CHECKED_FROM));
+        scl::scl_store_le(&sealed[tla::TLA_CHECKSUM_OFFSET], checksum.result(false));
     }
     const ssize_t written = write(descriptor_, sealed.data(), sealed.size());
     if (written != static_cast<ssize_t>(sealed.size())) std::abort();

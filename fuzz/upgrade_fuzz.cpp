@@ -1,10 +1,10 @@
 // An old data set file with anything in it: upgrading it fails, or gives a file that can be loaded.
 
 #include "fuzz_file.hpp"
-#include "scl/scl_heap_buffer.hpp"
-#include "scl/scl_string.hpp"
-#include "tla/tla_data_set_connector_file.hpp"
-#include "tla/upgrade_data_set.hpp"
+#include "scl/io/scl_buffers.hpp"
+#include "scl/text/scl_string.hpp"
+#include "tla/read/tla_data_set_connector_file.hpp"
+#include "tla/upgrade/upgrade_data_set.hpp"
 
 #include <cstdlib>
 

@@ -1,5 +1,5 @@
 #include "fuzz/edit_model.hpp"
-#include "scl/scl_heap_buffer.hpp"
+#include "scl/io/scl_buffers.hpp"
 #include "token_support.hpp"
 #include "ucl/ucl_buffer_patcher.hpp"
 

@@ -1,8 +1,8 @@
 #include "piecewise_buffer.hpp"
-#include "scl/scl_crc64.hpp"
+#include "scl/crc/scl_crc64.hpp"
 #include "token_support.hpp"
-#include "txtdfc/dff_annotation_facet.hpp"
-#include "txtdfc/txtdfc_token_reader.hpp"
+#include "txtdfc/dfc_facets.hpp"
+#include "txtdfc/token_reader.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
 #include <random>
@@ -174,7 +174,7 @@ TEST(TokenReader, RefusesATokeniserThatBreaksItsContract) {
         Deaf_sink sink;
         scl::Scl_status status;
         return message_of(
-            [&] { txtdfc::Txtdfc_token_reader(reader, tokeniser, store, sink).read_all(status); });
+            [&] { txtdfc::Token_reader(reader, tokeniser, store, sink).read_all(status); });
     };
     const std::string fault = "logic: Txtdfc_format_codec::create_text_view() - ";
     for (const std::vector<unsigned>& script :

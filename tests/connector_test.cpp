@@ -1,7 +1,7 @@
 #include "data_set_files.hpp"
-#include "records/tla_simplenc_formatter.hpp"
+#include "records/tla_formatters.hpp"
 #include "records/tla_status_codes.hpp"
-#include "tla/index_block_size.hpp"
+#include "tla/read/key_index.hpp"
 
 #include <algorithm>
 

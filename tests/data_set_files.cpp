@@ -1,13 +1,13 @@
 #include "data_set_files.hpp"
 
 #include "driver/schema.hpp"
-#include "records/record_processor.hpp"
-#include "scl/scl_crc64.hpp"
-#include "scl/scl_heap_buffer.hpp"
-#include "scl/scl_string.hpp"
-#include "tla/data_set_generator.hpp"
-#include "tla/data_set_layout.hpp"
-#include "tla/upgrade_data_set.hpp"
+#include "records/tla_record_processor.hpp"
+#include "scl/crc/scl_crc64.hpp"
+#include "scl/io/scl_buffers.hpp"
+#include "scl/text/scl_string.hpp"
+#include "tla/build/data_set_generator.hpp"
+#include "tla/format/data_set_layout.hpp"
+#include "tla/upgrade/upgrade_data_set.hpp"
 
 #include <algorithm>
 
@@ -49,7 +49,7 @@ std::string version1(std::string_view schema, const Keys& keys, const Rows& rows
 std::string version2(std::string_view schema, const Keys& keys, const Rows& rows) {
     driver::Schema parsed;
     (void)driver::parse_schema(schema, parsed);
-    tla::Record_processor processor(parsed.types, {});
+    tla::Tla_record_processor processor(parsed.types, {});
     scl::Scl_status status;
     scl::Scl_heap_buffer records;
     scl::Scl_ostream out(records, status, scl::Scl_eol::none);
@@ -69,7 +69,7 @@ std::uint64_t key_tables_of(const std::string& file) {
 }
 
 std::uint64_t pairs_of_first_key(const std::string& file) {
-    return tla::aligned(file.find('\0', key_tables_of(file)) + 1);
+    return tla::tla_aligned(file.find('\0', key_tables_of(file)) + 1);
 }
 
 void share_first_record(std::string& file) {

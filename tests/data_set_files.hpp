@@ -1,8 +1,8 @@
 #pragma once
 
 #include "program.hpp"
-#include "scl/scl_endian.hpp"
-#include "tla/tla_data_set_connector_file.hpp"
+#include "scl/io/scl_endian.hpp"
+#include "tla/read/tla_data_set_connector_file.hpp"
 #include "version1_file.hpp"
 
 #include <gtest/gtest.h>

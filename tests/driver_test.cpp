@@ -1,8 +1,6 @@
 #include "driver/option_scanner.hpp"
 #include "driver/schema.hpp"
-#include "records/tla_ccnum_formatter.hpp"
-#include "records/tla_simple_formatter.hpp"
-#include "records/tla_simplenc_formatter.hpp"
+#include "records/tla_formatters.hpp"
 
 #include <gtest/gtest.h>
 

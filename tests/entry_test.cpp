@@ -1,7 +1,7 @@
 #include "data_set_files.hpp"
 #include "records/tla_status_codes.hpp"
-#include "scl/scl_heap_buffer.hpp"
-#include "tla/scrambling.hpp"
+#include "scl/io/scl_buffers.hpp"
+#include "tla/format/data_set_layout.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
 #include <optional>
@@ -43,7 +43,7 @@ struct Raw_entry {
 
 std::string scrambled_text(std::string text, std::uint64_t position = 0) {
     for (char& byte : text) {
-        byte = tla::scrambled(byte, position++);
+        byte = tla::tla_scrambled(byte, position++);
     }
     return text;
 }

@@ -1,6 +1,6 @@
 #include "data_set_files.hpp"
 #include "records/tla_status_codes.hpp"
-#include "tla/data_set_layout.hpp"
+#include "tla/format/data_set_layout.hpp"
 
 #include <algorithm>
 #include <random>

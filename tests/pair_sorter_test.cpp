@@ -1,4 +1,4 @@
-#include "tla/pair_sorter.hpp"
+#include "tla/sort/pair_sorter.hpp"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@ namespace {
 
 using tla::Index_pair;
 
-struct Collector final : tla::Pair_sink {
+struct Collector final : tla::Tla_pair_sink {
     void take(std::span<const Index_pair> more) override {
         pairs.insert(pairs.end(), more.begin(), more.end());
     }
@@ -19,7 +19,7 @@ struct Collector final : tla::Pair_sink {
 // Sorts `count` pairs whose hashes `make_hash` gives, and compares with the standard's stable sort.
 template <typename Make_hash>
 void expect_sorted(std::size_t count, std::size_t expected_count, Make_hash make_hash) {
-    tla::Pair_sorter sorter(expected_count);
+    tla::Tla_pair_sorter sorter(expected_count);
     std::vector<Index_pair> model;
     for (std::size_t i = 0; i < count; ++i) {
         model.push_back({make_hash(i), i});
@@ -34,7 +34,7 @@ void expect_sorted(std::size_t count, std::size_t expected_count, Make_hash make
     EXPECT_TRUE(std::ranges::equal(collector.pairs, model, same)) << count;
 }
 
-TEST(Pair_sorter, SortsUniformHashesOfAnyNumber) {
+TEST(Tla_pair_sorter, SortsUniformHashesOfAnyNumber) {
     std::mt19937_64 random(11);
     for (const std::size_t count : {0U, 1U, 2U, 31U, 254U, 256U, 5000U, 300000U}) {
         expect_sorted(count, count, [&random](std::size_t) { return random(); });
@@ -43,7 +43,7 @@ TEST(Pair_sorter, SortsUniformHashesOfAnyNumber) {
 }
 
 // With few distinct keys a bucket outgrows the cache and is split; with one it is sorted already.
-TEST(Pair_sorter, KeepsTheOrderOfEqualHashes) {
+TEST(Tla_pair_sorter, KeepsTheOrderOfEqualHashes) {
     constexpr std::size_t COUNT = 200000;
     std::mt19937_64 random(12);
     expect_sorted(COUNT, COUNT, [](std::size_t) { return 0x0123456789ABCDEFU; });

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scl/scl_buffer.hpp"
+#include "scl/io/scl_buffer.hpp"
 
 #include <functional>
 #include <utility>

@@ -1,6 +1,6 @@
 #include "piecewise_buffer.hpp"
-#include "records/formatter_types.hpp"
 #include "records/parallel_record_reader.hpp"
+#include "records/tla_formatters.hpp"
 #include "records/tla_status_codes.hpp"
 
 #include <gtest/gtest.h>
@@ -9,10 +9,10 @@
 
 namespace {
 
-using tla::Read_result;
+using tla::Tla_read_result;
 
 struct Outcome {
-    Read_result result = Read_result::finished;
+    Tla_read_result result = Tla_read_result::finished;
     scl::Scl_status_code code = 0;
     std::string records;
 
@@ -20,8 +20,8 @@ struct Outcome {
 };
 
 Outcome read(std::string_view input, bool in_parallel) {
-    const std::vector types = {tla::formatter_type_id_from_name("Simple"),
-                               tla::formatter_type_id_from_name("SimpleNC")};
+    const std::vector types = {tla::tla_formatter_type_id_from_name("Simple"),
+                               tla::tla_formatter_type_id_from_name("SimpleNC")};
     const std::vector<std::uint64_t> keys = {1};
     scl::Scl_status status;
     scl::Scl_heap_buffer whole;
@@ -30,14 +30,14 @@ Outcome read(std::string_view input, bool in_parallel) {
     scl::Scl_buffered_istream in(file, false, status, scl::Scl_eol::text);
     scl::Scl_heap_buffer written;
     scl::Scl_ostream out(written, status, scl::Scl_eol::none);
-    tla::Record_processor processor(types, keys);
+    tla::Tla_record_processor processor(types, keys);
     Outcome outcome;
     outcome.result =
         in_parallel ? tla::Parallel_record_reader(in, types, keys, out).read_records(status)
-                    : tla::Record_reader(processor, out).read_records(whole.contents(), status);
+                    : tla::Tla_record_reader(processor, out).read_records(whole.contents(), status);
     out.detach(status);
     outcome.code = status.value();
-    if (status.has_failed() || outcome.result != Read_result::finished) return outcome;
+    if (status.has_failed() || outcome.result != Tla_read_result::finished) return outcome;
     const auto bytes = written.contents();
     outcome.records.assign(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     return outcome;
@@ -61,7 +61,7 @@ TEST(RecordReader, ReadsInParallelWhatItReadsAlone) {
                                                          "c\td\n"),
                                     lines_with(long_line, long_line) + "no line end"}) {
         const Outcome outcome = read(good, true);
-        EXPECT_EQ(outcome.result, Read_result::finished);
+        EXPECT_EQ(outcome.result, Tla_read_result::finished);
         EXPECT_EQ(outcome.code, 0U);
         EXPECT_TRUE(outcome == read(good, false));
     }
@@ -71,11 +71,13 @@ TEST(RecordReader, TheFirstFaultCounts) {
     const std::string no_key = "a\t \n";
     const std::string no_field = "a\n";
     EXPECT_EQ(read(lines_with(no_key, no_field), true).code, tla::TLA_STATUS_EMPTY_KEY);
-    EXPECT_EQ(read(lines_with(no_field, no_key), true).result, Read_result::field_count_mismatch);
-    EXPECT_EQ(read(lines_with("", no_field), true).result, Read_result::field_count_mismatch);
+    EXPECT_EQ(read(lines_with(no_field, no_key), true).result,
+              Tla_read_result::field_count_mismatch);
+    EXPECT_EQ(read(lines_with("", no_field), true).result, Tla_read_result::field_count_mismatch);
     EXPECT_EQ(read(lines_with("a\rb\tc\n", no_field), true).result,
-              Read_result::invalid_line_ending);
-    EXPECT_EQ(read(lines_with("", "") + "a\tb\r", true).result, Read_result::invalid_line_ending);
+              Tla_read_result::invalid_line_ending);
+    EXPECT_EQ(read(lines_with("", "") + "a\tb\r", true).result,
+              Tla_read_result::invalid_line_ending);
 }
 
 } // namespace

@@ -1,6 +1,6 @@
-#include "scl/scl_status.hpp"
-#include "scl/scl_status_lookup.hpp"
-#include "scl/scl_string.hpp"
+#include "scl/status/scl_status.hpp"
+#include "scl/status/scl_status_lookup.hpp"
+#include "scl/text/scl_string.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,7 @@
 #include "piecewise_buffer.hpp"
-#include "scl/scl_buffered_istream.hpp"
-#include "scl/scl_heap_buffer.hpp"
-#include "scl/scl_ostream.hpp"
-#include "scl/scl_sub_buffer.hpp"
+#include "scl/io/scl_buffered_istream.hpp"
+#include "scl/io/scl_buffers.hpp"
+#include "scl/io/scl_ostream.hpp"
 
 #include <gtest/gtest.h>
 

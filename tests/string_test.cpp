@@ -1,5 +1,5 @@
-#include "scl/scl_compare.hpp"
-#include "scl/scl_string.hpp"
+#include "scl/text/scl_case.hpp"
+#include "scl/text/scl_string.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "scl/scl_crc64.hpp"
+#include "scl/crc/scl_crc64.hpp"
 #include "token_support.hpp"
 
 #include <iterator>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "scl/scl_utf.hpp"
-#include "scl/scl_wstring_buffer.hpp"
+#include "scl/io/scl_buffers.hpp"
+#include "scl/text/scl_utf.hpp"
 #include "txtdfc/txtdfc_format_codec.hpp"
 
 #include <gtest/gtest.h>

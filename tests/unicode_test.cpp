@@ -1,10 +1,9 @@
-#include "scl/scl_compare.hpp"
-#include "scl/scl_lower.hpp"
-#include "scl/scl_normalize.hpp"
-#include "scl/scl_status.hpp"
-#include "scl/scl_string.hpp"
-#include "scl/scl_unicode.hpp"
-#include "scl/scl_utf.hpp"
+#include "scl/status/scl_status.hpp"
+#include "scl/text/scl_case.hpp"
+#include "scl/text/scl_normalize.hpp"
+#include "scl/text/scl_string.hpp"
+#include "scl/text/scl_unicode.hpp"
+#include "scl/text/scl_utf.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,6 @@
 #include "cerc/cerc_utf16_reader.hpp"
 #include "piecewise_buffer.hpp"
-#include "scl/scl_sub_buffer.hpp"
-#include "scl/scl_wstring_buffer.hpp"
+#include "scl/io/scl_buffers.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "scl/scl_unicode.hpp"
+#include "scl/text/scl_unicode.hpp"
 #include "token_support.hpp"
 
 #include <fstream>

@@ -3,4 +3,4 @@
 set -eu
 cd "$(dirname "$0")/.."
 python3 tools/make_unicode_tables.py
-git diff --exit-code -- src/scl/scl_unicode_tables.cpp
+git diff --exit-code -- src/scl/text/unicode_tables.cpp

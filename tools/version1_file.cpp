@@ -1,12 +1,11 @@
 #include "version1_file.hpp"
 
-#include "records/formatter_types.hpp"
-#include "scl/scl_crc64.hpp"
-#include "scl/scl_endian.hpp"
-#include "scl/scl_string.hpp"
-#include "tla/data_set_layout.hpp"
-#include "tla/index_pair.hpp"
-#include "tla/scrambling.hpp"
+#include "records/tla_formatters.hpp"
+#include "scl/crc/scl_crc64.hpp"
+#include "scl/io/scl_endian.hpp"
+#include "scl/text/scl_string.hpp"
+#include "tla/format/data_set_layout.hpp"
+#include "tla/sort/pair_cells.hpp"
 
 #include <algorithm>
 #include <span>
@@ -32,12 +31,12 @@ void put_le(std::string& bytes, std::size_t offset, T value) {
 }
 
 void pad(std::string& bytes) {
-    bytes.resize(tla::aligned(bytes.size()));
+    bytes.resize(tla::tla_aligned(bytes.size()));
 }
 
 void append_header(std::string& bytes, const std::vector<tla::Field_descriptor>& fields,
                    std::size_t key_count, std::size_t record_count) {
-    bytes += tla::DATA_SET_MAGIC;
+    bytes += tla::TLA_DATA_SET_MAGIC;
     append_le(bytes, std::uint64_t{0}); // the checksum, last of all
     append_le(bytes, std::uint64_t{0}); // where the key tables begin, when the records are there
     append_le(bytes, OLD_VERSION);
@@ -45,11 +44,11 @@ void append_header(std::string& bytes, const std::vector<tla::Field_descriptor>&
     append_le(bytes, static_cast<std::uint32_t>(record_count));
     for (const tla::Field_descriptor& field : fields) {
         scl::scl_string_append(bytes, field.name);
-        bytes += tla::FIELD_NAME_END;
-        bytes += tla::formatter_name_from_type_id(field.type);
-        bytes += tla::NAME_END;
+        bytes += tla::TLA_FIELD_NAME_END;
+        bytes += tla::tla_formatter_name_from_type_id(field.type);
+        bytes += tla::TLA_NAME_END;
     }
-    bytes += tla::FIELD_LIST_END;
+    bytes += tla::TLA_FIELD_LIST_END;
     pad(bytes);
 }
 
@@ -61,11 +60,11 @@ std::vector<std::uint64_t> append_records(std::string& bytes, const Rows& rows) 
         offsets.push_back(bytes.size());
         for (const std::string& text : texts) {
             bytes += text;
-            bytes += &text == &texts.back() ? tla::TEXT_RECORD_END : tla::TEXT_END;
+            bytes += &text == &texts.back() ? tla::TLA_TEXT_RECORD_END : tla::TLA_TEXT_END;
         }
     }
     for (std::size_t i = data_start; i < bytes.size(); ++i) {
-        bytes[i] = tla::scrambled(bytes[i], i - data_start);
+        bytes[i] = tla::tla_scrambled(bytes[i], i - data_start);
     }
     return offsets;
 }
@@ -73,7 +72,7 @@ std::vector<std::uint64_t> append_records(std::string& bytes, const Rows& rows) 
 void append_key_table(std::string& bytes, std::string_view name,
                       std::vector<tla::Index_pair> pairs) {
     bytes += name;
-    bytes += tla::NAME_END;
+    bytes += tla::TLA_NAME_END;
     pad(bytes);
     std::ranges::stable_sort(pairs, tla::hash_less);
     for (const tla::Index_pair& pair : pairs) {
@@ -123,8 +122,8 @@ std::string make_version1_file(const std::vector<tla::Field_descriptor>& fields,
         append_key_table(bytes, name, std::move(pairs));
     }
     scl::Scl_crc64 checksum;
-    checksum.update(std::as_bytes(std::span(bytes)).subspan(tla::CHECKED_FROM));
-    put_le(bytes, tla::CHECKSUM_OFFSET, checksum.result(false));
+    checksum.update(std::as_bytes(std::span(bytes)).subspan(tla::TLA_CHECKED_FROM));
+    put_le(bytes, tla::TLA_CHECKSUM_OFFSET, checksum.result(false));
     return bytes;
 }
 

@@ -6,9 +6,9 @@
 // file. Without VALUE, the values are the lines of standard input, and each gives a line. The exit
 // status is 0 when every value was found, 1 when one was not, 2 after an error.
 
-#include "scl/scl_status_lookup.hpp"
-#include "scl/scl_string.hpp"
-#include "tla/tla_data_set_connector_file.hpp"
+#include "scl/status/scl_status_lookup.hpp"
+#include "scl/text/scl_string.hpp"
+#include "tla/read/tla_data_set_connector_file.hpp"
 
 #include <algorithm>
 #include <iostream>

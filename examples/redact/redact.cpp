@@ -3,13 +3,13 @@
 // Of every number of 12 or more digits only the last four digits stay. The note is added as a line
 // at the end. OUT must not exist.
 
-#include "scl/scl_file_buffer.hpp"
-#include "scl/scl_status_lookup.hpp"
-#include "scl/scl_string.hpp"
-#include "scl/scl_unicode.hpp"
-#include "scl/scl_utf.hpp"
-#include "scl/scl_wstring_buffer.hpp"
-#include "txt/txt_token_type.hpp"
+#include "scl/io/scl_buffers.hpp"
+#include "scl/io/scl_file_buffer.hpp"
+#include "scl/status/scl_status_lookup.hpp"
+#include "scl/text/scl_string.hpp"
+#include "scl/text/scl_unicode.hpp"
+#include "scl/text/scl_utf.hpp"
+#include "txt/txt_token_types.hpp"
 #include "txtdfc/txtdfc_format_codec.hpp"
 
 #include <cstdio>

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "cerc/cerc_reader_base.hpp"
-#include "scl/scl_buffered_istream.hpp"
-#include "scl/scl_endian.hpp"
-#include "scl/scl_utf.hpp"
+#include "scl/io/scl_buffered_istream.hpp"
+#include "scl/io/scl_endian.hpp"
+#include "scl/text/scl_utf.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,6 +10,16 @@
 #include <span>
 
 namespace cerc {
+
+// What the readers of characters share.
+class Cerc_reader_base {
+public:
+    // Read in place of a character when there is none left; no code point has this value.
+    static constexpr char32_t END_OF_DATA = 0xFFFFFFFF;
+
+    // At the front of content it says how that is encoded, and is no part of the text.
+    static constexpr char16_t BYTE_ORDER_MARK = 0xFEFF;
+};
 
 // Reads little-endian UTF-16 code point by code point. A surrogate without its partner comes out as
 // the code point of its own value. A last byte that is no whole unit is no character: the data ends

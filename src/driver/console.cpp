@@ -1,13 +1,47 @@
 #include "driver/console.hpp"
 
-#include "driver/usage_text.hpp"
-#include "scl/scl_status_lookup.hpp"
-#include "scl/scl_string.hpp"
+#include "scl/status/scl_status_lookup.hpp"
+#include "scl/text/scl_string.hpp"
 
 #include <array>
 #include <cstdio>
+#include <string_view>
 
 namespace driver {
+
+inline constexpr std::string_view USAGE_TEXT[] = {
+    "",
+    "dsmake 22.08.00",
+    "",
+    "Usage:",
+    "",
+    "\tdsmake -k <key_name>  (-k <key_name>)* -s <schema> -i <input_file> -o <output_file>",
+    "\tdsmake -u -i <input_file> -o <output_file>",
+    "\tdsmake -h",
+    "",
+    "Where:",
+    "",
+    "\t<key_name>\tis the field name of one of the key field. This must be specified in <schema>",
+    "",
+    "\t<schema>\tis a semi-colon separated list of comma separated pairs. Where the first value",
+    "\t\t\tin the pair is the field name in the schema and the second is the formatter type name",
+    "\t\t\tto be used to format that field. E.g:",
+    "\t\t\tFirstName,Simple;Surname,SimpleNC; CardNum,CCNUMBER",
+    "",
+    "\t\t\tNOTE: The order the fields are specified in the <schema> MUST match the order they are",
+    "\t\t\tin the input file. There are no column headers in the input file. The only way it can",
+    "\t\t\tidentify the fields in the input is from their order in the specified <schema>.",
+    "",
+    "\t<input_file>\tis the relative filename of the input file",
+    "",
+    "\t<output_file>\tis the relative filename of the output file. If the output file already",
+    "\t\t\texists dsmake will fail",
+    "",
+    "\t-u  means upgrade the file to the latest version.",
+    "",
+    "\t-h  means just display usage message.",
+    "",
+};
 
 namespace {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scl/scl_status.hpp"
+#include "scl/status/scl_status.hpp"
 
 #include <string>
 

@@ -2,11 +2,10 @@
 
 #include "driver/console.hpp"
 #include "driver/option_scanner.hpp"
-#include "driver/scratch_name.hpp"
-#include "scl/scl_string.hpp"
-#include "tla/data_set_generator.hpp"
-#include "tla/scratch_file.hpp"
-#include "tla/upgrade_data_set.hpp"
+#include "scl/text/scl_string.hpp"
+#include "tla/build/data_set_generator.hpp"
+#include "tla/build/scratch_file.hpp"
+#include "tla/upgrade/upgrade_data_set.hpp"
 
 #include <cctype>
 #include <cstdio>
@@ -82,7 +81,7 @@ bool Driver::take_option(char letter) {
 
 bool Driver::open_input(std::string_view name) {
     input_name_ = name;
-    const bool usable = !leads_to_scratch(input_name_);
+    const bool usable = !tla::tla_leads_to_scratch(input_name_);
     if (usable) {
         input_.open(wide(name), scl::Scl_file_open::existing, scl::Scl_file_access::read,
                     scl::SCL_FILE_PLAIN, scl::SCL_FILE_FRONT_TO_BACK, status_);
@@ -94,7 +93,7 @@ bool Driver::open_input(std::string_view name) {
 
 bool Driver::open_output(std::string_view name) {
     output_name_ = name;
-    const bool usable = !would_be_scratch(output_name_);
+    const bool usable = !tla::tla_would_be_scratch(output_name_);
     if (usable) {
         output_.open(wide(name), scl::Scl_file_open::create, scl::Scl_file_access::read_write,
                      scl::SCL_FILE_PLAIN, scl::SCL_FILE_FRONT_TO_BACK, status_);
@@ -127,16 +126,16 @@ int Driver::upgrade() {
 int Driver::build() {
     scl::Scl_buffered_istream in(input_, false, status_, scl::Scl_eol::text);
     scl::Scl_file_buffer records;
-    tla::open_scratch_file(records, status_);
+    tla::tla_open_scratch_file(records, status_);
     if (!status_.ok()) return EXIT_OK; // silent: nothing was read, and the output stays empty
     switch (read_records(in, records)) {
-    case tla::Read_result::field_count_mismatch:
+    case tla::Tla_read_result::field_count_mismatch:
         (void)fail_with_usage("Field count does not match the schema.");
         return EXIT_FAULT;
-    case tla::Read_result::invalid_line_ending:
+    case tla::Tla_read_result::invalid_line_ending:
         (void)fail_with_usage("Invalid line ending in input file.");
         return EXIT_FAULT;
-    case tla::Read_result::finished:
+    case tla::Tla_read_result::finished:
         break;
     }
     if (status_.ok()) {
@@ -146,13 +145,13 @@ int Driver::build() {
     return report_generation();
 }
 
-tla::Read_result Driver::read_records(scl::Scl_buffered_istream& in,
-                                      scl::Scl_file_buffer& records) {
+tla::Tla_read_result Driver::read_records(scl::Scl_buffered_istream& in,
+                                          scl::Scl_file_buffer& records) {
     std::vector<std::uint64_t> key_positions;
     resolve_keys(schema_.fields, key_names_, key_positions);
     scl::Scl_ostream out(records, status_, scl::Scl_eol::none);
     tla::Parallel_record_reader reader(in, schema_.types, key_positions, out);
-    const tla::Read_result result = reader.read_records(status_);
+    const tla::Tla_read_result result = reader.read_records(status_);
     in.detach();
     out.detach(status_);
     return result;

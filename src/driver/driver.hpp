@@ -2,8 +2,8 @@
 
 #include "driver/schema.hpp"
 #include "records/parallel_record_reader.hpp"
-#include "scl/scl_file_buffer.hpp"
-#include "scl/scl_status.hpp"
+#include "scl/io/scl_file_buffer.hpp"
+#include "scl/status/scl_status.hpp"
 
 #include <exception>
 #include <string>
@@ -38,8 +38,8 @@ private:
 
     [[nodiscard]] int upgrade();
     [[nodiscard]] int build();
-    [[nodiscard]] tla::Read_result read_records(scl::Scl_buffered_istream& in,
-                                                scl::Scl_file_buffer& records);
+    [[nodiscard]] tla::Tla_read_result read_records(scl::Scl_buffered_istream& in,
+                                                    scl::Scl_file_buffer& records);
     [[nodiscard]] int report_generation();
     void close_output();
     void remove_output();

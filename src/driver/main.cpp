@@ -1,6 +1,6 @@
 #include "driver/driver.hpp"
-#include "scl/scl_file.hpp"
-#include "scl/scl_string.hpp"
+#include "scl/io/scl_file.hpp"
+#include "scl/text/scl_string.hpp"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,9 +1,8 @@
 #include "driver/schema.hpp"
 
-#include "records/formatter_types.hpp"
-#include "scl/scl_compare.hpp"
-#include "scl/scl_string.hpp"
-#include "scl/scl_tokeniser.hpp"
+#include "records/tla_formatters.hpp"
+#include "scl/text/scl_case.hpp"
+#include "scl/text/scl_string.hpp"
 
 #include <algorithm>
 
@@ -25,7 +24,7 @@ bool parse_field(std::u16string_view text, Schema& schema) {
     if (pieces.empty() || pieces.size() % 2 != 0) return false;
     std::string type_name;
     scl::scl_wtos(pieces[1], type_name, true);
-    schema.types.push_back(tla::formatter_type_id_from_name(type_name));
+    schema.types.push_back(tla::tla_formatter_type_id_from_name(type_name));
     schema.fields.push_back({pieces[0], schema.types.back()});
     return true;
 }

@@ -24,10 +24,12 @@ Parallel_record_reader::Parallel_record_reader(scl::Scl_buffered_istream& in,
     }
 }
 
-Read_result Parallel_record_reader::read_records(scl::Scl_status& status) {
-    Read_result result = Read_result::finished;
+Tla_read_result Parallel_record_reader::read_records(scl::Scl_status& status) {
+    Tla_read_result result = Tla_read_result::finished;
     scl::Scl_status reading; // its failure comes after all that is wrong with the lines before
-    const auto goes_on = [&] { return result == Read_result::finished && !status.has_failed(); };
+    const auto goes_on = [&] {
+        return result == Tla_read_result::finished && !status.has_failed();
+    };
     std::size_t turn = 0;
     for (; goes_on(); ++turn) {
         result = deliver(slot_of(turn), status);
@@ -53,8 +55,8 @@ bool Parallel_record_reader::start(Slot& slot, bool is_first, scl::Scl_status& s
 }
 
 // What the slot was started with, if anything.
-Read_result Parallel_record_reader::deliver(Slot& slot, scl::Scl_status& status) {
-    if (!slot.processed.valid()) return Read_result::finished;
+Tla_read_result Parallel_record_reader::deliver(Slot& slot, scl::Scl_status& status) {
+    if (!slot.processed.valid()) return Tla_read_result::finished;
     slot.processed.get();
     return slot.batch.deliver(out_, status);
 }

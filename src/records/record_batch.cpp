@@ -41,14 +41,14 @@ void Record_batch::fill(scl::Scl_buffered_istream& in, scl::Scl_status& status) 
 void Record_batch::process() {
     records_.cut(0);
     out_.init(records_, status_, scl::Scl_eol::none);
-    result_ = Record_reader(processor_, out_).read_records(lines_.contents(), status_);
+    result_ = Tla_record_reader(processor_, out_).read_records(lines_.contents(), status_);
     out_.detach(status_);
 }
 
-Read_result Record_batch::deliver(scl::Scl_ostream& out, scl::Scl_status& status) const {
+Tla_read_result Record_batch::deliver(scl::Scl_ostream& out, scl::Scl_status& status) const {
     if (status_.has_failed()) {
         status.push_top(status_);
-    } else if (result_ == Read_result::finished) {
+    } else if (result_ == Tla_read_result::finished) {
         const std::span<const std::byte> records = records_.contents();
         out.write(records.size(), records.data(), status);
     }

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "records/record_processor.hpp"
-#include "records/record_reader.hpp"
-#include "scl/scl_buffered_istream.hpp"
-#include "scl/scl_heap_buffer.hpp"
+#include "records/tla_record_processor.hpp"
+#include "records/tla_record_reader.hpp"
+#include "scl/io/scl_buffered_istream.hpp"
+#include "scl/io/scl_buffers.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -18,7 +18,7 @@ public:
     // A batch has about as many bytes, unless one line is longer.
     static constexpr std::size_t BYTES = std::size_t{512} << 10;
 
-    // As Record_processor.
+    // As Tla_record_processor.
     Record_batch(std::span<const Formatter_type_id> types,
                  std::span<const std::uint64_t> key_positions)
         : processor_(types, key_positions) {}
@@ -31,16 +31,17 @@ public:
     // Makes records of the lines.
     void process();
 
-    // Writes the records; or, when a line had none, says so as Record_reader::read_records does.
-    [[nodiscard]] Read_result deliver(scl::Scl_ostream& out, scl::Scl_status& status) const;
+    // Writes the records; or, when a line had none, says so as Tla_record_reader::read_records
+    // does.
+    [[nodiscard]] Tla_read_result deliver(scl::Scl_ostream& out, scl::Scl_status& status) const;
 
 private:
     scl::Scl_heap_buffer lines_;
     scl::Scl_heap_buffer records_;
     scl::Scl_ostream out_;
     scl::Scl_status status_;
-    Read_result result_ = Read_result::finished;
-    Record_processor processor_;
+    Tla_read_result result_ = Tla_read_result::finished;
+    Tla_record_processor processor_;
 };
 
 } // namespace tla

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scl/scl_status_codes.hpp"
+#include "scl/status/scl_status_codes.hpp"
 
 namespace tla {
 

@@ -8,7 +8,7 @@ constexpr Txt_association_kind FIRST_KIND{};
 
 } // namespace
 
-std::size_t Txt_associations::remove_all(const Txt_token& token) {
+std::size_t Associations::remove_all(const Txt_token& token) {
     std::size_t count = 0;
     for (auto at = objects_.lower_bound({&token, FIRST_KIND});
          at != objects_.end() && at->first.first == &token; ++count) {
@@ -17,7 +17,7 @@ std::size_t Txt_associations::remove_all(const Txt_token& token) {
     return count;
 }
 
-std::vector<Txt_association> Txt_associations::find(const Txt_token& token) const {
+std::vector<Txt_association> Associations::find(const Txt_token& token) const {
     std::vector<Txt_association> found;
     for (auto at = objects_.lower_bound({&token, FIRST_KIND});
          at != objects_.end() && at->first.first == &token; ++at) {

@@ -25,7 +25,7 @@ struct Txt_association {
 };
 
 // What callers attached to the tokens of a view, one association of each kind to a token.
-class Txt_associations {
+class Associations {
 public:
     // False when the token has one of this kind already.
     bool add(const Txt_token& token, const Txt_association& association) {

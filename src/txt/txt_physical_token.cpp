@@ -1,7 +1,7 @@
 #include "txt/txt_physical_token.hpp"
 
 #include "txt/txt_text_view.hpp"
-#include "txt/txt_token_value.hpp"
+#include "txt/txt_token_types.hpp"
 
 namespace txt {
 

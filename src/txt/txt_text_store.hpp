@@ -1,11 +1,12 @@
 #pragma once
 
-#include "scl/scl_utf.hpp"
+#include "scl/text/scl_utf.hpp"
 
 #include <cstddef>
 #include <memory>
 #include <span>
 #include <string_view>
+#include <unordered_set>
 #include <vector>
 
 namespace txt {
@@ -64,6 +65,22 @@ private:
     char16_t* at_;
     char16_t* limit_; // one unit before the end of the memory at hand, for the closing zero
     std::unique_ptr<Further> further_;
+};
+
+// Holds each text once, whoever asks for it. Views that are given the same table share their texts;
+// it must outlive them.
+class Txt_text_table {
+public:
+    // The kept text equal to `text`, which is copied if it is new. Zero-terminated; it stands as
+    // long as the table does.
+    [[nodiscard]] std::u16string_view insert(std::u16string_view text);
+
+    // The kept text equal to `text`; its data is null when there is none.
+    [[nodiscard]] std::u16string_view lookup(std::u16string_view text) const;
+
+private:
+    Txt_text_store store_;
+    std::unordered_set<std::u16string_view> texts_;
 };
 
 } // namespace txt

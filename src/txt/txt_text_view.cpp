@@ -1,6 +1,6 @@
 #include "txt/txt_text_view.hpp"
 
-#include "txt/txt_token_type.hpp"
+#include "txt/txt_token_types.hpp"
 
 #include <algorithm>
 #include <memory>
@@ -48,8 +48,8 @@ void Txt_text_view::check_not_locked() const {
     if (is_locked()) throw std::logic_error("Txt_text_view::start_content() - view is locked");
 }
 
-Txt_view_extras& Txt_text_view::extras() {
-    if (extras_ == nullptr) extras_ = std::make_unique<Txt_view_extras>();
+View_extras& Txt_text_view::extras() {
+    if (extras_ == nullptr) extras_ = std::make_unique<View_extras>();
     return *extras_;
 }
 
@@ -181,8 +181,8 @@ bool Txt_text_view::purge() {
 }
 
 char32_t Txt_text_view::get_redaction_character() const {
-    const Txt_view_extras* const extras = extras_.get();
-    return extras ? extras->redaction_character : TXT_REDACTION_CHARACTER;
+    const View_extras* const extras = extras_.get();
+    return extras ? extras->redaction_character : REDACTION_CHARACTER;
 }
 
 void Txt_text_view::set_redaction_character(char32_t character) {

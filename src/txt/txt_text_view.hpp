@@ -1,11 +1,9 @@
 #pragma once
 
-#include "scl/scl_string.hpp"
+#include "scl/text/scl_string.hpp"
 #include "txt/txt_physical_token.hpp"
 #include "txt/txt_text_store.hpp"
-#include "txt/txt_text_table.hpp"
-#include "txt/txt_token_iterator.hpp"
-#include "txt/txt_view_extras.hpp"
+#include "txt/view_extras.hpp"
 
 #include <cstdint>
 #include <list>
@@ -48,7 +46,7 @@ public:
     [[nodiscard]] virtual Txt_token_iterator cbegin() const;
     [[nodiscard]] virtual Txt_token_iterator cend() const;
 
-    // What callers attach to tokens, physical and virtual ones of this view; see Txt_associations.
+    // What callers attach to tokens, physical and virtual ones of this view; see Associations.
     virtual bool add_association(const Txt_token& token, const Txt_association& association);
     virtual bool remove_association(const Txt_token& token, const Txt_association_kind& kind);
     virtual std::size_t remove_associations(const Txt_token& token);
@@ -125,7 +123,7 @@ private:
     [[noreturn]] static void throw_not_started();
     void check_not_locked() const;
     [[nodiscard]] bool is_locked() const { return extras_ != nullptr && extras_->locks != 0; }
-    [[nodiscard]] Txt_view_extras& extras();
+    [[nodiscard]] View_extras& extras();
     [[nodiscard]] bool is_linked(const Txt_physical_token& token) const;
     void set_neighbours(Txt_physical_token& token, Txt_physical_token* next_of_previous,
                         Txt_physical_token* previous_of_next);
@@ -136,7 +134,7 @@ private:
     Txt_physical_token* front_ = nullptr;
     Txt_physical_token* back_ = nullptr;
     Txt_text_table* table_;
-    std::unique_ptr<Txt_view_extras> extras_; // made when first needed
+    std::unique_ptr<View_extras> extras_; // made when first needed
     std::uint32_t type_;
     bool is_open_ = false;
     bool is_numbered_ = false; // whether the tokens know their positions

@@ -1,12 +1,43 @@
 #include "txt/txt_token.hpp"
 
+#include "scl/text/scl_unicode.hpp"
+#include "scl/text/scl_utf.hpp"
 #include "txt/txt_text_view.hpp"
-#include "txt/txt_token_value.hpp"
-#include "txt/txt_visible_text.hpp"
+#include "txt/txt_token_types.hpp"
 
 #include <string>
 
 namespace txt {
+
+namespace {
+
+bool is_visible(char32_t code_point) {
+    return scl::scl_code_point_type(code_point) != scl::Scl_unicode_code_point_type::attached;
+}
+
+// The text without the characters that attach to others and are not visible by themselves (class
+// `attached`: marks and format characters).
+std::u16string visible_text(std::u16string_view text) {
+    std::u16string visible;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t from = at;
+        if (is_visible(scl::impl::scl_utf16_next(text, at))) {
+            visible.append(text.substr(from, at - from));
+        }
+    }
+    return visible;
+}
+
+// How many characters (code points) that leaves.
+std::size_t visible_length(std::u16string_view text) {
+    std::size_t length = 0;
+    for (std::size_t at = 0; at < text.size();) {
+        if (is_visible(scl::impl::scl_utf16_next(text, at))) ++length;
+    }
+    return length;
+}
+
+} // namespace
 
 bool Txt_token::is_before(const Txt_token& other) const {
     return &view() == &other.view() && back().position() < other.position();
@@ -27,14 +58,14 @@ bool Txt_token::overlaps(const Txt_token& other) const {
 
 std::uint64_t Txt_token::crc(Txt_text_form form) const {
     const std::u16string_view whole = text_entry();
-    return txt_token_value(form == Txt_text_form::whole ? whole : txt_visible_text(whole));
+    return txt_token_value(form == Txt_text_form::whole ? whole : visible_text(whole));
 }
 
 const char16_t* Txt_token::text(Txt_text_form form) const {
     const std::u16string_view whole = text_entry();
     if (whole.empty()) return view().empty_text();
     if (form == Txt_text_form::whole) return whole.data();
-    return view().insert_text(txt_visible_text(whole)).data();
+    return view().insert_text(visible_text(whole)).data();
 }
 
 const char16_t* Txt_token::trailer_text() const {
@@ -44,7 +75,7 @@ const char16_t* Txt_token::trailer_text() const {
 
 std::size_t Txt_token::length(Txt_text_form form) const {
     const std::u16string_view whole = text_entry();
-    return form == Txt_text_form::whole ? whole.size() : txt_visible_length(whole);
+    return form == Txt_text_form::whole ? whole.size() : visible_length(whole);
 }
 
 std::size_t Txt_token::trailer_length() const {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "txt/txt_text_form.hpp"
+#include "txt/txt_token_types.hpp"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,6 +1,6 @@
 #include "txt/txt_tokeniser.hpp"
 
-#include "scl/scl_endian.hpp"
+#include "scl/io/scl_endian.hpp"
 
 #include <algorithm>
 #include <array>
@@ -21,7 +21,7 @@ constexpr Run_units make_run_units() {
     for (std::size_t bits = 0; bits < run_units.size(); ++bits) {
         const auto unit_class = static_cast<scl::Scl_unicode_code_point_type>(bits & 7U);
         const auto property = static_cast<scl::Scl_word_break>(bits >> 3U);
-        const auto& joining = impl::TXT_WORD_RUN_PROPERTIES;
+        const auto& joining = impl::WORD_RUN_PROPERTIES;
         run_units[bits] = unit_class != scl::Scl_unicode_code_point_type::attached &&
                           std::find(joining.begin(), joining.end(), property) != joining.end();
     }
@@ -109,7 +109,7 @@ bool Txt_tokeniser::is_one_run(std::u16string_view text) {
 
 std::size_t Txt_tokeniser::take_run(std::span<const std::byte> units, Txt_text_store& text,
                                     std::uint32_t& type, Txt_parse_operation& operation) {
-    const bool starts = row_ == impl::TXT_WORD_ROW_START;
+    const bool starts = row_ == impl::WORD_ROW_START;
     if (starts) text.clear();
     const std::span<char16_t> room = text.room();
     const std::size_t limit = std::min(units.size() / UNIT_BYTES, room.size());
@@ -125,7 +125,7 @@ std::size_t Txt_tokeniser::take_run(std::span<const std::byte> units, Txt_text_s
         operation = Txt_parse_operation::start;
     }
     const std::size_t last = bits_of(room[count - 1]) >> 3U;
-    row_ = impl::TXT_WORD_STEPS[impl::TXT_WORD_ROW_START][last].row;
+    row_ = impl::WORD_STEPS[impl::WORD_ROW_START][last].row;
     return count * UNIT_BYTES;
 }
 

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "scl/scl_unicode.hpp"
-#include "txt/txt_parse_operation.hpp"
+#include "scl/text/scl_unicode.hpp"
 #include "txt/txt_text_store.hpp"
-#include "txt/txt_token_type.hpp"
-#include "txt/txt_word_rules.hpp"
+#include "txt/txt_token_types.hpp"
+#include "txt/word_rules.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -12,6 +11,17 @@
 #include <string_view>
 
 namespace txt {
+
+// What the tokeniser asks of its caller after a character, or at the end of the data.
+enum class Txt_parse_operation : std::uint32_t {
+    start = 0,      // the character starts a token or a trailer
+    go_on = 1,      // the character belongs to it
+    checkpoint = 2, // note the token so far; give the character again
+    roll_back = 3,  // back to the checkpoint: its token, its character
+    token = 4,      // a token ended before the character; give the character again
+    trailer = 5,    // a trailer ended before the character; give the character again
+    finish = 6,     // nothing was open at the end
+};
 
 // Splits text into tokens and trailers, a character at a time. Boundaries are the word boundaries
 // of Unicode Standard Annex #29. A segment that starts with white space is a trailer, and so are
@@ -34,7 +44,7 @@ public:
     // operation are updated: `start` or `go_on`. process() would do the same with each of them.
     [[nodiscard]] std::size_t run(std::span<const std::byte> units, Txt_text_store& text,
                                   std::uint32_t& type, Txt_parse_operation& operation) {
-        if (!type_settled_ || !impl::TXT_WORD_RUNS[row_]) return 0;
+        if (!type_settled_ || !impl::WORD_RUNS[row_]) return 0;
         return take_run(units, text, type, operation);
     }
 
@@ -48,9 +58,9 @@ private:
                                        std::uint32_t& type, Txt_parse_operation& operation);
     void start(Class first, std::uint32_t& type);
     void settle_type(Class next, std::uint32_t& type);
-    [[nodiscard]] Txt_parse_operation operation_before(impl::Txt_word_action action) const;
+    [[nodiscard]] Txt_parse_operation operation_before(impl::Word_action action) const;
 
-    std::uint8_t row_ = impl::TXT_WORD_ROW_START;
+    std::uint8_t row_ = impl::WORD_ROW_START;
     bool in_trailer_ = false;
     bool type_settled_ = true; // false while the open segment holds nothing visible by itself
 };
@@ -60,18 +70,17 @@ inline void Txt_tokeniser::process(char32_t character, Txt_text_store& text, std
     const std::uint8_t bits = scl::impl::scl_unicode_bits(character);
     const std::size_t property = bits >> 3U;
     const auto character_class = static_cast<Class>(bits & 7U);
-    impl::Txt_word_step step = impl::TXT_WORD_STEPS[row_][property];
-    if (step.action == impl::Txt_word_action::part && in_trailer_ &&
+    impl::Word_step step = impl::WORD_STEPS[row_][property];
+    if (step.action == impl::Word_action::part && in_trailer_ &&
         character_class == Class::white_space) {
-        step = {impl::Txt_word_action::join,
-                impl::TXT_WORD_STEPS[impl::TXT_WORD_ROW_START][property].row};
+        step = {impl::Word_action::join, impl::WORD_STEPS[impl::WORD_ROW_START][property].row};
     }
     row_ = step.row;
-    if (step.action == impl::Txt_word_action::join) {
+    if (step.action == impl::Word_action::join) {
         if (!type_settled_) settle_type(character_class, type);
         text.append(character);
         operation = Txt_parse_operation::go_on;
-    } else if (step.action == impl::Txt_word_action::start) {
+    } else if (step.action == impl::Word_action::start) {
         start(character_class, type);
         text.clear();
         text.append(character);
@@ -82,13 +91,13 @@ inline void Txt_tokeniser::process(char32_t character, Txt_text_store& text, std
 }
 
 // For a character that is not taken yet.
-inline Txt_parse_operation Txt_tokeniser::operation_before(impl::Txt_word_action action) const {
+inline Txt_parse_operation Txt_tokeniser::operation_before(impl::Word_action action) const {
     switch (action) {
-    case impl::Txt_word_action::part:
+    case impl::Word_action::part:
         return in_trailer_ ? Txt_parse_operation::trailer : Txt_parse_operation::token;
-    case impl::Txt_word_action::look:
+    case impl::Word_action::look:
         return Txt_parse_operation::checkpoint;
-    case impl::Txt_word_action::roll_back:
+    case impl::Word_action::roll_back:
         return Txt_parse_operation::roll_back;
     default:
         return Txt_parse_operation::finish;
@@ -97,7 +106,7 @@ inline Txt_parse_operation Txt_tokeniser::operation_before(impl::Txt_word_action
 
 inline void Txt_tokeniser::breakpoint(Txt_text_store& /*text*/, std::uint32_t& /*type*/,
                                       Txt_parse_operation& operation) {
-    const impl::Txt_word_step step = impl::TXT_WORD_STEPS[row_][impl::TXT_WORD_END_OF_TEXT];
+    const impl::Word_step step = impl::WORD_STEPS[row_][impl::WORD_END_OF_TEXT];
     row_ = step.row;
     operation = operation_before(step.action);
 }

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "scl/scl_buffer.hpp"
-#include "scl/scl_string.hpp"
-#include "txtdfc/dfc_format_facet.hpp"
+#include "scl/io/scl_buffer.hpp"
+#include "scl/text/scl_string.hpp"
+#include "txtdfc/dfc_facets.hpp"
 
 #include <memory>
 #include <string_view>

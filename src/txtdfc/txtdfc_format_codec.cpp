@@ -1,11 +1,13 @@
 #include "txtdfc/txtdfc_format_codec.hpp"
 
 #include "cerc/cerc_utf16_reader.hpp"
-#include "scl/scl_heap_buffer.hpp"
+#include "scl/io/scl_buffers.hpp"
+#include "scl/text/scl_string.hpp"
+#include "txt/txt_token_types.hpp"
 #include "txt/txt_tokeniser.hpp"
-#include "txtdfc/txtdfc_content_analyser.hpp"
-#include "txtdfc/txtdfc_token_reader.hpp"
-#include "txtdfc/txtdfc_view_filler.hpp"
+#include "txtdfc/line_ends.hpp"
+#include "txtdfc/token_reader.hpp"
+#include "txtdfc/view_filler.hpp"
 
 #include <exception>
 #include <new>
@@ -13,6 +15,26 @@
 #include <string>
 
 namespace txtdfc {
+
+void View_filler::add_token(std::u16string_view text, std::uint32_t type, std::uint64_t offset,
+                            std::uint64_t length) {
+    void* const slot = take_slot();
+    const std::u16string_view kept = view_.keep(text);
+    view_.add_content(*::new (slot) Txtdfc_physical_token(type, kept, view_, offset, length));
+}
+
+void View_filler::add_trailer(std::u16string_view text, std::uint64_t offset) {
+    if (view_.cback() == nullptr) add_token(scl::W_EMPTY, txt::TXT_TOKEN_UNCLASSIFIED, offset, 0);
+    view_.cback()->trailer_text(text);
+}
+
+void* View_filler::take_slot() {
+    try {
+        return pool_.take();
+    } catch (const std::bad_alloc&) {
+        throw_too_many_tokens(pool_.limit());
+    }
+}
 
 namespace {
 
@@ -79,7 +101,7 @@ void Txtdfc_format_codec::analyse(scl::Scl_status& status) {
 }
 
 void Txtdfc_format_codec::analyse_line_ends(scl::Scl_status& status) {
-    Txtdfc_content_analyser analyser;
+    Content_analyser analyser;
     analyser.scan(*content_, status);
     line_ending_ = analyser.line_ending();
     ends_with_line_end_ = analyser.ends_with_line_end() || content_start_ == content_end_;
@@ -116,8 +138,8 @@ void Txtdfc_format_codec::fill_view() {
         txt::Txt_tokeniser tokeniser;
         reader_.seek(content_start_, reading_);
         view.start_content();
-        Txtdfc_view_filler filler(view, pool());
-        Txtdfc_token_reader(reader_, tokeniser, view.text_store(), filler).read_all(reading_);
+        View_filler filler(view, pool());
+        Token_reader(reader_, tokeniser, view.text_store(), filler).read_all(reading_);
         view.end_content();
     } catch (...) {
         view_.reset();
@@ -178,16 +200,16 @@ bool Txtdfc_format_codec::may_insert(const char* operation, std::size_t length) 
 bool Txtdfc_format_codec::insert_content_front(const char16_t* data, std::size_t length) {
     if (!may_insert("insert_content_front", length)) return false;
     std::u16string lines;
-    txtdfc_append_lines({data, length / sizeof(char16_t)}, txtdfc_line_end(line_ending_), lines);
+    append_lines({data, length / sizeof(char16_t)}, line_end_of(line_ending_), lines);
     return patcher_.add_insert(content_start_, lines);
 }
 
 bool Txtdfc_format_codec::insert_content_back(const char16_t* data, std::size_t length) {
     if (!may_insert("insert_content_back", length)) return false;
-    const std::u16string_view line_end = txtdfc_line_end(line_ending_);
+    const std::u16string_view line_end = line_end_of(line_ending_);
     std::u16string lines;
     if (!ends_with_line_end_) lines += line_end;
-    txtdfc_append_lines({data, length / sizeof(char16_t)}, line_end, lines);
+    append_lines({data, length / sizeof(char16_t)}, line_end, lines);
     return patcher_.add_insert(content_end_, lines);
 }
 

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "cerc/cerc_utf16_reader.hpp"
+#include "txtdfc/dfc_facets.hpp"
 #include "txtdfc/dfc_format_codec.hpp"
-#include "txtdfc/dff_annotation_facet.hpp"
-#include "txtdfc/dff_text_facet.hpp"
-#include "txtdfc/txtdfc_line_ends.hpp"
+#include "txtdfc/line_ends.hpp"
 #include "txtdfc/txtdfc_text_view.hpp"
 #include "txtdfc/txtdfc_token_pool.hpp"
 #include "ucl/ucl_buffer_patcher.hpp"
@@ -80,7 +79,7 @@ private:
     Txtdfc_token_pool* pool_;
     std::unique_ptr<Txtdfc_token_pool> own_pool_; // outlives the view
     const scl::Scl_buffer* content_ = nullptr;
-    Txtdfc_line_ending line_ending_ = Txtdfc_line_ending::crlf;
+    Line_ending line_ending_ = Line_ending::crlf;
     bool ends_with_line_end_ = false; // or holds no text; known if there is an annotation facet
     bool text_facet_granted_;
     bool annotation_facet_granted_;

@@ -1,8 +1,15 @@
 #include "txtdfc/txtdfc_token_pool.hpp"
 
 #include <new>
+#include <stdexcept>
+#include <string>
 
 namespace txtdfc {
+
+void throw_too_many_tokens(std::size_t limit) {
+    throw std::runtime_error("Too many tokens are required to tokenise the text (over " +
+                             std::to_string(limit) + ").  Tokenisation has failed.");
+}
 
 void Txtdfc_token_pool::add_block() {
     if (further_.size() == max_further_) throw std::bad_alloc();

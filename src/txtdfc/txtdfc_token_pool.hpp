@@ -1,7 +1,6 @@
 #pragma once
 
-#include "txtdfc/txtdfc_physical_token.hpp"
-#include "txtdfc/txtdfc_token_limit.hpp"
+#include "txtdfc/txtdfc_text_view.hpp"
 
 #include <array>
 #include <cstddef>
@@ -9,6 +8,12 @@
 #include <vector>
 
 namespace txtdfc {
+
+// How many tokens a text may have.
+inline constexpr std::size_t TXTDFC_MAX_TOKENS = 15000000;
+
+// std::runtime_error, whose message names the limit.
+[[noreturn]] void throw_too_many_tokens(std::size_t limit);
 
 // Memory for tokens, in blocks of slots that stay where they are until the pool goes: no slot is
 // given back before. The first block is part of the pool; further ones are taken when needed.

@@ -1,10 +1,10 @@
 #include "txtdfc/txtdfc_token_values.hpp"
 
 #include "cerc/cerc_utf16_reader.hpp"
-#include "txt/txt_token_value.hpp"
+#include "txt/txt_token_types.hpp"
 #include "txt/txt_tokeniser.hpp"
-#include "txtdfc/txtdfc_token_limit.hpp"
-#include "txtdfc/txtdfc_token_reader.hpp"
+#include "txtdfc/token_reader.hpp"
+#include "txtdfc/txtdfc_token_pool.hpp"
 
 namespace txtdfc {
 
@@ -16,7 +16,7 @@ public:
 
     void add_token(std::u16string_view text, std::uint32_t /*type*/, std::uint64_t /*offset*/,
                    std::uint64_t /*length*/) {
-        if (values_.size() == TXTDFC_MAX_TOKENS) txtdfc_throw_too_many_tokens(TXTDFC_MAX_TOKENS);
+        if (values_.size() == TXTDFC_MAX_TOKENS) throw_too_many_tokens(TXTDFC_MAX_TOKENS);
         values_.push_back(txt::txt_token_value(text));
     }
     // A trailer that the text begins with belongs to a token without text.
@@ -35,7 +35,7 @@ void read_values(std::u16string_view text, std::vector<std::uint64_t>& values) {
     txt::Txt_tokeniser tokeniser;
     txt::Txt_text_store store;
     Value_list list(values);
-    Txtdfc_token_reader(reader, tokeniser, store, list).read_all(status);
+    Token_reader(reader, tokeniser, store, list).read_all(status);
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "scl/scl_buffer.hpp"
-#include "scl/scl_ostream.hpp"
+#include "scl/io/scl_buffer.hpp"
+#include "scl/io/scl_ostream.hpp"
 
 #include <compare>
 #include <cstddef>

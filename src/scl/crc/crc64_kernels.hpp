@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace scl::impl {
+
+// Two ways to step the CRC-64/XZ register over bytes; they give the same value.
+[[nodiscard]] std::uint64_t crc64_by_table(std::uint64_t reg, std::span<const std::byte> bytes);
+
+// Only where has_carryless_multiply() is true.
+[[nodiscard]] std::uint64_t crc64_by_multiply(std::uint64_t reg, std::span<const std::byte> bytes);
+
+// Whether the processor has the instructions. Asked anew each time, a look at one word of memory: a
+// constant set at the program's start would still be empty for other constants that start with it.
+[[nodiscard]] inline bool has_carryless_multiply() {
+#if defined(__x86_64__)
+    return __builtin_cpu_supports("pclmul") != 0 && __builtin_cpu_supports("sse4.1") != 0;
+#else
+    return false;
+#endif
+}
+
+// The polynomial without its x^64 term, bit 63 - i holding the coefficient of x^i.
+inline constexpr std::uint64_t CRC64_POLYNOMIAL = 0xC96C5795D7870F42;
+
+} // namespace scl::impl

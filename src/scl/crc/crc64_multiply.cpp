@@ -1,0 +1,168 @@
+#include "scl/crc/crc64_kernels.hpp"
+#include "scl/io/scl_endian.hpp"
+
+#if defined(__x86_64__)
+
+#include <immintrin.h>
+
+#define SCL_WITH_MULTIPLY [[gnu::target("pclmul,sse4.1")]]
+
+// Bytes as a polynomial, bit-reflected: in a 128-bit value bit i is the coefficient of x^(127-i),
+// so the first byte of a message, in the low bits, holds the highest powers. The product of two
+// reflected 64-bit values comes out multiplied by a further x; the constants make up for it.
+namespace scl::impl {
+
+namespace {
+
+// x^n mod P, reflected.
+constexpr std::uint64_t power(unsigned n) {
+    std::uint64_t value = std::uint64_t{1} << 63;
+    for (; n != 0; --n) {
+        value = (value >> 1) ^ ((value & 1) != 0 ? CRC64_POLYNOMIAL : 0);
+    }
+    return value;
+}
+
+// Of a polynomial of degree 64, bit i the coefficient of x^(64-i): the x^0 term falls off the end.
+constexpr std::uint64_t POLYNOMIAL_65 = (CRC64_POLYNOMIAL << 1) | 1;
+
+// floor(x^128 / P) in the same form, by long division from the highest power down.
+constexpr std::uint64_t reciprocal_65() {
+    std::uint64_t quotient = 1;
+    std::uint64_t rest = CRC64_POLYNOMIAL; // of x^128 - x^64 P, divided by x^64
+    for (int i = 1; i < 64; ++i) {
+        const std::uint64_t digit = rest & 1; // reflected: bit 0 is the coefficient of x^63
+        quotient |= digit << i;
+        rest = (rest >> 1) ^ (digit != 0 ? CRC64_POLYNOMIAL : 0);
+    }
+    return quotient;
+}
+
+constexpr std::size_t BLOCK = 16;
+constexpr std::size_t LANES = 4; // independent blocks, to keep the multiplier busy
+constexpr std::size_t BULK = 4 * LANES * BLOCK;
+
+SCL_WITH_MULTIPLY inline __m128i pair(std::uint64_t low, std::uint64_t high) {
+    return _mm_set_epi64x(static_cast<long long>(high), static_cast<long long>(low));
+}
+
+SCL_WITH_MULTIPLY inline __m128i load(const std::byte* from) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
+}
+
+// `value` moved up by the bytes that `by` stands for, plus `next`.
+SCL_WITH_MULTIPLY inline __m128i fold(__m128i value, __m128i by, __m128i next) {
+    const __m128i low = _mm_clmulepi64_si128(value, by, 0x00);
+    const __m128i high = _mm_clmulepi64_si128(value, by, 0x11);
+    return _mm_xor_si128(_mm_xor_si128(low, high), next);
+}
+
+template <std::size_t Bytes>
+SCL_WITH_MULTIPLY inline __m128i fold_by(__m128i value, __m128i next) {
+    constexpr std::uint64_t LOW = power(8 * Bytes + 63);
+    constexpr std::uint64_t HIGH = power(8 * Bytes - 1);
+    return fold(value, pair(LOW, HIGH), next);
+}
+
+// value * x^64 mod P: the register after the 16 bytes of `value`, from zero.
+SCL_WITH_MULTIPLY inline std::uint64_t reduce(__m128i value) {
+    constexpr std::uint64_t X_127 = power(127);
+    constexpr std::uint64_t RECIPROCAL = reciprocal_65();
+    const __m128i by_x_128 = _mm_clmulepi64_si128(value, pair(X_127, 0), 0x00);
+    const __m128i rest = _mm_xor_si128(by_x_128, _mm_srli_si128(value, 8));
+    // Barrett: the quotient by the reciprocal, then what it leaves.
+    const __m128i divisors = pair(RECIPROCAL, POLYNOMIAL_65);
+    const __m128i quotient = _mm_clmulepi64_si128(rest, divisors, 0x00);
+    const __m128i multiple = _mm_clmulepi64_si128(quotient, divisors, 0x10);
+    const __m128i with_x_0 = _mm_xor_si128(multiple, _mm_slli_si128(quotient, 8));
+    return static_cast<std::uint64_t>(_mm_extract_epi64(_mm_xor_si128(rest, with_x_0), 1));
+}
+
+// A first block of 1 to 16 bytes, moved to the end of 16 with zeros in front, which change nothing.
+struct Head {
+    std::uint64_t low;
+    std::uint64_t high;
+    std::uint64_t left; // what of the register reaches beyond the block
+};
+
+// 1 to 7 bytes as a little-endian number, without reading beyond them.
+inline std::uint64_t load_few(const std::byte* from, std::size_t count) {
+    if (count >= 4) {
+        const std::uint64_t last = scl_load_le<std::uint32_t>(from + count - 4);
+        return scl_load_le<std::uint32_t>(from) | last << (8 * (count - 4));
+    }
+    const auto byte_at = [from](std::size_t i) {
+        return std::to_integer<std::uint64_t>(from[i]) << (8 * i);
+    };
+    return byte_at(0) | byte_at(count / 2) | byte_at(count - 1);
+}
+
+inline Head make_head(std::uint64_t reg, const std::byte* from, std::size_t count) {
+    if (count < 8) {
+        const std::uint64_t mixed = load_few(from, count) ^ reg;
+        return {0, mixed << (8 * (8 - count)), reg >> (8 * count)};
+    }
+    // Shifts in two halves: each stays below the 64 that has no meaning.
+    const std::size_t front = 4 * (16 - count);
+    const std::size_t back = 4 * (count - 8);
+    const std::uint64_t first = scl_load_le<std::uint64_t>(from) ^ reg;
+    const std::uint64_t last = scl_load_le<std::uint64_t>(from + count - 8);
+    return {(first << front) << front, last ^ ((reg >> back) >> back), 0};
+}
+
+// Up to a few hundred bytes: a head that leaves whole blocks, then block by block.
+SCL_WITH_MULTIPLY std::uint64_t step(std::uint64_t reg, const std::byte* at, std::size_t count) {
+    const std::size_t head_bytes = (count - 1) % BLOCK + 1;
+    const Head head = make_head(reg, at, head_bytes);
+    __m128i value = pair(head.low, head.high);
+    if (head_bytes == count) return reduce(value) ^ head.left;
+    const std::byte* const end = at + count;
+    at += head_bytes;
+    value = fold_by<BLOCK>(value, _mm_xor_si128(load(at), pair(head.left, 0)));
+    for (at += BLOCK; at != end; at += BLOCK) {
+        value = fold_by<BLOCK>(value, load(at));
+    }
+    return reduce(value);
+}
+
+// At least BULK bytes, a multiple of LANES blocks.
+SCL_WITH_MULTIPLY std::uint64_t step_bulk(std::uint64_t reg, std::span<const std::byte> bytes) {
+    const std::byte* at = bytes.data();
+    __m128i a = _mm_xor_si128(load(at), pair(reg, 0));
+    __m128i b = load(at + BLOCK);
+    __m128i c = load(at + 2 * BLOCK);
+    __m128i d = load(at + 3 * BLOCK);
+    const std::byte* const end = at + bytes.size();
+    for (at += LANES * BLOCK; at != end; at += LANES * BLOCK) {
+        a = fold_by<LANES * BLOCK>(a, load(at));
+        b = fold_by<LANES * BLOCK>(b, load(at + BLOCK));
+        c = fold_by<LANES * BLOCK>(c, load(at + 2 * BLOCK));
+        d = fold_by<LANES * BLOCK>(d, load(at + 3 * BLOCK));
+    }
+    return reduce(fold_by<BLOCK>(fold_by<BLOCK>(fold_by<BLOCK>(a, b), c), d));
+}
+
+} // namespace
+
+std::uint64_t crc64_by_multiply(std::uint64_t reg, std::span<const std::byte> bytes) {
+    if (bytes.size() >= BULK) {
+        const std::size_t whole = bytes.size() / (LANES * BLOCK) * (LANES * BLOCK);
+        reg = step_bulk(reg, bytes.first(whole));
+        bytes = bytes.subspan(whole);
+    }
+    return bytes.empty() ? reg : step(reg, bytes.data(), bytes.size());
+}
+
+} // namespace scl::impl
+
+#else
+
+namespace scl::impl {
+
+std::uint64_t crc64_by_multiply(std::uint64_t reg, std::span<const std::byte> bytes) {
+    return crc64_by_table(reg, bytes);
+}
+
+} // namespace scl::impl
+
+#endif

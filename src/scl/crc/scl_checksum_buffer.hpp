@@ -1,0 +1,40 @@
+#pragma once
+
+#include "scl/crc/scl_crc64.hpp"
+#include "scl/io/scl_buffer.hpp"
+
+namespace scl {
+
+// Hands writes on to another buffer and sums up the bytes as they pass, while they are in the
+// cache. For writing strictly front to back, from offset 0.
+class Scl_checksum_buffer final : public Scl_buffer {
+public:
+    // Bytes before `begin` are left out of the checksum. The target must outlive this buffer.
+    Scl_checksum_buffer(Scl_buffer& target, std::uint64_t begin) : target_(target), next_(begin) {}
+
+    [[nodiscard]] std::uint64_t size(bool in_units, Scl_status& status) const override {
+        return target_.size(in_units, status);
+    }
+    std::size_t read_at(std::uint64_t offset, std::span<std::byte> bytes,
+                        Scl_status& status) const override {
+        return target_.read_at(offset, bytes, status);
+    }
+    void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
+                  Scl_status& status) override {
+        const std::uint64_t end = offset + bytes.size();
+        if (end > next_ && offset <= next_) {
+            checksum_.update(bytes.subspan(next_ - offset));
+            next_ = end;
+        }
+        target_.write_at(offset, bytes, status);
+    }
+
+    [[nodiscard]] const Scl_crc64& checksum() const { return checksum_; }
+
+private:
+    Scl_buffer& target_;
+    std::uint64_t next_; // offset of the first byte that is not summed up yet
+    Scl_crc64 checksum_;
+};
+
+} // namespace scl

@@ -1,0 +1,82 @@
+#include "scl/crc/scl_crc64.hpp"
+
+#include "scl/crc/crc64_kernels.hpp"
+#include "scl/io/scl_buffered_istream.hpp"
+#include "scl/io/scl_endian.hpp"
+
+#include <array>
+
+namespace scl {
+
+namespace {
+
+// Bytes taken at once: one look-up for each, none of which waits for another.
+constexpr std::size_t STRIDE = 8;
+
+// tables[k][b] is the register after byte b and k zero bytes, from zero.
+using Tables = std::array<std::array<std::uint64_t, 256>, STRIDE>;
+
+constexpr std::uint64_t after_byte(std::uint64_t reg) {
+    for (int bit = 0; bit < 8; ++bit) {
+        reg = (reg >> 1) ^ ((reg & 1) != 0 ? impl::CRC64_POLYNOMIAL : 0);
+    }
+    return reg;
+}
+
+constexpr Tables make_tables() {
+    Tables tables{};
+    for (std::size_t byte = 0; byte < 256; ++byte) {
+        tables[0][byte] = after_byte(byte);
+    }
+    for (std::size_t zeros = 1; zeros < STRIDE; ++zeros) {
+        for (std::size_t byte = 0; byte < 256; ++byte) {
+            const std::uint64_t before = tables[zeros - 1][byte];
+            tables[zeros][byte] = (before >> 8) ^ tables[0][before & 0xFF];
+        }
+    }
+    return tables;
+}
+
+constexpr Tables TABLES = make_tables();
+
+std::uint64_t step(std::uint64_t reg, std::span<const std::byte> bytes) {
+    return impl::has_carryless_multiply() ? impl::crc64_by_multiply(reg, bytes)
+                                          : impl::crc64_by_table(reg, bytes);
+}
+
+} // namespace
+
+std::uint64_t impl::crc64_by_table(std::uint64_t reg, std::span<const std::byte> bytes) {
+    for (; bytes.size() >= STRIDE; bytes = bytes.subspan(STRIDE)) {
+        const std::uint64_t mixed = reg ^ scl_load_le<std::uint64_t>(bytes.data());
+        reg = 0;
+        for (std::size_t k = 0; k < STRIDE; ++k) {
+            reg ^= TABLES[STRIDE - 1 - k][(mixed >> (8 * k)) & 0xFF];
+        }
+    }
+    for (const std::byte byte : bytes) {
+        reg = (reg >> 8) ^ TABLES[0][(reg ^ std::to_integer<std::uint64_t>(byte)) & 0xFF];
+    }
+    return reg;
+}
+
+std::uint64_t Scl_crc64::calculate(const void* data, std::size_t size, std::uint64_t initial) {
+    return ~step(initial, {static_cast<const std::byte*>(data), size});
+}
+
+void Scl_crc64::update(std::span<const std::byte> bytes) {
+    register_ = step(register_, bytes);
+}
+
+void Scl_crc64::update(const Scl_buffer& buffer, Scl_status& status) {
+    Scl_buffered_istream in(buffer, false, status, Scl_eol::none);
+    const std::uint64_t size = in.size(status);
+    while (in.tell() != size && !status.has_failed()) {
+        const std::span<const std::byte> bytes = in.window(status);
+        update(bytes);
+        in.skip(bytes.size());
+        if (bytes.empty() && !status.has_failed()) status.push(SCL_STATUS_END_OF_DATA);
+    }
+}
+
+} // namespace scl

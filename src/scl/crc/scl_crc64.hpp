@@ -1,0 +1,36 @@
+#pragma once
+
+#include "scl/io/scl_buffer.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace scl {
+
+// CRC-64/XZ of the CRC catalogue: polynomial 0x42F0E1EBA9EA3693, reflected in and out, register
+// started at all ones, complemented at the end; 0x995DC9BBDF1939FA over "123456789". Uses
+// carry-less multiplication where the processor has it.
+class Scl_crc64 {
+public:
+    static constexpr std::uint64_t INITIAL = ~std::uint64_t{0};
+
+    // The complemented register over `size` bytes, the register started at `initial`.
+    [[nodiscard]] static std::uint64_t calculate(const void* data, std::size_t size,
+                                                 std::uint64_t initial);
+
+    void update(std::span<const std::byte> bytes);
+    // Feeds all bytes of the buffer. A read error is left in the status.
+    void update(const Scl_buffer& buffer, Scl_status& status);
+
+    // The complemented register, equal to calculate() from INITIAL over the same bytes; with
+    // `complemented` false the register as it stands.
+    [[nodiscard]] std::uint64_t result(bool complemented) const {
+        return complemented ? ~register_ : register_;
+    }
+
+private:
+    std::uint64_t register_ = INITIAL;
+};
+
+} // namespace scl

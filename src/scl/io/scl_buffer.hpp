@@ -1,0 +1,47 @@
+#pragma once
+
+#include "scl/status/scl_status.hpp"
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+namespace scl {
+
+// What a stream does to line ends. Both modes hand every byte through unchanged: `text` says that
+// the reader splits lines itself, `none` that the data has no lines.
+enum class Scl_eol : unsigned { text = 0, none = 3 };
+
+// Bytes that can be read, and in some kinds written, at any offset. Buffers know nothing of
+// positions: those belong to the streams attached to them. Not for use by several threads.
+class Scl_buffer {
+public:
+    Scl_buffer() = default;
+    Scl_buffer(const Scl_buffer&) = delete;
+    Scl_buffer& operator=(const Scl_buffer&) = delete;
+    virtual ~Scl_buffer() = default;
+
+    // Size in bytes, or with `in_units` in whole 16-bit units. Never asks the system: a file's size
+    // is known from its opening and its writes.
+    [[nodiscard]] virtual std::uint64_t size(bool in_units, Scl_status& status) const = 0;
+
+    // Reads up to bytes.size() bytes from `offset` on and returns how many there were: fewer only
+    // at the end. An offset beyond the end sets SCL_STATUS_OUT_OF_BOUNDS; a file may fail with
+    // SCL_STATUS_READ_FAILED.
+    virtual std::size_t read_at(std::uint64_t offset, std::span<std::byte> bytes,
+                                Scl_status& status) const = 0;
+
+    // Writes all bytes, growing the buffer where they reach beyond its end. A kind that cannot be
+    // written, and an offset beyond the end, set SCL_STATUS_OUT_OF_BOUNDS; a file may fail with
+    // SCL_STATUS_WRITE_FAILED.
+    virtual void write_at(std::uint64_t /*offset*/, std::span<const std::byte> /*bytes*/,
+                          Scl_status& status) {
+        status.push(SCL_STATUS_OUT_OF_BOUNDS);
+    }
+
+    // The whole content where it stands in memory anyway, so that readers need no copy; else an
+    // empty span. Valid until the buffer is written to or destroyed.
+    [[nodiscard]] virtual std::span<const std::byte> contents() const { return {}; }
+};
+
+} // namespace scl

@@ -1,0 +1,49 @@
+#include "scl/io/scl_buffered_istream.hpp"
+
+#include <algorithm>
+
+namespace scl {
+
+void Scl_buffered_istream::init(const Scl_buffer& buffer, bool at_end, Scl_status& status,
+                                Scl_eol /*eol*/) {
+    status_ = &status;
+    attach(buffer, at_end, status);
+}
+
+// Loads the window anew from the position on, what is left of the old one included.
+void Scl_buffered_istream::refill(std::size_t wanted, Scl_status& status) {
+    const std::uint64_t position = tell();
+    if (buffer() == nullptr || position >= size(status)) return;
+    const std::span<const std::byte> contents = buffer()->contents();
+    if (!contents.empty()) {
+        set_window(contents.subspan(position), position);
+        return;
+    }
+    if (storage_ == nullptr) storage_ = std::make_unique_for_overwrite<std::byte[]>(WINDOW_BYTES);
+    const std::span<std::byte> storage(storage_.get(), std::max(wanted, read_ahead_));
+    set_window(storage.first(buffer()->read_at(position, storage, status)), position);
+}
+
+std::size_t Scl_buffered_istream::read_beyond_window(std::span<std::byte> bytes,
+                                                     Scl_status& status) {
+    if (bytes.size() >= WINDOW_BYTES) { // no use in copying these twice
+        const std::size_t count = buffer()->read_at(tell(), bytes, status);
+        set_window({}, tell() + count);
+        return count;
+    }
+    std::size_t done = 0;
+    while (done < bytes.size() && !window(status).empty()) {
+        const std::size_t count = std::min(bytes.size() - done, at_hand());
+        std::copy_n(take(count), count, bytes.begin() + static_cast<std::ptrdiff_t>(done));
+        done += count;
+    }
+    return done;
+}
+
+unsigned char Scl_buffered_istream::read_char_beyond_window() {
+    std::byte next{};
+    read(1, &next, *status_);
+    return std::to_integer<unsigned char>(next);
+}
+
+} // namespace scl

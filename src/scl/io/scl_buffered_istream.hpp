@@ -1,0 +1,59 @@
+#pragma once
+
+#include "scl/io/scl_istream.hpp"
+
+#include <memory>
+
+namespace scl {
+
+// Reads ahead in large pieces; over a buffer that lies in memory it reads in place, without a copy.
+class Scl_buffered_istream final : public Scl_istream {
+public:
+    Scl_buffered_istream() = default;
+    Scl_buffered_istream(const Scl_buffer& buffer, bool at_end, Scl_status& status, Scl_eol eol) {
+        init(buffer, at_end, status, eol);
+    }
+
+    // The position starts at the data's front, or at its end. `status` must outlive the
+    // attachment: it is where operations without one report.
+    void init(const Scl_buffer& buffer, bool at_end, Scl_status& status, Scl_eol eol);
+
+    // The next byte; 0 with SCL_STATUS_END_OF_DATA when there is none.
+    [[nodiscard]] unsigned char read_char() {
+        const std::byte* const next = take(1);
+        return next != nullptr ? std::to_integer<unsigned char>(*next) : read_char_beyond_window();
+    }
+
+    // The bytes at hand from the position on, read in first when there are none; empty only at the
+    // end and after a failure. Valid until the next operation but skip.
+    [[nodiscard]] std::span<const std::byte> window(Scl_status& status) {
+        return window(1, status);
+    }
+    // The same with at least `count` bytes, or with all that are left. For counts up to
+    // WINDOW_BYTES.
+    [[nodiscard]] std::span<const std::byte> window(std::size_t count, Scl_status& status) {
+        if (at_hand() < count && !status.has_failed()) refill(count, status);
+        return bytes_at_hand();
+    }
+    // Steps over bytes of the window.
+    void skip(std::size_t count) { (void)take(count); }
+
+    // Lets each refill read this many bytes, or what is asked for when that is more: little for
+    // random access. WINDOW_BYTES at most, and at first.
+    void limit_read_ahead(std::size_t bytes) { read_ahead_ = bytes; }
+
+    static constexpr std::size_t WINDOW_BYTES = std::size_t{64} << 10;
+
+protected:
+    std::size_t read_beyond_window(std::span<std::byte> bytes, Scl_status& status) override;
+
+private:
+    void refill(std::size_t wanted, Scl_status& status);
+    [[nodiscard]] unsigned char read_char_beyond_window();
+
+    std::unique_ptr<std::byte[]> storage_; // WINDOW_BYTES, taken when first needed
+    std::size_t read_ahead_ = WINDOW_BYTES;
+    Scl_status* status_ = nullptr;
+};
+
+} // namespace scl

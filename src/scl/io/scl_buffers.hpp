@@ -1,0 +1,64 @@
+#pragma once
+
+#include "scl/io/scl_buffer.hpp"
+
+#include <string_view>
+#include <vector>
+
+namespace scl {
+
+// What the kinds of buffer that lie in memory share: reading and size, from contents().
+class Scl_memory_buffer : public Scl_buffer {
+public:
+    [[nodiscard]] std::uint64_t size(bool in_units, Scl_status& status) const final;
+    std::size_t read_at(std::uint64_t offset, std::span<std::byte> bytes,
+                        Scl_status& status) const final;
+    [[nodiscard]] std::span<const std::byte> contents() const override = 0;
+};
+
+// A growable buffer of its own bytes, empty at first.
+class Scl_heap_buffer final : public Scl_memory_buffer {
+public:
+    void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
+                  Scl_status& status) override;
+    [[nodiscard]] std::span<const std::byte> contents() const override { return bytes_; }
+    // Drops what stands from `size` on, which is not beyond the end; the memory is kept.
+    void cut(std::size_t size) { bytes_.resize(size); }
+
+private:
+    std::vector<std::byte> bytes_;
+};
+
+// A read-only buffer over a wide string that somebody else holds and that must outlive it. Its
+// bytes are the string's 16-bit units, little-endian, without a terminator.
+class Scl_wstring_buffer final : public Scl_memory_buffer {
+public:
+    explicit Scl_wstring_buffer(std::u16string_view text) : text_(text) {}
+
+    [[nodiscard]] std::span<const std::byte> contents() const override {
+        return std::as_bytes(std::span(text_));
+    }
+
+private:
+    std::u16string_view text_;
+};
+
+// A read view of a parent's bytes from `begin` up to `end`. Bounds that are out of order or outside
+// the parent set SCL_STATUS_OUT_OF_BOUNDS and give an empty view. The parent must outlive it.
+class Scl_sub_buffer final : public Scl_buffer {
+public:
+    Scl_sub_buffer(const Scl_buffer& parent, std::uint64_t begin, std::uint64_t end,
+                   Scl_status& status);
+
+    [[nodiscard]] std::uint64_t size(bool in_units, Scl_status& status) const override;
+    std::size_t read_at(std::uint64_t offset, std::span<std::byte> bytes,
+                        Scl_status& status) const override;
+    [[nodiscard]] std::span<const std::byte> contents() const override;
+
+private:
+    const Scl_buffer& parent_;
+    std::uint64_t begin_ = 0;
+    std::uint64_t end_ = 0;
+};
+
+} // namespace scl

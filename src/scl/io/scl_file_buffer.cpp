@@ -1,0 +1,116 @@
+#include "scl/io/scl_file_buffer.hpp"
+
+#include "scl/text/scl_string.hpp"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace scl {
+
+namespace {
+
+// Another run may put its own scratch file between our removal and our creation.
+constexpr int SCRATCH_ATTEMPTS = 100;
+
+Scl_status_code open_failure_code(Scl_file_open mode, int error) {
+    if (mode == Scl_file_open::existing) {
+        const bool irregular = error == EISDIR || error == EINVAL;
+        return irregular ? SCL_STATUS_NOT_REGULAR : SCL_STATUS_OPEN_FAILED;
+    }
+    return error == EEXIST ? SCL_STATUS_EXISTS : SCL_STATUS_CREATE_FAILED;
+}
+
+} // namespace
+
+Scl_file_buffer::Scl_file_buffer(std::u16string_view path, Scl_file_open mode,
+                                 Scl_file_access access, unsigned flags, unsigned pattern,
+                                 Scl_status& status) {
+    open(path, mode, access, flags, pattern, status);
+}
+
+Scl_file_buffer::~Scl_file_buffer() {
+    Scl_status nobody_listens;
+    close(nobody_listens);
+}
+
+void Scl_file_buffer::open(std::u16string_view path, Scl_file_open mode, Scl_file_access access,
+                           unsigned flags, unsigned pattern, Scl_status& status) {
+    close(status);
+    if (status.has_failed()) return;
+    scl_wtos(path, name_, true);
+    writable_ = access == Scl_file_access::read_write;
+    scratch_ = (flags & SCL_FILE_SCRATCH) != 0;
+    const int error = mode == Scl_file_open::existing ? file_.open_existing(name_, writable_)
+                      : scratch_                      ? create_scratch()
+                                                      : file_.create_new(name_);
+    if (error != 0) {
+        report(open_failure_code(mode, error), error, status);
+        return;
+    }
+    size_ = file_.opened_size();
+    file_.advise(pattern == SCL_FILE_AT_RANDOM);
+}
+
+int Scl_file_buffer::create_scratch() {
+    int error = 0;
+    for (int attempt = 0; attempt < SCRATCH_ATTEMPTS; ++attempt) {
+        error = scl_remove_file(name_);
+        if (error != 0 && error != ENOENT) return error;
+        error = file_.create_new(name_);
+        if (error != EEXIST) return error;
+    }
+    return error;
+}
+
+void Scl_file_buffer::close(Scl_status& status) {
+    if (!file_.is_open()) return;
+    if (scratch_) remove_scratch();
+    const int error = file_.close();
+    if (error != 0) report(SCL_STATUS_CLOSE_FAILED, error, status);
+    size_ = 0;
+}
+
+// Only our own: by now the entry may be another run's scratch file.
+void Scl_file_buffer::remove_scratch() const {
+    Scl_file_identity found;
+    if (scl_identify_file(name_, false, found) != 0 || !(found == file_.identity())) return;
+    // What stays behind is replaced by the next run.
+    (void)scl_remove_file(name_);
+}
+
+std::uint64_t Scl_file_buffer::size(bool in_units, Scl_status& /*status*/) const {
+    return in_units ? size_ / 2 : size_;
+}
+
+std::size_t Scl_file_buffer::read_at(std::uint64_t offset, std::span<std::byte> bytes,
+                                     Scl_status& status) const {
+    if (offset > size_) {
+        status.push(SCL_STATUS_OUT_OF_BOUNDS);
+        return 0;
+    }
+    std::size_t done = 0;
+    const std::size_t wanted = std::min<std::uint64_t>(bytes.size(), size_ - offset);
+    const int error = file_.read_at(offset, bytes.first(wanted), done);
+    if (error != 0) report(SCL_STATUS_READ_FAILED, error, status);
+    return done;
+}
+
+void Scl_file_buffer::write_at(std::uint64_t offset, std::span<const std::byte> bytes,
+                               Scl_status& status) {
+    if (!writable_ || offset > size_) {
+        status.push(SCL_STATUS_OUT_OF_BOUNDS);
+        return;
+    }
+    const int error = file_.write_at(offset, bytes);
+    if (error != 0) {
+        report(SCL_STATUS_WRITE_FAILED, error, status);
+        return;
+    }
+    size_ = std::max<std::uint64_t>(size_, offset + bytes.size());
+}
+
+void Scl_file_buffer::report(Scl_status_code code, int error, Scl_status& status) const {
+    status.push(code, Scl_wstring_status_arg(name_ + ": " + scl_system_reason(error)));
+}
+
+} // namespace scl

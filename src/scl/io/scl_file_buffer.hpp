@@ -1,0 +1,62 @@
+#pragma once
+
+#include "scl/io/scl_buffer.hpp"
+#include "scl/io/scl_file.hpp"
+
+#include <string>
+#include <string_view>
+
+namespace scl {
+
+enum class Scl_file_open : unsigned { existing = 0, create = 1 };
+enum class Scl_file_access : unsigned { read = 0, read_write = 2 };
+
+// Flags of an opening.
+inline constexpr unsigned SCL_FILE_PLAIN = 0;
+// Replaces whatever entry of that name stands there (not a directory), and is removed again when
+// it is closed or destroyed.
+inline constexpr unsigned SCL_FILE_SCRATCH = 16;
+
+// How an opened file will be read; a hint.
+inline constexpr unsigned SCL_FILE_FRONT_TO_BACK = 0;
+inline constexpr unsigned SCL_FILE_AT_RANDOM = 1;
+
+// A regular file on disk. Its size is taken when it is opened and then follows this buffer's own
+// writes. Failures carry the file's name and the system's reason ("out: No space left on device").
+class Scl_file_buffer final : public Scl_buffer {
+public:
+    Scl_file_buffer() = default;
+    Scl_file_buffer(std::u16string_view path, Scl_file_open mode, Scl_file_access access,
+                    unsigned flags, unsigned pattern, Scl_status& status);
+    ~Scl_file_buffer() override;
+
+    // Creating without SCL_FILE_SCRATCH is exclusive and follows no link. Created files have mode
+    // 0600. Pushes SCL_STATUS_OPEN_FAILED, _CREATE_FAILED, _EXISTS or _NOT_REGULAR.
+    void open(std::u16string_view path, Scl_file_open mode, Scl_file_access access, unsigned flags,
+              unsigned pattern, Scl_status& status);
+
+    // Pushes SCL_STATUS_CLOSE_FAILED when the system reports a late write error here. Without
+    // effect on a buffer that is not open.
+    void close(Scl_status& status);
+
+    [[nodiscard]] bool is_open() const { return file_.is_open(); }
+
+    [[nodiscard]] std::uint64_t size(bool in_units, Scl_status& status) const override;
+    std::size_t read_at(std::uint64_t offset, std::span<std::byte> bytes,
+                        Scl_status& status) const override;
+    void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
+                  Scl_status& status) override;
+
+private:
+    [[nodiscard]] int create_scratch();
+    void remove_scratch() const;
+    void report(Scl_status_code code, int error, Scl_status& status) const;
+
+    Scl_file file_;
+    std::string name_;
+    std::uint64_t size_ = 0;
+    bool writable_ = false;
+    bool scratch_ = false;
+};
+
+} // namespace scl

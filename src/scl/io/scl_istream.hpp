@@ -1,0 +1,107 @@
+#pragma once
+
+#include "scl/io/scl_buffer.hpp"
+#include "scl/io/scl_endian.hpp"
+
+namespace scl {
+
+enum class Scl_seek : unsigned { absolute = 0, relative = 1, from_end = 2 };
+
+// A reader with a position over a buffer, which must outlive the attachment. Whatever is asked for
+// and is not there in full sets SCL_STATUS_END_OF_DATA; an integer read then leaves its value
+// alone. The data's size is taken when the stream is attached. Part of the data, the window, may
+// be at hand in memory: what lies in it costs no call.
+class Scl_istream {
+public:
+    Scl_istream(const Scl_istream&) = delete;
+    Scl_istream& operator=(const Scl_istream&) = delete;
+    virtual ~Scl_istream() = default;
+
+    // Without effect on a stream that is not attached.
+    void detach();
+
+    // Reads up to `count` bytes and returns how many there were.
+    std::size_t read(std::size_t count, void* destination, Scl_status& status);
+
+    template <std::integral T>
+    void read_le(T& value, Scl_status& status) {
+        Scl_raw<T> raw;
+        if (fetch(raw, status)) value = scl_load_le<T>(raw.data());
+    }
+    template <std::integral T>
+    void read_be(T& value, Scl_status& status) {
+        Scl_raw<T> raw;
+        if (fetch(raw, status)) value = scl_load_be<T>(raw.data());
+    }
+
+    // In bytes from the start of the data.
+    [[nodiscard]] std::uint64_t tell() const { return window_end_offset_ - at_hand(); }
+    // Never fails: a read from a position beyond the end does.
+    void set_position(std::uint64_t position);
+    // A target beyond the end sets SCL_STATUS_END_OF_DATA, one before the start
+    // SCL_STATUS_OUT_OF_BOUNDS; the position then stays.
+    void seek(Scl_seek mode, std::int64_t offset, Scl_status& status);
+
+    [[nodiscard]] std::uint64_t size(Scl_status& status) const;
+
+protected:
+    Scl_istream() = default;
+
+    void attach(const Scl_buffer& buffer, bool at_end, Scl_status& status);
+    [[nodiscard]] const Scl_buffer* buffer() const { return buffer_; }
+    [[nodiscard]] std::size_t at_hand() const {
+        return static_cast<std::size_t>(window_end_ - window_at_);
+    }
+
+    // Makes the window hold `bytes`, the data from `offset` on, and puts the position at its start.
+    void set_window(std::span<const std::byte> bytes, std::uint64_t offset);
+
+    // Called with the window used up: reads on from the position.
+    virtual std::size_t read_beyond_window(std::span<std::byte> bytes, Scl_status& status) = 0;
+
+    // Steps over `count` bytes at hand and returns their start; null when the window has fewer.
+    [[nodiscard]] const std::byte* take(std::size_t count) {
+        if (at_hand() < count) return nullptr;
+        const std::byte* const start = window_at_;
+        window_at_ += count;
+        return start;
+    }
+    [[nodiscard]] std::span<const std::byte> bytes_at_hand() const {
+        return {window_at_, window_end_};
+    }
+
+private:
+    template <std::size_t N>
+    [[nodiscard]] bool fetch(std::array<std::byte, N>& raw, Scl_status& status) {
+        if (const std::byte* const start = take(N)) {
+            std::copy_n(start, N, raw.begin());
+            return true;
+        }
+        return read(N, raw.data(), status) == N;
+    }
+
+    const std::byte* window_begin_ = nullptr;
+    const std::byte* window_at_ = nullptr;
+    const std::byte* window_end_ = nullptr;
+    std::uint64_t window_end_offset_ = 0; // where in the data the window ends
+    const Scl_buffer* buffer_ = nullptr;
+    std::uint64_t size_ = 0;
+};
+
+// Every read goes straight to the buffer; for few, large reads at chosen offsets.
+class Scl_unbuffered_istream final : public Scl_istream {
+public:
+    Scl_unbuffered_istream(const Scl_buffer& buffer, bool at_end, Scl_status& status,
+                           Scl_eol /*eol*/) {
+        attach(buffer, at_end, status);
+    }
+
+    // Reads without moving the position; 0 bytes at the end.
+    std::size_t read_at(std::uint64_t offset, std::size_t count, void* destination,
+                        Scl_status& status) const;
+
+protected:
+    std::size_t read_beyond_window(std::span<std::byte> bytes, Scl_status& status) override;
+};
+
+} // namespace scl

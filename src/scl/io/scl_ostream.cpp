@@ -1,0 +1,47 @@
+#include "scl/io/scl_ostream.hpp"
+
+#include <cstring>
+
+namespace scl {
+
+void Scl_ostream::init(Scl_buffer& buffer, Scl_status& /*status*/, Scl_eol /*eol*/) {
+    if (storage_ == nullptr) storage_ = std::make_unique_for_overwrite<std::byte[]>(STORAGE_BYTES);
+    buffer_ = &buffer;
+    capacity_ = STORAGE_BYTES;
+    used_ = 0;
+    begin_offset_ = 0;
+}
+
+void Scl_ostream::detach(Scl_status& status) {
+    flush(status);
+    buffer_ = nullptr;
+    capacity_ = 0;
+}
+
+// After a failure the bytes are dropped: what they should have followed is not there.
+void Scl_ostream::flush(Scl_status& status) {
+    if (used_ != 0 && !status.has_failed()) {
+        buffer_->write_at(begin_offset_, {storage_.get(), used_}, status);
+    }
+    begin_offset_ += used_;
+    used_ = 0;
+}
+
+void Scl_ostream::write(std::size_t count, const void* source, Scl_status& status) {
+    if (count > capacity_ - used_) flush(status);
+    if (count > capacity_) {
+        if (buffer_ == nullptr) return;
+        buffer_->write_at(begin_offset_, {static_cast<const std::byte*>(source), count}, status);
+        begin_offset_ += count;
+    } else if (count != 0) {
+        std::memcpy(storage_.get() + used_, source, count);
+        used_ += count;
+    }
+}
+
+void Scl_ostream::set_position(std::uint64_t position, Scl_status& status) {
+    flush(status);
+    begin_offset_ = position;
+}
+
+} // namespace scl

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "scl/io/scl_buffer.hpp"
+#include "scl/io/scl_endian.hpp"
+
+#include <memory>
+#include <string_view>
+
+namespace scl {
+
+// A buffered writer with a position over a buffer, which must outlive the attachment. What the
+// buffer reports when bytes reach it goes into the status of the call that sent them there, at the
+// latest into that of flush() or detach(): call one of them before trusting what was written.
+class Scl_ostream {
+public:
+    Scl_ostream() = default;
+    Scl_ostream(Scl_buffer& buffer, Scl_status& status, Scl_eol eol) { init(buffer, status, eol); }
+    Scl_ostream(const Scl_ostream&) = delete;
+    Scl_ostream& operator=(const Scl_ostream&) = delete;
+    ~Scl_ostream() = default; // drops what was not flushed: nobody could be told of a failure
+
+    // Writing starts at the buffer's front.
+    void init(Scl_buffer& buffer, Scl_status& status, Scl_eol eol);
+    void detach(Scl_status& status);
+    void flush(Scl_status& status);
+
+    void write(std::size_t count, const void* source, Scl_status& status);
+    void write(std::string_view bytes, Scl_status& status) {
+        write(bytes.size(), bytes.data(), status);
+    }
+    template <std::integral T>
+    void write_le(T value, Scl_status& status) {
+        if (std::byte* const room = make_room(sizeof(T), status)) {
+            scl_store_le(room, value);
+            used_ += sizeof(T);
+        }
+    }
+    template <std::integral T>
+    void write_be(T value, Scl_status& status) {
+        write_le(scl_byte_swapped(value), status);
+    }
+
+    // In bytes from the start of the buffer. Setting it never fails; writing beyond the buffer's
+    // end leaves no gap but sets SCL_STATUS_OUT_OF_BOUNDS.
+    [[nodiscard]] std::uint64_t tell() const { return begin_offset_ + used_; }
+    void set_position(std::uint64_t position, Scl_status& status);
+
+private:
+    static constexpr std::size_t STORAGE_BYTES = std::size_t{64} << 10;
+
+    // Where `count` bytes, few against STORAGE_BYTES, can be stored; null after a failure.
+    [[nodiscard]] std::byte* make_room(std::size_t count, Scl_status& status) {
+        if (capacity_ - used_ < count) flush(status);
+        return capacity_ - used_ < count ? nullptr : storage_.get() + used_;
+    }
+
+    Scl_buffer* buffer_ = nullptr;
+    std::unique_ptr<std::byte[]> storage_;
+    std::size_t capacity_ = 0; // 0 when not attached
+    std::size_t used_ = 0;
+    std::uint64_t begin_offset_ = 0; // where in the buffer the storage begins
+};
+
+} // namespace scl

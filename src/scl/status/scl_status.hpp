@@ -1,0 +1,84 @@
+#pragma once
+
+#include "scl/status/scl_status_codes.hpp"
+
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace scl {
+
+// What a message text shows in its argument's place: a file name, a field name, an exception's
+// message. An argument never changes once made, so statuses share it.
+class Scl_status_arg {
+public:
+    Scl_status_arg() = default;
+    Scl_status_arg(const Scl_status_arg&) = default;
+    Scl_status_arg& operator=(const Scl_status_arg&) = delete;
+    virtual ~Scl_status_arg() = default;
+
+    [[nodiscard]] virtual std::u16string_view text() const = 0;
+};
+
+// Holds a copy of its text.
+class Scl_wstring_status_arg final : public Scl_status_arg {
+public:
+    explicit Scl_wstring_status_arg(std::u16string_view text) : text_(text) {}
+    explicit Scl_wstring_status_arg(std::string_view narrow);
+
+    [[nodiscard]] std::u16string_view text() const override { return text_; }
+
+private:
+    std::u16string text_;
+};
+
+// The outcome of a run or of one step, handed down by reference as the last argument of every
+// operation that can fail. Entries stack up, the most recent on top; the status's value is the top
+// entry's code, 0 (success) when there is none.
+class Scl_status {
+public:
+    struct Entry {
+        Scl_status_code code;
+        std::shared_ptr<const Scl_status_arg> argument; // null when the code came without one
+        std::uint64_t
+            count; // how often it was pushed in a row: neighbours that are equal share one
+    };
+
+    Scl_status() = default;
+
+    // Replaces everything held by this one entry.
+    Scl_status& operator=(Scl_status_code code);
+    void assign(Scl_status_code code, Scl_wstring_status_arg argument);
+
+    void push(Scl_status_code code);
+    void push(Scl_status_code code, Scl_wstring_status_arg argument);
+    // Adds the top entry of `other`, if it has one.
+    void push_top(const Scl_status& other);
+
+    void clear();
+
+    [[nodiscard]] Scl_status_code value() const { return value_; }
+    [[nodiscard]] bool operator==(Scl_status_code code) const { return value_ == code; }
+    [[nodiscard]] bool contains_value(Scl_status_code code) const;
+
+    // True when no entry is an error.
+    [[nodiscard]] bool ok() const { return !holds_error_; }
+    // True when the value, the top entry alone, is an error; every loop's test.
+    [[nodiscard]] bool has_failed() const { return scl_is_error(value_); }
+    [[nodiscard]] bool is_warning() const { return scl_is_warning(value_); }
+
+    // Oldest first.
+    [[nodiscard]] std::span<const Entry> entries() const { return entries_; }
+
+private:
+    void add(Scl_status_code code, std::shared_ptr<const Scl_status_arg> argument);
+
+    Scl_status_code value_ = 0;
+    bool holds_error_ = false;
+    std::vector<Entry> entries_;
+};
+
+} // namespace scl

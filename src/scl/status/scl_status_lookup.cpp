@@ -1,0 +1,92 @@
+#include "scl/status/scl_status_lookup.hpp"
+
+#include "message_files.hpp"
+#include "scl/text/scl_string.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace scl {
+
+namespace {
+
+constexpr std::string_view HEX_DIGITS = "0123456789ABCDEF";
+constexpr std::string_view ARGUMENT_PLACE = "%1";
+
+std::string hex(std::uint32_t value, int digits) {
+    std::string text;
+    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) {
+        text += HEX_DIGITS[(value >> shift) & 0xF];
+    }
+    return text;
+}
+
+// The rest of the line that begins with the code; empty when no file has one.
+std::string_view find_message(std::string_view code) {
+    for (const impl::Message_file& file : impl::MESSAGE_FILES) {
+        std::string_view rest = file.text;
+        while (!rest.empty()) {
+            const std::string_view line = rest.substr(0, rest.find('\n'));
+            if (line.starts_with(code)) return line.substr(std::min(line.size(), code.size() + 1));
+            rest.remove_prefix(std::min(rest.size(), line.size() + 1));
+        }
+    }
+    return {};
+}
+
+// A byte that was no UTF-8 stands in wide text as U+DC00 + byte.
+bool is_raw_byte(char16_t unit) {
+    return unit >= 0xDC80 && unit <= 0xDCFF;
+}
+
+bool is_control(char16_t unit) {
+    return unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
+}
+
+void append_shown(std::u16string& text, std::u16string_view argument) {
+    for (std::size_t i = 0; i < argument.size(); ++i) {
+        const char16_t unit = argument[i];
+        const bool in_pair = i > 0 && (argument[i - 1] & 0xFC00) == 0xD800;
+        if (is_control(unit) || (is_raw_byte(unit) && !in_pair)) {
+            scl_string_append(text, "\\x" + hex(unit & 0xFFU, 2));
+        } else {
+            text += unit;
+        }
+    }
+}
+
+void append_entry(std::u16string& text, const Scl_status::Entry& entry) {
+    const std::string code = hex(entry.code, 8);
+    scl_string_append(text, "0x" + code);
+    const std::string_view message = find_message(code);
+    if (!message.empty()) scl_string_append(text, ": ");
+    const std::size_t place = message.find(ARGUMENT_PLACE);
+    scl_string_append(text, message.substr(0, place));
+    if (place != std::string_view::npos) {
+        if (entry.argument != nullptr) append_shown(text, entry.argument->text());
+        scl_string_append(text, message.substr(place + ARGUMENT_PLACE.size()));
+    }
+    if (entry.count > 1) {
+        scl_string_append(text, " (" + std::to_string(entry.count) + " times)");
+    }
+}
+
+} // namespace
+
+bool Scl_status_lookup::initialise_message_list(std::span<const std::string> file_names) {
+    return std::ranges::all_of(file_names, [](const std::string& name) {
+        return std::ranges::find(impl::MESSAGE_FILES, name, &impl::Message_file::name) !=
+               impl::MESSAGE_FILES.end();
+    });
+}
+
+void Scl_status_lookup::to_string(const Scl_status& status, std::u16string& text) {
+    text.clear();
+    const std::span<const Scl_status::Entry> entries = status.entries();
+    for (std::size_t i = entries.size(); i-- > 0;) {
+        append_entry(text, entries[i]);
+        if (i != 0) text += u'\n';
+    }
+}
+
+} // namespace scl

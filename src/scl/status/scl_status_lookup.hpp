@@ -1,0 +1,29 @@
+#pragma once
+
+#include "scl/status/scl_status.hpp"
+
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace scl {
+
+// The message files' names; they are source files of the project and compiled into the program.
+inline constexpr std::string_view SCL_PLAT_STATUS_FILE_NAME = "plat_status.msg";
+inline constexpr std::string_view SCL_UTIL_STATUS_FILE_NAME = "util_status.msg";
+
+// Turns a status into text for display.
+class Scl_status_lookup {
+public:
+    // False when there is no message file of one of the names. The texts are constants: nothing
+    // is kept from this call.
+    [[nodiscard]] static bool initialise_message_list(std::span<const std::string> file_names);
+
+    // Replaces `text` by one line per entry, the most recent first, without a line end after the
+    // last: the code, its message with the argument in its place, and how often it came in a row.
+    // Control characters and bytes that are no UTF-8 in an argument are shown as \xNN, so that no
+    // name can steer a terminal.
+    static void to_string(const Scl_status& status, std::u16string& text);
+};
+
+} // namespace scl

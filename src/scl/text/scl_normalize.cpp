@@ -1,0 +1,110 @@
+#include "scl/text/scl_normalize.hpp"
+
+#include "scl/text/composer.hpp"
+#include "scl/text/scl_utf.hpp"
+#include "scl/text/unicode_tables.hpp"
+
+namespace scl {
+
+namespace {
+
+// Below it nothing is a combining mark and nothing changes in NFC.
+constexpr char16_t FIRST_MARK = 0x300;
+
+// True for most texts that are wholly below the first mark, and for no others.
+bool is_below_marks(std::u16string_view text) {
+    return impl::scl_all_bits(text) < FIRST_MARK;
+}
+
+// True when nothing before the character has to do with its normal form.
+bool is_boundary(const impl::Properties& properties) {
+    return properties.nfc_yes && properties.combining_class == 0;
+}
+
+struct Stretch {
+    std::size_t end;
+    bool is_whole;
+};
+
+// The stretch of text from `at` on that is in NFC beyond doubt (the quick check of the annex).
+// When it is not the whole rest, it ends before the last boundary, as what follows may change from
+// there.
+Stretch normal_stretch(std::u16string_view text, std::size_t at) {
+    std::size_t boundary = at;
+    std::uint8_t last_class = 0;
+    while (at < text.size()) {
+        const std::size_t here = at;
+        if (text[at] < FIRST_MARK) {
+            last_class = 0;
+            boundary = at++;
+            continue;
+        }
+        const impl::Properties& next = impl::properties_of(impl::scl_utf16_next(text, at));
+        const bool in_order = next.combining_class == 0 || next.combining_class >= last_class;
+        if (!next.nfc_yes || !in_order) return {boundary, false};
+        last_class = next.combining_class;
+        if (last_class == 0) boundary = here;
+    }
+    return {text.size(), true};
+}
+
+// The first boundary after the character at `at`.
+std::size_t next_boundary(std::u16string_view text, std::size_t at) {
+    std::size_t after = at;
+    static_cast<void>(impl::scl_utf16_next(text, after));
+    do {
+        at = after;
+    } while (at < text.size() &&
+             !is_boundary(impl::properties_of(impl::scl_utf16_next(text, after))));
+    return at;
+}
+
+// The normal form of a text that begins with the stretch.
+std::u16string composed(std::u16string_view text, Stretch stretch) {
+    std::u16string result;
+    result.reserve(text.size());
+    impl::Composer composer;
+    std::size_t at = 0;
+    while (true) {
+        result.append(text.substr(at, stretch.end - at));
+        if (stretch.is_whole) return result;
+        at = next_boundary(text, stretch.end);
+        composer.compose(text.substr(stretch.end, at - stretch.end), result);
+        stretch = normal_stretch(text, at);
+    }
+}
+
+} // namespace
+
+bool scl_can_normalize(std::u16string_view text) {
+    if (impl::scl_all_bits(text) < impl::SCL_FIRST_SURROGATE) return true;
+    for (std::size_t at = 0; at < text.size();) {
+        if (impl::scl_is_surrogate(impl::scl_utf16_next(text, at))) return false;
+    }
+    return true;
+}
+
+bool scl_is_normalized(std::u16string_view text) {
+    if (is_below_marks(text)) return true;
+    const Stretch stretch = normal_stretch(text, 0);
+    return stretch.is_whole || composed(text, stretch) == text;
+}
+
+void impl::scl_normalize(std::u16string_view in, std::u16string& out) {
+    if (is_below_marks(in)) {
+        out.assign(in);
+        return;
+    }
+    const Stretch stretch = normal_stretch(in, 0);
+    if (stretch.is_whole) {
+        out.assign(in);
+    } else {
+        out.assign(composed(in, stretch)); // apart from `out`, whose text `in` may be
+    }
+}
+
+void scl_normalize(std::u16string_view in, std::u16string& out, Scl_status& /*status*/) {
+    impl::scl_normalize(in, out);
+}
+
+} // namespace scl

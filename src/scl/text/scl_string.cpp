@@ -1,0 +1,177 @@
+#include "scl/text/scl_string.hpp"
+
+#include "scl/text/scl_unicode.hpp"
+#include "scl/text/scl_utf.hpp"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <type_traits>
+
+namespace scl {
+
+namespace {
+
+// Units that are copied at once. Texts are short, so there is a smaller size for the small ones.
+constexpr std::size_t LARGE = 8;
+constexpr std::size_t SMALL = 4;
+
+template <class Unsigned, class Char>
+Unsigned load(const Char* from) {
+    Unsigned value = 0;
+    std::memcpy(&value, from, sizeof value);
+    return value;
+}
+
+template <std::size_t Size>
+bool is_ascii_block(const char* bytes) {
+    using Word = std::conditional_t<Size == LARGE, std::uint64_t, std::uint32_t>;
+    return (load<Word>(bytes) & static_cast<Word>(0x8080808080808080U)) == 0;
+}
+
+template <std::size_t Size>
+bool is_ascii_block(const char16_t* units) {
+    std::uint64_t all = load<std::uint64_t>(units);
+    if constexpr (Size == LARGE) all |= load<std::uint64_t>(units + SMALL);
+    return (all & 0xFF80FF80FF80FF80U) == 0;
+}
+
+template <class Char>
+bool is_ascii(Char c) {
+    return static_cast<std::make_unsigned_t<Char>>(c) < 0x80;
+}
+
+// Copies a block when it is wholly ASCII; tells whether it is. As vectors, or the compiler takes it
+// apart again.
+template <std::size_t Size, class To, class From>
+bool copy_block(To* to, const From* from) {
+    using From_block [[gnu::vector_size(LARGE * sizeof(From))]] = std::make_unsigned_t<From>;
+    using To_block [[gnu::vector_size(LARGE * sizeof(To))]] = std::make_unsigned_t<To>;
+    if (!is_ascii_block<Size>(from)) return false;
+    From_block read{}; // a small block is half of one
+    std::memcpy(&read, from, Size * sizeof(From));
+    const auto converted = __builtin_convertvector(read, To_block);
+    std::memcpy(to, &converted, Size * sizeof(To));
+    return true;
+}
+
+// Copies the ASCII characters that the text begins with, blockwise as far as that goes; gives
+// their number. The last block may overlap what is done already.
+template <std::size_t Size, class To, class From>
+std::size_t copy_ascii_in_blocks(To* to, const From* from, std::size_t size) {
+    std::size_t at = 0;
+    while (size - at >= Size && copy_block<Size>(to + at, from + at)) {
+        at += Size;
+    }
+    const bool is_tail = size >= Size && size - at < Size;
+    if (is_tail && copy_block<Size>(to + size - Size, from + size - Size)) return size;
+    for (; at < size && is_ascii(from[at]); ++at) {
+        to[at] = static_cast<To>(from[at]);
+    }
+    return at;
+}
+
+template <class To, class From>
+std::size_t copy_ascii(To* to, const From* from, std::size_t size) {
+    return size < LARGE ? copy_ascii_in_blocks<SMALL>(to, from, size)
+                        : copy_ascii_in_blocks<LARGE>(to, from, size);
+}
+
+// An upper bound of the bytes a text takes: a unit from U+0080 takes one byte more, one from U+0800
+// two. (A surrogate pair, four bytes, is counted as six.)
+std::size_t utf8_bound(std::u16string_view wide) {
+    std::size_t size = wide.size();
+    for (const char16_t unit : wide) {
+        size += static_cast<std::size_t>(unit >= 0x80) + static_cast<std::size_t>(unit >= 0x800);
+    }
+    return size;
+}
+
+} // namespace
+
+std::size_t scl_convert(std::string_view narrow, char16_t* wide) {
+    char16_t* to = wide;
+    for (std::size_t at = 0; at < narrow.size();) {
+        const std::size_t ascii = copy_ascii(to, narrow.data() + at, narrow.size() - at);
+        to += ascii;
+        at += ascii;
+        while (at < narrow.size() && !is_ascii(narrow[at])) {
+            to = impl::scl_utf16_put(to, impl::scl_utf8_next_long(narrow, at));
+        }
+    }
+    return static_cast<std::size_t>(to - wide);
+}
+
+void scl_string_append(std::u16string& wide, std::string_view narrow) {
+    const std::size_t start = wide.size();
+    wide.resize(start + narrow.size());
+    wide.resize(start + scl_convert(narrow, wide.data() + start));
+}
+
+void scl_string_append(std::string& narrow, std::u16string_view wide) {
+    const std::size_t start = narrow.size();
+    narrow.resize(start + wide.size());
+    std::size_t at = copy_ascii(narrow.data() + start, wide.data(), wide.size());
+    if (at == wide.size()) return;
+    narrow.resize(start + at + utf8_bound(wide.substr(at)));
+    char* to = narrow.data() + start + at;
+    while (at < wide.size()) {
+        while (at < wide.size() && !is_ascii(wide[at])) {
+            to = impl::scl_utf8_put(to, impl::scl_utf16_next(wide, at));
+        }
+        const std::size_t ascii = copy_ascii(to, wide.data() + at, wide.size() - at);
+        to += ascii;
+        at += ascii;
+    }
+    narrow.resize(static_cast<std::size_t>(to - narrow.data()));
+}
+
+void scl_stow(std::string_view narrow, std::u16string& wide) {
+    wide.resize(narrow.size());
+    wide.resize(scl_convert(narrow, wide.data()));
+}
+
+void scl_wtos(std::u16string_view wide, std::string& narrow, bool replace) {
+    if (replace) narrow.clear();
+    scl_string_append(narrow, wide);
+}
+
+void scl_utf16_to_utf8(std::u16string_view wide, std::string& narrow) {
+    scl_wtos(wide, narrow, true);
+}
+
+std::u16string_view scl_trimmed(std::u16string_view text) {
+    while (!text.empty() && scl_is_white_space(text.back())) {
+        text.remove_suffix(1);
+    }
+    while (!text.empty() && scl_is_white_space(text.front())) {
+        text.remove_prefix(1);
+    }
+    return text;
+}
+
+void scl_trim(std::u16string& text) {
+    const std::u16string_view trimmed = scl_trimmed(text);
+    const auto before = static_cast<std::size_t>(trimmed.data() - text.data());
+    text.resize(before + trimmed.size());
+    text.erase(0, before);
+}
+
+char32_t scl_utf16_to_utf32_char(std::u16string_view text, std::size_t& index) {
+    if (index < text.size()) return impl::scl_utf16_next(text, index);
+    index = SCL_NPOS;
+    return 0;
+}
+
+void Scl_tokeniser::tokenise(std::u16string_view text, std::vector<std::u16string>& pieces) const {
+    pieces.clear();
+    for (;;) {
+        const std::size_t end = text.find_first_of(separators_);
+        const std::u16string_view piece = scl_trimmed(text.substr(0, end));
+        if (!piece.empty()) pieces.emplace_back(piece);
+        if (end == std::u16string_view::npos) return;
+        text.remove_prefix(end + 1);
+    }
+}
+
+} // namespace scl

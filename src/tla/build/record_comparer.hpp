@@ -1,0 +1,27 @@
+#pragma once
+
+#include "scl/io/scl_buffer.hpp"
+#include "tla/build/record_scanner.hpp"
+
+#include <cstdint>
+
+namespace tla {
+
+// Tells whether two records are equal in all fields.
+class Record_comparer {
+public:
+    // `records` holds records back to back and must outlive the comparer, as must `status`.
+    Record_comparer(const scl::Scl_buffer& records, std::size_t field_count,
+                    scl::Scl_status& status);
+
+    // Offsets from the start of the buffer. What lies near the records compared last is at hand.
+    [[nodiscard]] bool equal(std::uint64_t a, std::uint64_t b, scl::Scl_status& status);
+
+private:
+    scl::Scl_buffered_istream stream_a_;
+    scl::Scl_buffered_istream stream_b_;
+    Record_scanner a_;
+    Record_scanner b_;
+};
+
+} // namespace tla

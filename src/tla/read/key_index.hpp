@@ -1,0 +1,48 @@
+#pragma once
+
+#include "scl/io/scl_buffered_istream.hpp"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tla {
+
+// How many pairs of a key table share one sample of the index in memory: the first of four sizes
+// that keeps the samples near 16,384, or, for the last size, near 32,768; 0 when none does. The
+// product of the two counts wraps at 32 bits.
+[[nodiscard]] constexpr std::uint32_t index_block_size(std::uint32_t record_count,
+                                                       std::uint16_t key_count) {
+    constexpr std::uint32_t MOST_SAMPLES = 16384;
+    const std::uint32_t pairs = record_count * key_count;
+    if (pairs / 4096 <= MOST_SAMPLES) return 4096;
+    if (pairs / 8192 <= MOST_SAMPLES) return 8192;
+    if (pairs / 12288 <= MOST_SAMPLES) return 12288;
+    if (pairs / 16384 <= 2 * MOST_SAMPLES) return 16384;
+    return 0;
+}
+
+// Where a block of a key table begins, and with which hash.
+struct Index_sample {
+    std::uint64_t first_hash;
+    std::uint64_t offset; // of the block's first pair, in bytes from the start of the file
+};
+static_assert(sizeof(Index_sample) == 16);
+
+// Whether the hashes of a block ascend. They do in a proper file; the first lookup in a block sees.
+enum class Block_order : std::uint8_t { unknown, ascending, mixed };
+
+// What is kept of a key table in memory.
+struct Key_index {
+    std::u16string name;               // of the key field
+    std::vector<Index_sample> samples; // in file order
+    std::vector<Block_order> orders;   // one a sample
+};
+
+// Reads a key table's name and the first pair of each of its blocks, and leaves the stream, which
+// is attached with this status, where the next table would begin if this one had `record_count`
+// pairs. The end of the data sets SCL_STATUS_END_OF_DATA.
+[[nodiscard]] Key_index read_key_index(scl::Scl_buffered_istream& in, std::uint32_t record_count,
+                                       std::uint32_t block_size, scl::Scl_status& status);
+
+} // namespace tla

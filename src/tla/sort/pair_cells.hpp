@@ -1,0 +1,72 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <vector>
+
+namespace tla {
+
+// An entry of a key table: where the records with a key hash stand.
+struct Index_pair {
+    std::uint64_t key_hash;
+    std::uint64_t record_offset; // in bytes from the start of the file
+};
+static_assert(sizeof(Index_pair) == 16);
+
+[[nodiscard]] constexpr bool hash_less(const Index_pair& a, const Index_pair& b) {
+    return a.key_hash < b.key_hash;
+}
+
+// A page of pairs, linked to the next of its bucket.
+struct Pair_cell {
+    static constexpr std::size_t PAIRS = 255;
+
+    Pair_cell* next;
+    std::uint64_t reserved;
+    std::array<Index_pair, PAIRS> pairs;
+};
+static_assert(sizeof(Pair_cell) == 4096);
+
+// Owns all cells of a sort. A cell that is given back is the next one taken, so that splitting a
+// bucket further needs hardly more memory than the bucket itself.
+class Pair_cells {
+public:
+    [[nodiscard]] Pair_cell* take();
+    void give_back(Pair_cell* cell);
+
+private:
+    static constexpr std::size_t SLAB_CELLS = 64;
+
+    std::vector<std::unique_ptr<Pair_cell[]>> slabs_;
+    std::size_t used_in_last_slab_ = SLAB_CELLS;
+    Pair_cell* free_ = nullptr;
+};
+
+// Pairs in the order in which they were added.
+class Pair_bucket {
+public:
+    void add(const Index_pair& pair, Pair_cells& cells) {
+        if (at_ == end_) add_cell(cells);
+        *at_++ = pair;
+    }
+
+    // The pairs of one of its cells.
+    [[nodiscard]] std::span<const Index_pair> pairs_of(const Pair_cell& cell) const;
+    [[nodiscard]] Pair_cell* first_cell() const { return first_; }
+    [[nodiscard]] std::size_t size() const;
+    // True when all pairs have the same hash.
+    [[nodiscard]] bool is_uniform() const;
+
+private:
+    void add_cell(Pair_cells& cells);
+
+    Index_pair* at_ = nullptr;
+    Index_pair* end_ = nullptr;
+    Pair_cell* first_ = nullptr;
+    Pair_cell* last_ = nullptr;
+};
+
+} // namespace tla

@@ -1,0 +1,98 @@
+#include "tla/sort/pair_sorter.hpp"
+
+#include "tla/sort/radix_sort.hpp"
+
+#include <algorithm>
+#include <bit>
+#include <utility>
+
+namespace tla {
+
+namespace {
+
+constexpr unsigned HASH_BITS = 64;
+constexpr unsigned MOST_BUCKET_BITS = 10;
+constexpr std::uint64_t PAIRS_A_BUCKET = 512; // aimed at
+constexpr std::size_t SMALL_BUCKET = 32768;   // pairs that are sorted in one piece
+
+unsigned bucket_bits(std::uint64_t expected_count, unsigned settled_bits) {
+    const auto wanted = static_cast<unsigned>(std::bit_width(expected_count / PAIRS_A_BUCKET));
+    return std::min({wanted, MOST_BUCKET_BITS, HASH_BITS - settled_bits});
+}
+
+} // namespace
+
+struct Tla_pair_sorter::Workspace {
+    std::vector<Index_pair> pairs;
+    std::vector<Index_pair> spare;
+};
+
+Tla_pair_sorter::Tla_pair_sorter(std::uint64_t expected_count)
+    : Tla_pair_sorter(expected_count, 0, std::make_shared<Pair_cells>(),
+                      std::make_shared<Workspace>()) {}
+
+Tla_pair_sorter::Tla_pair_sorter(std::uint64_t expected_count, unsigned settled_bits,
+                                 std::shared_ptr<Pair_cells> cells,
+                                 std::shared_ptr<Workspace> workspace)
+    : cells_(std::move(cells)),
+      workspace_(std::move(workspace)),
+      settled_bits_(settled_bits + bucket_bits(expected_count, settled_bits)),
+      shift_(std::min(HASH_BITS - settled_bits_, HASH_BITS - 1)),
+      buckets_(std::size_t{1} << (settled_bits_ - settled_bits)) {}
+
+void Tla_pair_sorter::drain(Tla_pair_sink& sink) {
+    for (Pair_bucket& bucket : buckets_) {
+        drain_bucket(bucket, sink);
+        bucket = {};
+    }
+}
+
+void Tla_pair_sorter::drain_bucket(Pair_bucket& bucket, Tla_pair_sink& sink) {
+    const std::size_t size = bucket.size();
+    if (size <= SMALL_BUCKET) {
+        drain_small(bucket, sink);
+    } else if (bucket.is_uniform()) {
+        for (const Pair_cell* cell = bucket.first_cell(); cell != nullptr; cell = cell->next) {
+            sink.take(bucket.pairs_of(*cell));
+        }
+        release(bucket);
+    } else {
+        split(bucket, size, sink);
+    }
+}
+
+void Tla_pair_sorter::drain_small(const Pair_bucket& bucket, Tla_pair_sink& sink) {
+    std::vector<Index_pair>& pairs = workspace_->pairs;
+    pairs.clear();
+    for (const Pair_cell* cell = bucket.first_cell(); cell != nullptr; cell = cell->next) {
+        const std::span<const Index_pair> found = bucket.pairs_of(*cell);
+        pairs.insert(pairs.end(), found.begin(), found.end());
+    }
+    release(bucket);
+    workspace_->spare.resize(std::max(workspace_->spare.size(), pairs.size()));
+    radix_sort(pairs, workspace_->spare, settled_bits_);
+    sink.take(pairs);
+}
+
+void Tla_pair_sorter::split(const Pair_bucket& bucket, std::size_t size, Tla_pair_sink& sink) {
+    Tla_pair_sorter parts(size, settled_bits_, cells_, workspace_);
+    for (Pair_cell* cell = bucket.first_cell(); cell != nullptr;) {
+        for (const Index_pair& pair : bucket.pairs_of(*cell)) {
+            parts.add(pair);
+        }
+        Pair_cell* const next = cell->next;
+        cells_->give_back(cell);
+        cell = next;
+    }
+    parts.drain(sink);
+}
+
+void Tla_pair_sorter::release(const Pair_bucket& bucket) {
+    for (Pair_cell* cell = bucket.first_cell(); cell != nullptr;) {
+        Pair_cell* const next = cell->next;
+        cells_->give_back(cell);
+        cell = next;
+    }
+}
+
+} // namespace tla

@@ -1,0 +1,82 @@
+#include "tla/sort/radix_sort.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <utility>
+
+namespace tla {
+
+namespace {
+
+constexpr unsigned HASH_BITS = 64;
+constexpr unsigned DIGIT_BITS = 8;
+constexpr std::size_t FEW = 32; // pairs for which no other way beats insertion
+
+using Counts = std::array<std::size_t, std::size_t{1} << DIGIT_BITS>;
+
+std::size_t digit(const Index_pair& pair, unsigned shift) {
+    return (pair.key_hash >> shift) & ((1U << DIGIT_BITS) - 1);
+}
+
+void insertion_sort(std::span<Index_pair> pairs) {
+    for (std::size_t i = 1; i < pairs.size(); ++i) {
+        const Index_pair pair = pairs[i];
+        std::size_t j = i;
+        for (; j > 0 && hash_less(pair, pairs[j - 1]); --j) {
+            pairs[j] = pairs[j - 1];
+        }
+        pairs[j] = pair;
+    }
+}
+
+// One stable pass by the digit at `shift`.
+void distribute(std::span<const Index_pair> from, std::span<Index_pair> to, unsigned shift) {
+    Counts starts{};
+    for (const Index_pair& pair : from) {
+        ++starts[digit(pair, shift)];
+    }
+    std::size_t start = 0;
+    for (std::size_t& count : starts) {
+        start += std::exchange(count, start);
+    }
+    for (const Index_pair& pair : from) {
+        to[starts[digit(pair, shift)]++] = pair;
+    }
+}
+
+// Pairs that agree in all bits looked at so far are few, or equal in all bits: sorted already.
+void sort_run(std::span<Index_pair> run) {
+    if (run.size() <= FEW) {
+        insertion_sort(run);
+    } else if (!std::is_sorted(run.begin(), run.end(), hash_less)) {
+        std::stable_sort(run.begin(), run.end(), hash_less);
+    }
+}
+
+void sort_runs(std::span<Index_pair> pairs, unsigned shift) {
+    std::size_t begin = 0;
+    for (std::size_t i = 1; i <= pairs.size(); ++i) {
+        if (i < pairs.size() && pairs[i].key_hash >> shift == pairs[begin].key_hash >> shift) {
+            continue;
+        }
+        if (i - begin > 1) sort_run(pairs.subspan(begin, i - begin));
+        begin = i;
+    }
+}
+
+} // namespace
+
+void radix_sort(std::span<Index_pair> pairs, std::span<Index_pair> spare, unsigned equal_bits) {
+    if (pairs.size() <= FEW || equal_bits + 2 * DIGIT_BITS > HASH_BITS) {
+        sort_run(pairs);
+        return;
+    }
+    const unsigned shift = HASH_BITS - equal_bits - 2 * DIGIT_BITS;
+    const std::span<Index_pair> room = spare.first(pairs.size());
+    distribute(pairs, room, shift);
+    distribute(room, pairs, shift + DIGIT_BITS);
+    sort_runs(pairs, shift);
+}
+
+} // namespace tla

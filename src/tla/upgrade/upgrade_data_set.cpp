@@ -1,0 +1,91 @@
+#include "tla/upgrade/upgrade_data_set.hpp"
+
+#include "records/tla_record_processor.hpp"
+#include "records/tla_status_codes.hpp"
+#include "scl/text/scl_string.hpp"
+#include "tla/build/data_set_generator.hpp"
+#include "tla/build/scratch_file.hpp"
+#include "tla/format/data_set_layout.hpp"
+#include "tla/read/tla_data_set_connector_file.hpp"
+#include "tla/read/tla_record_allowance.hpp"
+
+#include <algorithm>
+
+namespace tla {
+
+namespace {
+
+void load_old_file(std::u16string_view path, Tla_data_set_connector_file& old_file,
+                   scl::Scl_status& status) {
+    old_file.set_parameter("DataFileName", path, status);
+    if (!status.has_failed()) old_file.open(status);
+    if (!status.has_failed()) old_file.load(status, true);
+}
+
+std::vector<Formatter_type_id> types_of(const std::vector<Field_descriptor>& fields) {
+    std::vector<Formatter_type_id> types(fields.size());
+    std::ranges::transform(fields, types.begin(), &Field_descriptor::type);
+    return types;
+}
+
+// By position: two fields of one name, which the generator refuses anyway, would not matter.
+void gather_texts(const Tla_data_set_entry_file& entry, const std::vector<Field_descriptor>& fields,
+                  std::vector<std::u16string>& texts, scl::Scl_status& status) {
+    for (std::size_t i = 0; i < fields.size() && !status.has_failed(); ++i) {
+        if (entry.text_at(i, texts[i])) continue;
+        status.assign(TLA_STATUS_NO_TEXT, scl::Scl_wstring_status_arg(fields[i].name));
+    }
+}
+
+void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_file,
+                     scl::Scl_ostream& out, scl::Scl_status& status) {
+    const std::vector<Field_descriptor>& fields = old_file.field_descriptors();
+    std::vector<std::int64_t> offsets = old_file.record_offsets(status);
+    std::ranges::sort(offsets);
+    Tla_record_allowance allowance(old_file.file_size(), path);
+    Tla_record_processor processor(types_of(fields), {});
+    std::vector<std::u16string> texts(fields.size());
+    for (const std::int64_t offset : offsets) {
+        if (status.has_failed()) return;
+        const auto entry = old_file.read_stored_entry(offset, status);
+        if (entry == nullptr) continue;
+        gather_texts(*entry, fields, texts, status);
+        allowance.take(entry->record_size(), status);
+        if (status.has_failed()) return;
+        processor.process(texts, out, status);
+    }
+}
+
+// Each key table takes a pass over all records. A damaged file may claim thousands of keys for a
+// few long records; as token values are at most nine times as long as their texts, a file with up
+// to a hundred keys never comes here.
+void check_work(const Tla_data_set_connector_file& old_file, std::uint64_t records_size,
+                std::u16string_view path, scl::Scl_status& status) {
+    constexpr std::uint64_t MOST_PASSES = 1024; // over as many bytes as the old file has
+    const std::uint64_t pass = old_file.data_start() + records_size;
+    if (old_file.key_count() * pass <= MOST_PASSES * old_file.file_size()) return;
+    status.push(TLA_STATUS_NO_DATA_SET, scl::Scl_wstring_status_arg(path));
+}
+
+} // namespace
+
+void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
+                      scl::Scl_status& status) {
+    std::u16string path;
+    scl::scl_string_append(path, input_path);
+    Tla_data_set_connector_file old_file;
+    load_old_file(path, old_file, status);
+    if (status.has_failed() || old_file.version() >= TLA_DATA_SET_VERSION) return;
+    scl::Scl_file_buffer records;
+    tla_open_scratch_file(records, status);
+    if (status.has_failed()) return;
+    scl::Scl_ostream out(records, status, scl::Scl_eol::none);
+    convert_records(path, old_file, out, status);
+    out.detach(status);
+    if (!status.has_failed()) check_work(old_file, records.size(false, status), path, status);
+    if (status.has_failed()) return;
+    write_data_set_file(old_file.key_names(), old_file.field_descriptors(), records, output,
+                        status);
+}
+
+} // namespace tla

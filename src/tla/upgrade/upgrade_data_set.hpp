@@ -1,0 +1,20 @@
+#pragma once
+
+#include "scl/io/scl_buffer.hpp"
+
+#include <string_view>
+
+namespace tla {
+
+// Writes the records of an old data set file as a file of the latest version, in the order in which
+// they stand in the old one, with its fields and key fields; empty key fields are carried over. A
+// file of the latest version is left alone, and nothing is written.
+//
+// Codes are those of a connector's open and load and of reading an entry, those of making the
+// scratch file, of processing a record and of the generator; TLA_STATUS_NO_TEXT with the field's
+// name for a record that stores no text, TLA_STATUS_NO_DATA_SET with the file's name for records
+// that are together longer than their file, and for far more keys than its size warrants.
+void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
+                      scl::Scl_status& status);
+
+} // namespace tla

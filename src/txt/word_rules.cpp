@@ -1,0 +1,227 @@
+#include "txt/word_rules.hpp"
+
+#include <algorithm>
+
+namespace txt::impl {
+
+namespace {
+
+using Wb = scl::Scl_word_break;
+
+constexpr std::size_t PROPERTIES = 21; // values of Wb
+
+// The text before a position, as far as the rules ask about it.
+struct Context {
+    Wb before;         // the last character that WB4 does not skip
+    Wb beyond;         // the one before that, when `before` is a mid character joined to it
+    bool after_joiner; // the character right before is a ZWJ, skipped or not
+    bool awaiting;     // `before` was only looked at: it belongs to the segment if the next fits
+
+    constexpr bool operator==(const Context&) const = default;
+};
+
+constexpr bool ends_line(Wb p) {
+    return p == Wb::newline || p == Wb::cr || p == Wb::lf;
+}
+
+constexpr bool is_pictographic(Wb p) {
+    return p == Wb::pictographic || p == Wb::aletter_pictographic;
+}
+
+constexpr bool is_skipped(Wb p) {
+    return p == Wb::extend || p == Wb::format || p == Wb::zwj;
+}
+
+constexpr bool is_ahletter(Wb p) {
+    return p == Wb::aletter || p == Wb::aletter_pictographic || p == Wb::hebrew_letter;
+}
+
+constexpr bool is_mid_letter(Wb p) {
+    return p == Wb::mid_letter || p == Wb::mid_num_let || p == Wb::single_quote;
+}
+
+constexpr bool is_mid_num(Wb p) {
+    return p == Wb::mid_num || p == Wb::mid_num_let || p == Wb::single_quote;
+}
+
+constexpr bool takes_connector(Wb p) {
+    return is_ahletter(p) || p == Wb::numeric || p == Wb::katakana || p == Wb::extend_num_let;
+}
+
+constexpr bool follows_connector(Wb p) {
+    return is_ahletter(p) || p == Wb::numeric || p == Wb::katakana;
+}
+
+// The rules whose second half follows a mid character.
+constexpr bool completes(const Context& c, Wb after) {
+    const Wb beyond = c.beyond;
+    const Wb mid = c.before;
+    if (is_ahletter(beyond) && is_mid_letter(mid) && is_ahletter(after)) return true;   // WB7
+    if (beyond == Wb::hebrew_letter && mid == Wb::double_quote) return after == beyond; // WB7c
+    if (beyond == Wb::numeric && is_mid_num(mid) && after == Wb::numeric) return true;  // WB11
+    return false;
+}
+
+// The first rule that fits decides. WB7a stands before WB6: where both fit it needs no look ahead.
+// WB15 and WB16 need no count: a complete pair no longer counts as a regional indicator.
+constexpr Word_action decide(const Context& c, Wb after) {
+    using enum Word_action;
+    const Wb before = c.before;
+    if (before == Wb::cr && after == Wb::lf) return join;                      // WB3
+    if (ends_line(before)) return part;                                        // WB3a
+    if (ends_line(after)) return part;                                         // WB3b
+    if (c.after_joiner && is_pictographic(after)) return join;                 // WB3c
+    if (before == Wb::wsegspace && after == Wb::wsegspace) return join;        // WB3d
+    if (is_skipped(after)) return join;                                        // WB4
+    if (is_ahletter(before) && is_ahletter(after)) return join;                // WB5
+    if (before == Wb::hebrew_letter && after == Wb::single_quote) return join; // WB7a
+    if (is_ahletter(before) && is_mid_letter(after)) return look;              // WB6
+    if (before == Wb::hebrew_letter && after == Wb::double_quote) return look; // WB7b
+    if (completes(c, after)) return join;                                      // 7, 7c, 11
+    if (before == Wb::numeric && after == Wb::numeric) return join;            // WB8
+    if (is_ahletter(before) && after == Wb::numeric) return join;              // WB9
+    if (before == Wb::numeric && is_ahletter(after)) return join;              // WB10
+    if (before == Wb::numeric && is_mid_num(after)) return look;               // WB12
+    if (before == Wb::katakana && after == Wb::katakana) return join;          // WB13
+    if (takes_connector(before) && after == Wb::extend_num_let) return join;   // WB13a
+    if (before == Wb::extend_num_let && follows_connector(after)) return join; // WB13b
+    if (before == Wb::regional_indicator && after == before) return join;      // WB15, WB16
+    return part;                                                               // WB999
+}
+
+// As `before`, properties that the rules treat alike.
+constexpr Wb merged(Wb p) {
+    if (p == Wb::aletter_pictographic) return Wb::aletter;
+    if (p == Wb::newline) return Wb::lf;
+    const bool asked =
+        takes_connector(p) || ends_line(p) || p == Wb::wsegspace || p == Wb::regional_indicator;
+    return asked ? p : Wb::other;
+}
+
+constexpr Context first(Wb p) {
+    return {merged(p), Wb::other, p == Wb::zwj, false};
+}
+
+// After `mid`, which followed `before` and was looked at, or joined at once by WB7a.
+constexpr Context after_mid(Wb before, Wb mid) {
+    if (mid == Wb::double_quote) return {mid, before, false, true};
+    if (before == Wb::numeric) return {Wb::mid_num, before, false, true};
+    const bool settled = before == Wb::hebrew_letter && mid == Wb::single_quote;
+    return {Wb::mid_letter, Wb::aletter, false, !settled};
+}
+
+constexpr Context after_join(const Context& c, Wb joined) {
+    if (is_skipped(joined)) {
+        const bool apart = c.before == Wb::wsegspace; // WB3d wants its two side by side
+        return {apart ? Wb::other : c.before, c.beyond, joined == Wb::zwj, c.awaiting};
+    }
+    if (joined == Wb::regional_indicator) return first(Wb::other); // the pair is complete
+    if (joined == Wb::single_quote) return after_mid(c.before, joined);
+    return first(joined);
+}
+
+constexpr std::array CONTEXTS{
+    first(Wb::other),
+    first(Wb::aletter),
+    first(Wb::hebrew_letter),
+    first(Wb::katakana),
+    first(Wb::numeric),
+    first(Wb::extend_num_let),
+    first(Wb::wsegspace),
+    first(Wb::cr),
+    first(Wb::lf),
+    first(Wb::regional_indicator),
+    after_mid(Wb::hebrew_letter, Wb::single_quote),
+    after_mid(Wb::aletter, Wb::mid_letter),
+    after_mid(Wb::hebrew_letter, Wb::double_quote),
+    after_mid(Wb::numeric, Wb::mid_num),
+};
+
+// A row for each awaiting context, from which its mid character is taken; then two for each
+// context, without and with a ZWJ right before.
+constexpr std::size_t AWAITING = 3;
+constexpr std::size_t FIRST_AWAITING = CONTEXTS.size() - AWAITING;
+constexpr std::size_t FIRST_TAKE_ROW = 2;
+constexpr std::size_t FIRST_CONTEXT_ROW = FIRST_TAKE_ROW + AWAITING;
+static_assert(WORD_ROWS == FIRST_CONTEXT_ROW + 2 * CONTEXTS.size());
+
+constexpr std::size_t place_of(Context c) {
+    c.after_joiner = false;
+    return static_cast<std::size_t>(std::find(CONTEXTS.begin(), CONTEXTS.end(), c) -
+                                    CONTEXTS.begin());
+}
+
+constexpr std::uint8_t row_of(const Context& c) {
+    return static_cast<std::uint8_t>(FIRST_CONTEXT_ROW + 2 * place_of(c) +
+                                     (c.after_joiner ? 1 : 0));
+}
+
+constexpr std::uint8_t take_row_of(const Context& c) {
+    return static_cast<std::uint8_t>(FIRST_TAKE_ROW + place_of(c) - FIRST_AWAITING);
+}
+
+constexpr Word_step step_from(const Context& c, Wb after) {
+    using enum Word_action;
+    if (c.awaiting && !is_skipped(after) && !completes(c, after)) {
+        return {roll_back, WORD_ROW_CUT};
+    }
+    switch (decide(c, after)) {
+    case join:
+        return {join, row_of(after_join(c, after))};
+    case look:
+        return {look, take_row_of(after_mid(c.before, after))};
+    default:
+        return {part, WORD_ROW_START};
+    }
+}
+
+constexpr void fill_context_rows(Word_steps& steps) {
+    for (Context c : CONTEXTS) {
+        for (const bool after_joiner : {false, true}) {
+            c.after_joiner = after_joiner;
+            for (std::size_t p = 0; p < PROPERTIES; ++p) {
+                steps[row_of(c)][p] = step_from(c, static_cast<Wb>(p));
+            }
+            steps[row_of(c)][WORD_END_OF_TEXT] =
+                c.awaiting ? Word_step{Word_action::roll_back, WORD_ROW_CUT}
+                           : Word_step{Word_action::part, WORD_ROW_START}; // WB2
+        }
+    }
+}
+
+constexpr Word_steps make_steps() {
+    Word_steps steps{};
+    for (std::size_t p = 0; p < PROPERTIES; ++p) { // WB1
+        steps[WORD_ROW_START][p] = {Word_action::start, row_of(first(static_cast<Wb>(p)))};
+    }
+    steps[WORD_ROW_START][WORD_END_OF_TEXT] = {Word_action::finish, WORD_ROW_START};
+    steps[WORD_ROW_CUT].fill({Word_action::part, WORD_ROW_START});
+    for (std::size_t i = FIRST_AWAITING; i < CONTEXTS.size(); ++i) {
+        steps[take_row_of(CONTEXTS[i])].fill({Word_action::join, row_of(CONTEXTS[i])});
+    }
+    fill_context_rows(steps);
+    return steps;
+}
+
+constexpr bool always_joins(const std::array<Word_step, WORD_COLUMNS>& row) {
+    return std::ranges::all_of(WORD_RUN_PROPERTIES, [&row](Wb p) {
+        return row[static_cast<std::size_t>(p)].action == Word_action::join;
+    });
+}
+
+constexpr std::array<bool, WORD_ROWS> make_runs(const Word_steps& steps) {
+    std::array<bool, WORD_ROWS> runs{};
+    runs[WORD_ROW_START] = true;
+    for (std::size_t row = FIRST_CONTEXT_ROW; row < WORD_ROWS; ++row) {
+        runs[row] = always_joins(steps[row]);
+    }
+    return runs;
+}
+
+} // namespace
+
+constexpr Word_steps STEPS = make_steps();
+const Word_steps WORD_STEPS = STEPS;
+const std::array<bool, WORD_ROWS> WORD_RUNS = make_runs(STEPS);
+
+} // namespace txt::impl
