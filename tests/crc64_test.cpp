@@ -43,4 +43,26 @@ TEST(Crc64, BothKernelsAgreeWithTheSlowOne) {
     }
 }
 
+// Texts of all lengths, with and without readable memory behind them.
+TEST(Crc64, WidenedTextIsThatOfItsUnits) {
+    std::mt19937_64 random(4);
+    const std::string text = [&random] {
+        std::string letters(600, ' ');
+        for (char& letter : letters) {
+            letter = static_cast<char>(random() % 128);
+        }
+        return letters;
+    }();
+    const std::u16string wide(text.begin(), text.end());
+    for (std::size_t size = 0; size < 550; ++size) {
+        const std::size_t at = size % 31;
+        const std::uint64_t expected =
+            ~slow_register(scl::Scl_crc64::INITIAL, std::as_bytes(std::span(wide).subspan(at, size)));
+        for (const std::size_t readable : {size, text.size() - at}) {
+            ASSERT_EQ(scl::Scl_crc64::calculate_widened(&text[at], size, readable), expected);
+        }
+        ASSERT_EQ(~scl::impl::crc64_widened_by_table({&text[at], size}), expected) << size;
+    }
+}
+
 } // namespace

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scl/crc/scl_crc64.hpp"
+#include "scl/text/scl_text_span.hpp"
 #include "scl/text/scl_unicode.hpp"
 
 #include <cstdint>
@@ -40,6 +41,14 @@ static_assert(txt_token_type(scl::Scl_unicode_code_point_type::punctuation) ==
     if (text.empty()) return 0;
     return scl::Scl_crc64::calculate(text.data(), text.size() * sizeof(char16_t),
                                      scl::Scl_crc64::INITIAL);
+}
+
+// The same of a text of either unit; ASCII bytes count as the units that they become.
+[[nodiscard]] inline std::uint64_t txt_token_value(const scl::Scl_text_span<char16_t>& text) {
+    return txt_token_value(text.view());
+}
+[[nodiscard]] inline std::uint64_t txt_token_value(const scl::Scl_text_span<char>& text) {
+    return scl::Scl_crc64::calculate_widened(text.begin, text.size(), text.readable(text.begin));
 }
 
 } // namespace txt

@@ -3,7 +3,7 @@
 #include "scl/text/scl_unicode.hpp"
 #include "txt/txt_text_store.hpp"
 #include "txt/txt_token_types.hpp"
-#include "txt/word_rules.hpp"
+#include "txt/word_state.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -44,49 +44,38 @@ public:
     // operation are updated: `start` or `go_on`. process() would do the same with each of them.
     [[nodiscard]] std::size_t run(std::span<const std::byte> units, Txt_text_store& text,
                                   std::uint32_t& type, Txt_parse_operation& operation) {
-        if (!type_settled_ || !impl::WORD_RUNS[row_]) return 0;
+        if (!type_settled_ || !state_.takes_runs()) return 0;
         return take_run(units, text, type, operation);
     }
-
-    // Whether run() would take the whole text, which then is one token; so most words and numbers.
-    [[nodiscard]] static bool is_one_run(std::u16string_view text);
 
 private:
     using Class = scl::Scl_unicode_code_point_type;
 
     [[nodiscard]] std::size_t take_run(std::span<const std::byte> units, Txt_text_store& text,
                                        std::uint32_t& type, Txt_parse_operation& operation);
-    void start(Class first, std::uint32_t& type);
     void settle_type(Class next, std::uint32_t& type);
     [[nodiscard]] Txt_parse_operation operation_before(impl::Word_action action) const;
 
-    std::uint8_t row_ = impl::WORD_ROW_START;
-    bool in_trailer_ = false;
+    impl::Word_state state_;
     bool type_settled_ = true; // false while the open segment holds nothing visible by itself
 };
 
 inline void Txt_tokeniser::process(char32_t character, Txt_text_store& text, std::uint32_t& type,
                                    Txt_parse_operation& operation) {
     const std::uint8_t bits = scl::impl::scl_unicode_bits(character);
-    const std::size_t property = bits >> 3U;
     const auto character_class = static_cast<Class>(bits & 7U);
-    impl::Word_step step = impl::WORD_STEPS[row_][property];
-    if (step.action == impl::Word_action::part && in_trailer_ &&
-        character_class == Class::white_space) {
-        step = {impl::Word_action::join, impl::WORD_STEPS[impl::WORD_ROW_START][property].row};
-    }
-    row_ = step.row;
-    if (step.action == impl::Word_action::join) {
+    const impl::Word_action action = state_.take(bits);
+    if (action == impl::Word_action::join) {
         if (!type_settled_) settle_type(character_class, type);
         text.append(character);
         operation = Txt_parse_operation::go_on;
-    } else if (step.action == impl::Word_action::start) {
-        start(character_class, type);
+    } else if (action == impl::Word_action::start) {
+        settle_type(character_class, type);
         text.clear();
         text.append(character);
         operation = Txt_parse_operation::start;
     } else {
-        operation = operation_before(step.action);
+        operation = operation_before(action);
     }
 }
 
@@ -94,7 +83,7 @@ inline void Txt_tokeniser::process(char32_t character, Txt_text_store& text, std
 inline Txt_parse_operation Txt_tokeniser::operation_before(impl::Word_action action) const {
     switch (action) {
     case impl::Word_action::part:
-        return in_trailer_ ? Txt_parse_operation::trailer : Txt_parse_operation::token;
+        return state_.in_trailer() ? Txt_parse_operation::trailer : Txt_parse_operation::token;
     case impl::Word_action::look:
         return Txt_parse_operation::checkpoint;
     case impl::Word_action::roll_back:
@@ -106,17 +95,10 @@ inline Txt_parse_operation Txt_tokeniser::operation_before(impl::Word_action act
 
 inline void Txt_tokeniser::breakpoint(Txt_text_store& /*text*/, std::uint32_t& /*type*/,
                                       Txt_parse_operation& operation) {
-    const impl::Word_step step = impl::WORD_STEPS[row_][impl::WORD_END_OF_TEXT];
-    row_ = step.row;
-    operation = operation_before(step.action);
+    operation = operation_before(state_.take_end());
 }
 
-inline void Txt_tokeniser::start(Class first, std::uint32_t& type) {
-    in_trailer_ = first == Class::white_space;
-    type_settled_ = false;
-    settle_type(first, type);
-}
-
+// The first character that is visible by itself decides; a segment without one is a symbol.
 inline void Txt_tokeniser::settle_type(Class next, std::uint32_t& type) {
     type = txt_token_type(next);
     type_settled_ = next != Class::attached;

@@ -1,16 +1,44 @@
 #pragma once
 
+#include "scl/text/scl_text_span.hpp"
+#include "txt/txt_token_types.hpp"
+#include "txt/txt_token_walk.hpp"
+#include "txtdfc/txtdfc_token_pool.hpp"
+
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 #include <vector>
 
 namespace txtdfc {
 
-// Replaces `values` by those of the text's tokens, in text order: the ones that the tokens of a
-// codec's view have (Txt_token::crc of the whole text), without making a view. False when there is
-// no text, that is, nothing or a byte order mark alone. Allocates nothing for words of up to
-// Txt_text_store::FIRST_UNITS units but the list. Throws std::runtime_error for a text of more than
-// TXTDFC_MAX_TOKENS tokens.
+// A byte order mark at the front is no part of the text.
+[[nodiscard]] inline scl::Scl_text_span<char16_t>
+txtdfc_without_mark(scl::Scl_text_span<char16_t> text) {
+    constexpr char16_t BYTE_ORDER_MARK = 0xFEFF;
+    if (!text.empty() && *text.begin == BYTE_ORDER_MARK) ++text.begin;
+    return text;
+}
+[[nodiscard]] inline scl::Scl_text_span<char> txtdfc_without_mark(scl::Scl_text_span<char> text) {
+    return text; // ASCII holds none
+}
+
+// Hands the values of a text's tokens to `take`, in text order: those that the tokens of a codec's
+// view have (Txt_token::crc of the whole text), without making a view. A text without anything but
+// a byte order mark has none. Allocates nothing. Throws std::runtime_error for a text of more than
+// TXTDFC_MAX_TOKENS tokens, when that many are handed over.
+template <typename Unit, typename Take>
+void txtdfc_each_token_value(const scl::Scl_text_span<Unit>& text, Take&& take) {
+    const scl::Scl_text_span<Unit> tokens = txtdfc_without_mark(text);
+    std::size_t left = TXTDFC_MAX_TOKENS;
+    txt::txt_walk_tokens(tokens, [&](const Unit* begin, const Unit* end) {
+        if (left-- == 0) throw_too_many_tokens(TXTDFC_MAX_TOKENS);
+        take(txt::txt_token_value(scl::Scl_text_span<Unit>(begin, end, text.readable_end)));
+    });
+}
+
+// Replaces `values` by those of the text's tokens. False when there is no text, that is, nothing or
+// a byte order mark alone. Throws as above.
 [[nodiscard]] bool txtdfc_token_values(std::u16string_view text,
                                        std::vector<std::uint64_t>& values);
 

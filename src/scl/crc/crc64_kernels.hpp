@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 namespace scl::impl {
 
@@ -12,11 +13,20 @@ namespace scl::impl {
 // Only where has_carryless_multiply() is true.
 [[nodiscard]] std::uint64_t crc64_by_multiply(std::uint64_t reg, std::span<const std::byte> bytes);
 
+// The register, from all ones, over the UTF-16 form of an ASCII text, which is not made for it.
+[[nodiscard]] std::uint64_t crc64_widened_by_table(std::string_view text);
+
+// The same where has_carryless_multiply() is true: for texts of up to 16 characters, of which 16
+// must be readable all the same, and for longer ones.
+[[nodiscard]] std::uint64_t crc64_widened_16(const char* text, std::size_t size);
+[[nodiscard]] std::uint64_t crc64_widened_long(const char* text, std::size_t size);
+
 // Whether the processor has the instructions. Asked anew each time, a look at one word of memory: a
 // constant set at the program's start would still be empty for other constants that start with it.
 [[nodiscard]] inline bool has_carryless_multiply() {
 #if defined(__x86_64__)
-    return __builtin_cpu_supports("pclmul") != 0 && __builtin_cpu_supports("sse4.1") != 0;
+    return __builtin_cpu_supports("pclmul") != 0 && __builtin_cpu_supports("ssse3") != 0 &&
+           __builtin_cpu_supports("sse4.1") != 0;
 #else
     return false;
 #endif

@@ -4,6 +4,7 @@
 #include "scl/io/scl_buffered_istream.hpp"
 #include "scl/io/scl_endian.hpp"
 
+#include <algorithm>
 #include <array>
 
 namespace scl {
@@ -60,8 +61,33 @@ std::uint64_t impl::crc64_by_table(std::uint64_t reg, std::span<const std::byte>
     return reg;
 }
 
+// Four characters are one word of the message. The loads beyond are of single bytes.
+std::uint64_t impl::crc64_widened_by_table(std::string_view text) {
+    std::uint64_t reg = Scl_crc64::INITIAL;
+    while (!text.empty()) {
+        std::array<std::byte, STRIDE> widened{};
+        const std::size_t count = std::min(text.size(), STRIDE / 2);
+        for (std::size_t i = 0; i < count; ++i) {
+            widened[2 * i] = static_cast<std::byte>(text[i]);
+        }
+        reg = crc64_by_table(reg, std::span(widened).first(2 * count));
+        text.remove_prefix(count);
+    }
+    return reg;
+}
+
 std::uint64_t Scl_crc64::calculate(const void* data, std::size_t size, std::uint64_t initial) {
     return ~step(initial, {static_cast<const std::byte*>(data), size});
+}
+
+std::uint64_t Scl_crc64::calculate_widened(const char* text, std::size_t size,
+                                           std::size_t readable) {
+    if (!impl::has_carryless_multiply()) return ~impl::crc64_widened_by_table({text, size});
+    if (size > WIDENED_BLOCK) return ~impl::crc64_widened_long(text, size);
+    if (readable >= WIDENED_BLOCK) return ~impl::crc64_widened_16(text, size);
+    std::array<char, WIDENED_BLOCK> copy{};
+    std::copy_n(text, size, copy.begin());
+    return ~impl::crc64_widened_16(copy.data(), size);
 }
 
 void Scl_crc64::update(std::span<const std::byte> bytes) {

@@ -19,6 +19,14 @@ public:
     [[nodiscard]] static std::uint64_t calculate(const void* data, std::size_t size,
                                                  std::uint64_t initial);
 
+    // calculate() from INITIAL over the UTF-16 form (little-endian) of an ASCII text of `size`
+    // characters, without making that form. `readable` says how many characters can be read from
+    // `text` on, those beyond its end included: with WIDENED_BLOCK of them a short text takes one
+    // step, whatever its length.
+    [[nodiscard]] static std::uint64_t calculate_widened(const char* text, std::size_t size,
+                                                         std::size_t readable);
+    static constexpr std::size_t WIDENED_BLOCK = 16;
+
     void update(std::span<const std::byte> bytes);
     // Feeds all bytes of the buffer. A read error is left in the status.
     void update(const Scl_buffer& buffer, Scl_status& status);

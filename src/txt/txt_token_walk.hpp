@@ -1,0 +1,116 @@
+#pragma once
+
+#include "scl/text/scl_text_span.hpp"
+#include "scl/text/scl_utf.hpp"
+#include "txt/word_runs.hpp"
+#include "txt/word_state.hpp"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace txt {
+
+namespace impl {
+
+// Walks over one text. Tokens are pieces of it as they lie there, so nothing is copied.
+template <typename Unit, typename Take>
+class Token_walk {
+public:
+    Token_walk(const scl::Scl_text_span<Unit>& text, Take& take)
+        : text_(text), take_(take), at_(text.begin) {}
+
+    void run() {
+        for (;;) {
+            take_run();
+            if (at_ != text_.end) {
+                take_character();
+            } else if (take_end()) {
+                return;
+            }
+        }
+    }
+
+private:
+    void take_run() {
+        if (!state_.takes_runs()) return;
+        const std::size_t length = run_length(text_, at_);
+        if (length == 0) return;
+        if (!state_.is_open()) start_ = at_;
+        at_ += length;
+        state_.take_run(unit_bits(at_ - 1));
+    }
+
+    void take_character() {
+        const Unit* next = at_;
+        const char32_t character = read(next);
+        switch (state_.take(scl::impl::scl_unicode_bits(character))) {
+        case Word_action::start:
+            start_ = at_;
+            [[fallthrough]];
+        case Word_action::join:
+            at_ = next;
+            return;
+        case Word_action::look:
+            checkpoint_ = at_;
+            return;
+        case Word_action::roll_back:
+            at_ = checkpoint_;
+            return;
+        default:
+            end_segment();
+        }
+    }
+
+    // True at the end of it all; after a roll-back there are characters to be taken once more.
+    bool take_end() {
+        switch (state_.take_end()) {
+        case Word_action::roll_back:
+            at_ = checkpoint_;
+            return false;
+        case Word_action::part:
+            end_segment();
+            return true;
+        default:
+            return true;
+        }
+    }
+
+    void end_segment() {
+        if (!state_.in_trailer()) {
+            take_(start_, at_);
+        } else if (start_ == text_.begin) {
+            take_(start_, start_);
+        }
+    }
+
+    [[nodiscard]] char32_t read(const Unit*& at) const {
+        if constexpr (sizeof(Unit) == 1) {
+            return static_cast<unsigned char>(*at++);
+        } else {
+            std::size_t length = 0;
+            const std::basic_string_view<Unit> rest(at, static_cast<std::size_t>(text_.end - at));
+            const char32_t character = scl::impl::scl_utf16_next(rest, length);
+            at += length;
+            return character;
+        }
+    }
+
+    const scl::Scl_text_span<Unit>& text_;
+    Take& take_;
+    Word_state state_;
+    const Unit* at_;
+    const Unit* start_ = nullptr;      // of the open segment
+    const Unit* checkpoint_ = nullptr; // where a character was only looked at
+};
+
+} // namespace impl
+
+// Hands the tokens of a text, ASCII bytes or UTF-16 units, to `take(begin, end)` in their order.
+// They are the ones that a Txt_tokeniser finds, by the same rules and table. A trailer that the text
+// begins with gives an empty token first: it is the one that the trailer belongs to.
+template <typename Unit, typename Take>
+void txt_walk_tokens(const scl::Scl_text_span<Unit>& text, Take&& take) {
+    impl::Token_walk<Unit, Take>(text, take).run();
+}
+
+} // namespace txt
