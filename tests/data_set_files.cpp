@@ -1,6 +1,7 @@
 #include "data_set_files.hpp"
 
 #include "driver/schema.hpp"
+#include "records/tla_kept_fields.hpp"
 #include "records/tla_record_processor.hpp"
 #include "scl/crc/scl_crc64.hpp"
 #include "scl/io/scl_buffers.hpp"
@@ -49,17 +50,20 @@ std::string version1(std::string_view schema, const Keys& keys, const Rows& rows
 std::string version2(std::string_view schema, const Keys& keys, const Rows& rows) {
     driver::Schema parsed;
     (void)driver::parse_schema(schema, parsed);
-    tla::Tla_record_processor processor(parsed.types, {});
+    tla::Tla_record_processor processor(parsed.types, {}, nullptr);
     scl::Scl_status status;
     scl::Scl_heap_buffer records;
     scl::Scl_ostream out(records, status, scl::Scl_eol::none);
     for (const auto& row : rows) {
-        std::vector<std::u16string> texts = all_wide(row);
-        processor.process(texts, out, status);
+        tla::Tla_kept_fields fields;
+        for (const std::string& text : row) {
+            fields.add(text);
+        }
+        processor.process({fields.fields()}, out, status);
     }
     out.detach(status);
     scl::Scl_heap_buffer file;
-    tla::write_data_set_file(all_wide(keys), parsed.fields, records, file, status);
+    tla::write_data_set_file(all_wide(keys), parsed.fields, records, nullptr, file, status);
     if (!status.ok()) throw std::runtime_error("the file cannot be built");
     return bytes_in(file);
 }

@@ -3,7 +3,6 @@
 #include "driver/console.hpp"
 #include "driver/option_scanner.hpp"
 #include "scl/text/scl_string.hpp"
-#include "tla/build/data_set_generator.hpp"
 #include "tla/build/scratch_file.hpp"
 #include "tla/upgrade/upgrade_data_set.hpp"
 
@@ -128,7 +127,7 @@ int Driver::build() {
     scl::Scl_file_buffer records;
     tla::tla_open_scratch_file(records, status_);
     if (!status_.ok()) return EXIT_OK; // silent: nothing was read, and the output stays empty
-    switch (read_records(in, records)) {
+    switch (build_from(in, records).reading) {
     case tla::Tla_read_result::field_count_mismatch:
         (void)fail_with_usage("Field count does not match the schema.");
         return EXIT_FAULT;
@@ -138,23 +137,19 @@ int Driver::build() {
     case tla::Tla_read_result::finished:
         break;
     }
-    if (status_.ok()) {
-        tla::write_data_set_file(key_names_, schema_.fields, records, output_, status_);
-    }
     close_output();
     return report_generation();
 }
 
-tla::Tla_read_result Driver::read_records(scl::Scl_buffered_istream& in,
-                                          scl::Scl_file_buffer& records) {
+tla::Tla_build_result Driver::build_from(scl::Scl_buffered_istream& in,
+                                         scl::Scl_file_buffer& records) {
     std::vector<std::uint64_t> key_positions;
     resolve_keys(schema_.fields, key_names_, key_positions);
-    scl::Scl_ostream out(records, status_, scl::Scl_eol::none);
-    tla::Parallel_record_reader reader(in, schema_.types, key_positions, out);
-    const tla::Tla_read_result result = reader.read_records(status_);
-    in.detach();
-    out.detach(status_);
-    return result;
+    const tla::Tla_build_plan plan{.fields = schema_.fields,
+                                   .types = schema_.types,
+                                   .key_names = key_names_,
+                                   .key_positions = key_positions};
+    return tla::build_data_set(plan, in, records, output_, status_);
 }
 
 int Driver::report_generation() {

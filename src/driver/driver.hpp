@@ -1,9 +1,9 @@
 #pragma once
 
 #include "driver/schema.hpp"
-#include "records/parallel_record_reader.hpp"
 #include "scl/io/scl_file_buffer.hpp"
 #include "scl/status/scl_status.hpp"
+#include "tla/build/build_data_set.hpp"
 
 #include <exception>
 #include <string>
@@ -38,8 +38,8 @@ private:
 
     [[nodiscard]] int upgrade();
     [[nodiscard]] int build();
-    [[nodiscard]] tla::Tla_read_result read_records(scl::Scl_buffered_istream& in,
-                                                    scl::Scl_file_buffer& records);
+    [[nodiscard]] tla::Tla_build_result build_from(scl::Scl_buffered_istream& in,
+                                                   scl::Scl_file_buffer& records);
     [[nodiscard]] int report_generation();
     void close_output();
     void remove_output();

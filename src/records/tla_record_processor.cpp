@@ -1,53 +1,136 @@
 #include "records/tla_record_processor.hpp"
 
 #include "records/record_layout.hpp"
-#include "records/tla_formatters.hpp"
 #include "records/tla_status_codes.hpp"
 #include "scl/text/scl_string.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
 namespace tla {
 
-void Field_token_writer::write(std::u16string_view value, scl::Scl_ostream& out,
-                               scl::Scl_status& status) {
-    (void)txtdfc::txtdfc_token_values(value, values_); // without text there are none
-    out.write_be(static_cast<Tla_token_count>(values_.size()), status);
-    for (const std::uint64_t token_value : values_) {
-        out.write_be(token_value, status);
+namespace {
+
+// What a record may take to be assembled in the output's own memory. A field's count comes before
+// its values, whose number is only known behind them.
+constexpr std::size_t ROOM_BYTES = std::size_t{32} << 10;
+
+// Puts a record together in a piece of memory.
+class Record_assembly {
+public:
+    explicit Record_assembly(std::span<std::byte> room)
+        : begin_(room.data()), at_(begin_), end_(begin_ + room.size()) {}
+
+    template <typename Unit>
+    void add_field(scl::Scl_text_span<Unit> text) {
+        std::byte* const count_at = take(TLA_COUNT_BYTES);
+        const std::byte* const values = at_;
+        txtdfc::txtdfc_each_token_value(text, [this](Tla_token_value value) {
+            if (std::byte* const to = take(TLA_TOKEN_VALUE_BYTES)) {
+                scl::scl_store_le(to, scl::scl_byte_swapped(value));
+            }
+        });
+        if (is_full_) return;
+        const auto count = static_cast<std::size_t>(at_ - values) / TLA_TOKEN_VALUE_BYTES;
+        scl::scl_store_le(count_at, scl::scl_byte_swapped(static_cast<Tla_token_count>(count)));
     }
+    void add_end() {
+        if (std::byte* const to = take(TLA_RECORD_END_BYTES)) *to = std::byte{TLA_RECORD_END};
+    }
+
+    // Whether something found no place; the record is of no use then.
+    [[nodiscard]] bool is_full() const { return is_full_; }
+    [[nodiscard]] std::span<const std::byte> record() const { return {begin_, at_}; }
+
+private:
+    std::byte* take(std::size_t bytes) {
+        is_full_ = is_full_ || static_cast<std::size_t>(end_ - at_) < bytes;
+        if (is_full_) return nullptr;
+        at_ += bytes;
+        return at_ - bytes;
+    }
+
+    std::byte* begin_;
+    std::byte* at_;
+    std::byte* end_;
+    bool is_full_ = false;
+};
+
+// Goes over the text twice, so that memory need not hold its values.
+template <typename Unit>
+void write_large_field(scl::Scl_text_span<Unit> text, scl::Scl_ostream& out,
+                       scl::Scl_status& status) {
+    Tla_token_count count = 0; // wraps
+    txtdfc::txtdfc_each_token_value(text, [&count](Tla_token_value) { ++count; });
+    out.write_be(count, status);
+    txtdfc::txtdfc_each_token_value(text,
+                                    [&](Tla_token_value value) { out.write_be(value, status); });
 }
 
+} // namespace
+
 Tla_record_processor::Tla_record_processor(std::span<const Formatter_type_id> types,
-                                           std::span<const std::uint64_t> key_positions) {
+                                           std::span<const std::uint64_t> key_positions,
+                                           Tla_record_listener* listener)
+    : listener_(listener) {
     columns_.reserve(types.size());
     for (const Formatter_type_id& type : types) {
-        columns_.push_back({tla_create_formatter(type), false});
+        columns_.push_back({tla_create_formatter(type), tla_ascii_formatter(type), false});
     }
     for (const std::uint64_t position : key_positions) {
         columns_.at(position).is_key = true;
     }
 }
 
-void Tla_record_processor::process(std::span<std::u16string> fields, scl::Scl_ostream& out,
+void Tla_record_processor::process(const Tla_record_text& record, scl::Scl_ostream& out,
                                    scl::Scl_status& status) {
-    if (fields.empty() || fields.size() != columns_.size()) return;
-    for (std::size_t i = 0; i < fields.size() && !status.has_failed(); ++i) {
-        process_field(columns_[i], fields[i], out, status);
-    }
-    if (!status.has_failed() && columns_.back().formatter != nullptr) {
-        out.write_le(TLA_RECORD_END, status);
+    if (record.fields.empty() || record.fields.size() != columns_.size()) return;
+    Record_assembly assembly(out.room(ROOM_BYTES, status));
+    format_fields(record, status, [&](auto text) { assembly.add_field(text); });
+    if (status.has_failed()) return;
+    if (ends_with_byte()) assembly.add_end();
+    if (assembly.is_full()) return process_large(record, out, status);
+    out.advance(assembly.record().size());
+    if (listener_ != nullptr) listener_->record_made(assembly.record());
+}
+
+void Tla_record_processor::process_large(const Tla_record_text& record, scl::Scl_ostream& out,
+                                         scl::Scl_status& status) {
+    format_fields(record, status, [&](auto text) { write_large_field(text, out, status); });
+    if (!status.has_failed() && ends_with_byte()) out.write_le(TLA_RECORD_END, status);
+    if (listener_ != nullptr) listener_->record_made({});
+}
+
+// Hands the formatted texts to `use`: ASCII as the bytes it is, anything else as UTF-16.
+template <typename Use>
+void Tla_record_processor::format_fields(const Tla_record_text& record, scl::Scl_status& status,
+                                         Use&& use) {
+    for (std::size_t i = 0; i < columns_.size() && !status.has_failed(); ++i) {
+        const Tla_field_text& field = record.fields[i];
+        if (record.is_ascii || scl::scl_is_ascii(field)) {
+            format_ascii(columns_[i], field, status, use);
+        } else {
+            format_other(columns_[i], field, status, use);
+        }
     }
 }
 
-void Tla_record_processor::process_field(const Column& column, std::u16string& field,
-                                         scl::Scl_ostream& out, scl::Scl_status& status) {
-    const std::u16string_view value = scl::scl_trimmed(field);
-    if (value.empty() && column.is_key) {
-        status.push(TLA_STATUS_EMPTY_KEY);
-    } else if (column.formatter != nullptr) {
-        column.formatter->format(value, field, false);
-        token_writer_.write(field, out, status);
-    }
+// A key of an unknown type must not be empty either: the look at the key comes first.
+template <typename Use>
+void Tla_record_processor::format_ascii(const Column& column, const Tla_field_text& field,
+                                        scl::Scl_status& status, Use& use) {
+    const Tla_field_text value = scl::scl_trimmed(field);
+    if (value.empty() && column.is_key) return status.push(TLA_STATUS_EMPTY_KEY);
+    if (column.format_ascii != nullptr) use(column.format_ascii(value, ascii_));
+}
+
+template <typename Use>
+void Tla_record_processor::format_other(const Column& column, const Tla_field_text& field,
+                                        scl::Scl_status& status, Use& use) {
+    scl::scl_stow(field.view(), wide_);
+    const std::u16string_view value = scl::scl_trimmed(wide_);
+    if (value.empty() && column.is_key) return status.push(TLA_STATUS_EMPTY_KEY);
+    if (column.formatter == nullptr) return;
+    column.formatter->format(value, wide_, false);
+    use(scl::scl_span_of(wide_));
 }
 
 } // namespace tla

@@ -1,29 +1,38 @@
 #pragma once
 
 #include "records/field_descriptor.hpp"
+#include "records/scratch_text.hpp"
 #include "records/tla_formatters.hpp"
 #include "scl/io/scl_ostream.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace tla {
 
-// Turns formatted values into token values: the CRC-64 of each word, number, punctuation mark and
-// symbol of the text. The list of values is kept from one value to the next.
-class Field_token_writer {
-public:
-    // Writes the field as a record holds it: the token count as a big-endian u16, which wraps at
-    // 65,536, then every token value as a big-endian u64. A value without text has the count 0; one
-    // of more tokens than there may be throws std::runtime_error.
-    void write(std::u16string_view value, scl::Scl_ostream& out, scl::Scl_status& status);
+// A field as it is read: UTF-8 bytes, or any others, which are kept as they are (scl_string.hpp).
+using Tla_field_text = scl::Scl_text_span<char>;
 
-private:
-    std::vector<std::uint64_t> values_;
+struct Tla_record_text {
+    std::span<const Tla_field_text> fields;
+    bool is_ascii = false; // known to be, all of them
+};
+
+// Is shown each record when it is made, so that what it says need not be read again.
+class Tla_record_listener {
+public:
+    Tla_record_listener() = default;
+    Tla_record_listener(const Tla_record_listener&) = delete;
+    Tla_record_listener& operator=(const Tla_record_listener&) = delete;
+    virtual ~Tla_record_listener() = default;
+
+    // The whole record in the layout of record_layout.hpp, valid during the call; empty for one too
+    // large to be held in memory, which is written all the same.
+    virtual void record_made(std::span<const std::byte> record) = 0;
 };
 
 // Writes records: each field trimmed, formatted by its column's formatter and stored as token
@@ -32,27 +41,42 @@ private:
 class Tla_record_processor {
 public:
     // `types` names the columns' formatters; `key_positions` are the columns that may not be empty.
+    // `listener` may be null; else it must outlive the processor.
     Tla_record_processor(std::span<const Formatter_type_id> types,
-                         std::span<const std::uint64_t> key_positions);
+                         std::span<const std::uint64_t> key_positions,
+                         Tla_record_listener* listener);
 
     [[nodiscard]] std::size_t column_count() const { return columns_.size(); }
 
-    // The fields are formatted in their places. Does nothing when their number is not that of the
-    // columns. Pushes TLA_STATUS_EMPTY_KEY for a key field that is empty after trimming, and stops
-    // there.
-    void process(std::span<std::u16string> fields, scl::Scl_ostream& out, scl::Scl_status& status);
+    // Does nothing when the number of fields is not that of the columns. Pushes
+    // TLA_STATUS_EMPTY_KEY for a key field that is empty after trimming, and stops there; leaves
+    // SCL_STATUS_WRITE_FAILED when `out` cannot be written. Throws std::runtime_error for a field
+    // of more tokens than there may be.
+    void process(const Tla_record_text& record, scl::Scl_ostream& out, scl::Scl_status& status);
 
 private:
     struct Column {
         std::unique_ptr<const Tla_formatter_base> formatter; // null when the type is unknown
+        Tla_ascii_formatter format_ascii = nullptr;
         bool is_key = false;
     };
 
-    void process_field(const Column& column, std::u16string& field, scl::Scl_ostream& out,
+    template <typename Use>
+    void format_fields(const Tla_record_text& record, scl::Scl_status& status, Use&& use);
+    template <typename Use>
+    void format_ascii(const Column& column, const Tla_field_text& field, scl::Scl_status& status,
+                      Use& use);
+    template <typename Use>
+    void format_other(const Column& column, const Tla_field_text& field, scl::Scl_status& status,
+                      Use& use);
+    [[nodiscard]] bool ends_with_byte() const { return columns_.back().formatter != nullptr; }
+    void process_large(const Tla_record_text& record, scl::Scl_ostream& out,
                        scl::Scl_status& status);
 
     std::vector<Column> columns_;
-    Field_token_writer token_writer_;
+    Tla_record_listener* listener_;
+    Scratch_text<char> ascii_;
+    std::u16string wide_;
 };
 
 } // namespace tla

@@ -1,146 +1,149 @@
 #include "records/tla_record_reader.hpp"
 
-#include "scl/text/scl_string.hpp"
+#include "records/delimiters.hpp"
 
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cstdint>
-#include <cstring>
-#include <string_view>
 
 namespace tla {
 
-void Record_text::add(std::string_view utf8) {
-    if (count_ == fields_.size()) fields_.emplace_back();
-    scl::scl_stow(utf8, fields_[count_++]);
-}
-
 namespace {
 
-constexpr std::byte FIELD_SEPARATOR{'\t'};
-constexpr std::byte LINE_FEED{'\n'};
-constexpr std::byte CARRIAGE_RETURN{'\r'};
-constexpr std::array LINE_END = {CARRIAGE_RETURN, LINE_FEED};
-constexpr std::array BYTE_ORDER_MARK = {std::byte{0xEF}, std::byte{0xBB}, std::byte{0xBF}};
-
-bool is_delimiter(std::byte byte) {
-    return byte == FIELD_SEPARATOR || byte == LINE_FEED || byte == CARRIAGE_RETURN ||
-           byte == BYTE_ORDER_MARK.front();
-}
-
-// Sixteen bytes side by side.
-using Block [[gnu::vector_size(16)]] = std::uint8_t;
-using Halves [[gnu::vector_size(16)]] = std::uint64_t;
-
-Block all(std::byte byte) {
-    return Block{} + std::to_integer<std::uint8_t>(byte);
-}
-
-// The place of the first delimiter; 16 when there is none.
-std::size_t find_delimiter(const Block& block) {
-    const auto hits = (block == all(FIELD_SEPARATOR)) | (block == all(LINE_FEED)) |
-                      (block == all(CARRIAGE_RETURN)) | (block == all(BYTE_ORDER_MARK.front()));
-    const auto halves = std::bit_cast<Halves>(hits);
-    const int bits =
-        halves[0] != 0 ? std::countr_zero(halves[0]) : 64 + std::countr_zero(halves[1]);
-    return static_cast<std::size_t>(bits) / 8;
-}
-
-std::size_t count_before_delimiter(std::span<const std::byte> bytes) {
-    std::size_t at = 0;
-    for (; bytes.size() - at >= sizeof(Block); at += sizeof(Block)) {
-        Block block;
-        std::memcpy(&block, bytes.data() + at, sizeof block);
-        const std::size_t place = find_delimiter(block);
-        if (place < sizeof(Block)) return at + place;
-    }
-    while (at < bytes.size() && !is_delimiter(bytes[at])) {
-        ++at;
-    }
-    return at;
-}
-
-bool begins_with(std::span<const std::byte> bytes, std::span<const std::byte> start) {
-    return bytes.size() >= start.size() && std::ranges::equal(bytes.first(start.size()), start);
-}
-
-// Of the line end, LF or CR LF, that the bytes begin with; 0 when they begin with none.
-std::size_t line_end_size(std::span<const std::byte> bytes) {
-    if (!bytes.empty() && bytes[0] == LINE_FEED) return 1;
-    return begins_with(bytes, LINE_END) ? LINE_END.size() : 0;
-}
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 std::string_view as_text(std::span<const std::byte> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
+// Of the next 64 bytes, or of as many as there are: zeros, which end nothing, make up the block.
+Delimiters find_next_delimiters(std::string_view rest) {
+    if (rest.size() >= Delimiters::BLOCK) return find_delimiters(rest.data());
+    std::array<char, Delimiters::BLOCK> block{};
+    std::ranges::copy(rest, block.begin());
+    return find_delimiters(block.data());
+}
+
 } // namespace
 
-Tla_read_result Tla_record_reader::read_records(Bytes lines, scl::Scl_status& status) {
-    while (!lines.empty() && result_ == Tla_read_result::finished && !status.has_failed()) {
-        lines = lines.subspan(take_piece(lines, status));
+// A failure to read comes after all that was read: the bytes before it may hold a fault of their
+// own, which is then the first one. A CR that nothing follows is one.
+Tla_read_result Tla_record_reader::read_records(scl::Scl_buffered_istream& in,
+                                                scl::Scl_status& status) {
+    scl::Scl_status reading;
+    while (goes_on(status)) {
+        const std::string_view window = as_text(in.window(reading));
+        const bool is_good = !after_carriage_return_ || window.starts_with(LINE_FEED);
+        if (!is_good) result_ = Tla_read_result::invalid_line_ending;
+        if (window.empty() || !is_good) break;
+        take_window(window, status);
+        in.skip(window.size());
     }
+    if (goes_on(status)) status.push_top(reading);
     return result_;
 }
 
-// Takes a field or the end of one, or what stands before a byte that may begin a mark. Returns how
-// many bytes are done.
-std::size_t Tla_record_reader::take_piece(Bytes bytes, scl::Scl_status& status) {
-    const std::size_t count = count_before_delimiter(bytes);
-    const Bytes before = bytes.first(count);
-    const Bytes rest = bytes.subspan(count);
-    if (rest.empty()) return count;
-    if (rest[0] == FIELD_SEPARATOR) {
-        end_field(before);
-        return count + 1;
+// Lines are used where they lie, but for the one that the window ends in, and any that has no block
+// readable behind it there.
+void Tla_record_reader::take_window(std::string_view window, scl::Scl_status& status) {
+    after_carriage_return_ = window.ends_with(CARRIAGE_RETURN);
+    if (!open_line_.empty()) window.remove_prefix(complete_line(window, status));
+    const std::size_t unpadded = std::min(window.size(), scl::SCL_BLOCK_BYTES);
+    const std::string_view padded = window.substr(0, window.size() - unpadded);
+    if (goes_on(status)) window.remove_prefix(take_lines(padded, status));
+    while (goes_on(status) && !window.empty()) {
+        window.remove_prefix(complete_line(window, status));
     }
-    if (const std::size_t line_end = line_end_size(rest); line_end != 0) {
-        end_field(before);
-        end_record(status);
-        return count + line_end;
-    }
-    if (rest[0] == CARRIAGE_RETURN) {
-        result_ = Tla_read_result::invalid_line_ending;
-        return count;
-    }
-    gather(before);
-    return count + take_mark_or_byte(rest);
 }
 
-std::size_t Tla_record_reader::take_mark_or_byte(Bytes bytes) {
-    if (begins_with(bytes, BYTE_ORDER_MARK)) return BYTE_ORDER_MARK.size();
-    gather(bytes.first(1));
-    return 1;
+// Adds what the window has of the open line, and takes it when it ends there. Returns how much.
+std::size_t Tla_record_reader::complete_line(std::string_view window, scl::Scl_status& status) {
+    const std::string_view rest = window.substr(0, window.find(LINE_FEED)); // all, without one
+    const std::string_view taken = window.substr(0, rest.size() + 1);
+    check_returns(taken);
+    if (result_ != Tla_read_result::finished) return 0;
+    open_line_.append(taken);
+    if (taken.size() == rest.size()) return taken.size();
+    (void)take_lines(open_line_.view(), status);
+    open_line_.clear();
+    return taken.size();
 }
 
-// Fields beyond the last column are only counted, so that a line of any number of them takes no
-// further memory.
-void Tla_record_reader::gather(Bytes bytes) {
-    if (field_count_ < processor_.column_count()) gathered_ += as_text(bytes);
+// Looks for a CR without LF in text that holds no whole line, or just one. At the window's end the
+// next byte is not known yet.
+void Tla_record_reader::check_returns(std::string_view text) {
+    const std::size_t first = text.find(CARRIAGE_RETURN);
+    if (first == std::string_view::npos || first + 1 == text.size()) return;
+    if (text[first + 1] != LINE_FEED) result_ = Tla_read_result::invalid_line_ending;
 }
 
-void Tla_record_reader::end_field(Bytes bytes) {
-    if (field_count_ < processor_.column_count()) {
-        if (gathered_.empty()) {
-            record_.add(as_text(bytes));
-        } else {
-            gather(bytes);
-            record_.add(gathered_);
-            gathered_.clear();
+// Takes the whole lines that the piece begins with; returns how much of it they are.
+std::size_t Tla_record_reader::take_lines(std::string_view text, scl::Scl_status& status) {
+    const char* done = text.data();
+    field_begin_ = done;
+    field_count_ = 0;
+    for (std::size_t at = 0; at < text.size(); at += Delimiters::BLOCK) {
+        const Delimiters found = find_next_delimiters(text.substr(at));
+        may_hold_mark_ = may_hold_mark_ || found.marks != 0;
+        is_ascii_ = is_ascii_ && found.not_ascii == 0;
+        for (std::uint64_t ends = found.ends; ends != 0; ends &= ends - 1) {
+            const char* const end = text.data() + at + std::countr_zero(ends);
+            if (*end == FIELD_SEPARATOR) {
+                end_field(end);
+            } else if (*end == LINE_FEED) {
+                end_line(end, text.data(), status);
+                if (!goes_on(status)) return 0;
+                done = end + 1;
+                may_hold_mark_ = found.marks != 0; // of this block, which may hold the next line
+                is_ascii_ = found.not_ascii == 0;
+            } else if (end + 1 != text.data() + text.size() && end[1] != LINE_FEED) {
+                result_ = Tla_read_result::invalid_line_ending;
+                return 0;
+            }
         }
     }
-    ++field_count_;
+    return static_cast<std::size_t>(done - text.data());
 }
 
-void Tla_record_reader::end_record(scl::Scl_status& status) {
-    if (field_count_ != processor_.column_count()) {
+void Tla_record_reader::end_field(const char* at) {
+    if (field_count_ < fields_.size()) fields_[field_count_] = {field_begin_, at};
+    ++field_count_;
+    field_begin_ = at + 1;
+}
+
+// A CR before an LF is part of the line end; one anywhere else never gets here.
+void Tla_record_reader::end_line(const char* at, const char* text, scl::Scl_status& status) {
+    const bool after_return = at != text && at[-1] == CARRIAGE_RETURN;
+    end_field(after_return ? at - 1 : at);
+    if (field_count_ != fields_.size()) {
         result_ = Tla_read_result::field_count_mismatch;
         return;
     }
-    processor_.process(record_.fields(), out_, status);
-    record_.clear();
+    if (may_hold_mark_) drop_marks();
+    processor_.process({fields_, is_ascii_}, out_, status);
+    field_begin_ = at + 1;
     field_count_ = 0;
+}
+
+// From front to back, so that bytes which a dropped mark brings together are no mark themselves. A
+// field loses bytes only, so the memory that all of them need is known before.
+void Tla_record_reader::drop_marks() {
+    unmarked_.clear();
+    for (const Tla_field_text& field : fields_) {
+        unmarked_.append(field.view());
+    }
+    char* to = unmarked_.data();
+    for (Tla_field_text& field : fields_) {
+        const char* const begin = to;
+        std::string_view rest = field.view();
+        for (std::size_t mark = 0; mark != std::string_view::npos;) {
+            mark = rest.find(BYTE_ORDER_MARK);
+            to = std::ranges::copy(rest.substr(0, mark), to).out;
+            rest.remove_prefix(
+                std::min(rest.size(), rest.substr(0, mark).size() + BYTE_ORDER_MARK.size()));
+        }
+        field = {begin, to};
+    }
 }
 
 } // namespace tla

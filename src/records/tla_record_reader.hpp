@@ -1,64 +1,64 @@
 #pragma once
 
+#include "records/kept_text.hpp"
 #include "records/tla_record_processor.hpp"
+#include "scl/io/scl_buffered_istream.hpp"
 
 #include <cstddef>
-#include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
 namespace tla {
 
-// The fields of a record as UTF-16. Their memory is kept from record to record.
-class Record_text {
-public:
-    void clear() { count_ = 0; }
-
-    // Adds a field; bytes that are no UTF-8 are kept as they are (scl_string.hpp).
-    void add(std::string_view utf8);
-
-    // The caller may change them. Valid until the next change here.
-    [[nodiscard]] std::span<std::u16string> fields() { return std::span(fields_).first(count_); }
-
-private:
-    std::vector<std::u16string> fields_; // only the first `count_` are the record's
-    std::size_t count_ = 0;
-};
-
 enum class Tla_read_result {
-    finished,             // at the end of the lines, or at an error in the status
+    finished,             // at the end of the input, or at an error in the status
     field_count_mismatch, // a line has more or fewer fields than there are columns
     invalid_line_ending,  // a CR without an LF after it
 };
 
 // Splits UTF-8 text into records, one a line (LF or CR LF), and fields, separated by TAB, and hands
-// each record to a processor. A byte order mark is dropped wherever it stands. What follows the
+// each record to a processor. A byte order mark is dropped wherever it comes. What follows the
 // last line end is not a record and is left out.
+//
+// Of several faults the first one counts, as if bytes were read one by one: no window is asked for
+// before all of the last one is used, and no line waits for another one.
 class Tla_record_reader {
 public:
     // Both must outlive the reader.
     Tla_record_reader(Tla_record_processor& processor, scl::Scl_ostream& out)
-        : processor_(processor), out_(out) {}
+        : processor_(processor), out_(out), fields_(processor.column_count()) {}
 
-    [[nodiscard]] Tla_read_result read_records(std::span<const std::byte> lines,
+    // Reads to the end. Leaves SCL_STATUS_READ_FAILED when the input cannot be read to its end, and
+    // what processing a record leaves; throws as that does. To be called once.
+    [[nodiscard]] Tla_read_result read_records(scl::Scl_buffered_istream& in,
                                                scl::Scl_status& status);
 
 private:
-    using Bytes = std::span<const std::byte>;
-
-    [[nodiscard]] std::size_t take_piece(Bytes bytes, scl::Scl_status& status);
-    [[nodiscard]] std::size_t take_mark_or_byte(Bytes bytes);
-    void gather(Bytes bytes);
-    void end_field(Bytes bytes);
-    void end_record(scl::Scl_status& status);
+    void take_window(std::string_view window, scl::Scl_status& status);
+    [[nodiscard]] std::size_t complete_line(std::string_view window, scl::Scl_status& status);
+    [[nodiscard]] std::size_t take_lines(std::string_view text, scl::Scl_status& status);
+    void end_field(const char* at);
+    void end_line(const char* at, const char* text, scl::Scl_status& status);
+    void check_returns(std::string_view text);
+    void drop_marks();
+    [[nodiscard]] bool goes_on(const scl::Scl_status& status) const {
+        return result_ == Tla_read_result::finished && !status.has_failed();
+    }
 
     Tla_record_processor& processor_;
     scl::Scl_ostream& out_;
     Tla_read_result result_ = Tla_read_result::finished;
-    std::string gathered_; // of a field that does not stand in one piece
-    Record_text record_;   // no more fields than there are columns: further ones are only counted
-    std::size_t field_count_ = 0;
+
+    Kept_text open_line_;                // what earlier windows hold of the line that has not ended
+    bool after_carriage_return_ = false; // the last window ended with one
+
+    // Of the line at hand.
+    const char* field_begin_ = nullptr;
+    std::size_t field_count_ = 0;        // fields beyond the last column are only counted
+    std::vector<Tla_field_text> fields_; // one for each column
+    Kept_text unmarked_;                 // fields that lost a byte order mark
+    bool may_hold_mark_ = false;
+    bool is_ascii_ = true;
 };
 
 } // namespace tla

@@ -44,11 +44,11 @@ static_assert(txt_token_type(scl::Scl_unicode_code_point_type::punctuation) ==
 }
 
 // The same of a text of either unit; ASCII bytes count as the units that they become.
-[[nodiscard]] inline std::uint64_t txt_token_value(const scl::Scl_text_span<char16_t>& text) {
+[[nodiscard]] inline std::uint64_t txt_token_value(scl::Scl_text_span<char16_t> text) {
     return txt_token_value(text.view());
 }
-[[nodiscard]] inline std::uint64_t txt_token_value(const scl::Scl_text_span<char>& text) {
-    return scl::Scl_crc64::calculate_widened(text.begin, text.size(), text.readable(text.begin));
+[[nodiscard]] inline std::uint64_t txt_token_value(scl::Scl_text_span<char> text) {
+    return scl::Scl_crc64::calculate_widened(text.begin, text.size());
 }
 
 } // namespace txt

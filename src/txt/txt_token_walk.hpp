@@ -16,7 +16,7 @@ namespace impl {
 template <typename Unit, typename Take>
 class Token_walk {
 public:
-    Token_walk(const scl::Scl_text_span<Unit>& text, Take& take)
+    Token_walk(scl::Scl_text_span<Unit> text, Take& take)
         : text_(text), take_(take), at_(text.begin) {}
 
     void run() {
@@ -95,7 +95,7 @@ private:
         }
     }
 
-    const scl::Scl_text_span<Unit>& text_;
+    scl::Scl_text_span<Unit> text_;
     Take& take_;
     Word_state state_;
     const Unit* at_;
@@ -106,10 +106,11 @@ private:
 } // namespace impl
 
 // Hands the tokens of a text, ASCII bytes or UTF-16 units, to `take(begin, end)` in their order.
-// They are the ones that a Txt_tokeniser finds, by the same rules and table. A trailer that the text
-// begins with gives an empty token first: it is the one that the trailer belongs to.
+// They are the ones that a Txt_tokeniser finds, by the same rules and table. A trailer that the
+// text begins with gives an empty token first: it is the one that the trailer belongs to.
 template <typename Unit, typename Take>
-void txt_walk_tokens(const scl::Scl_text_span<Unit>& text, Take&& take) {
+void txt_walk_tokens(scl::Scl_text_span<Unit> text, Take&& take) {
+    if (impl::is_short_run(text)) return take(text.begin, text.end);
     impl::Token_walk<Unit, Take>(text, take).run();
 }
 

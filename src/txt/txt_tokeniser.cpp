@@ -13,7 +13,7 @@ std::size_t Txt_tokeniser::take_run(std::span<const std::byte> units, Txt_text_s
                                     std::uint32_t& type, Txt_parse_operation& operation) {
     const auto* const begin = reinterpret_cast<const char16_t*>(units.data());
     const auto* const end = begin + units.size() / sizeof(char16_t);
-    const std::size_t found = impl::run_length<char16_t>({begin, end, end}, begin);
+    const std::size_t found = impl::run_length<char16_t>({begin, end}, begin);
     if (found == 0) return 0;
     operation = state_.is_open() ? Txt_parse_operation::go_on : Txt_parse_operation::start;
     if (!state_.is_open()) {

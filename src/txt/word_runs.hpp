@@ -12,6 +12,10 @@
 #include <cstring>
 #include <type_traits>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 // Runs of letters, digits and connectors, which nearly all words are. Whatever of them comes first,
 // the next one joins it, so that a run needs no step of the rules for each character.
 namespace txt::impl {
@@ -24,9 +28,9 @@ constexpr Run_units make_run_units() {
     for (std::size_t bits = 0; bits < run_units.size(); ++bits) {
         const auto unit_class = static_cast<scl::Scl_unicode_code_point_type>(bits & 7U);
         const auto property = static_cast<scl::Scl_word_break>(bits >> 3U);
-        run_units[bits] = unit_class != scl::Scl_unicode_code_point_type::attached &&
-                          std::ranges::find(WORD_RUN_PROPERTIES, property) !=
-                              WORD_RUN_PROPERTIES.end();
+        run_units[bits] =
+            unit_class != scl::Scl_unicode_code_point_type::attached &&
+            std::ranges::find(WORD_RUN_PROPERTIES, property) != WORD_RUN_PROPERTIES.end();
     }
     return run_units;
 }
@@ -40,40 +44,54 @@ template <typename Unit>
     return scl::impl::SCL_UNICODE_BIT_TABLE[unit];
 }
 
-// Sixteen bytes of text side by side: as many characters, or half as many units. Signed, which is
-// what processors compare in one step: what is above the middle is negative then and so, as it
-// should be, in none of the ranges.
-constexpr std::size_t BLOCK_BYTES = 16;
-template <typename Unit>
-inline constexpr std::size_t BLOCK_UNITS = BLOCK_BYTES / sizeof(Unit);
+// A block of text side by side. Signed, which is what processors compare in one step: what is above
+// the middle is negative then and so, as it should be, in none of the ranges.
+using Block_mask [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = std::uint64_t;
+
+// How many bytes of a block, from the first on, are all ones.
+[[nodiscard]] inline std::size_t leading_ones(const Block_mask& mask) {
+#if defined(__SSE2__)
+    const int bits = _mm_movemask_epi8(std::bit_cast<__m128i>(mask));
+    return static_cast<std::size_t>(std::countr_one(static_cast<unsigned>(bits)));
+#else
+    const int low = std::countr_one(mask[0]);
+    const int bits = low < 64 ? low : 64 + std::countr_one(mask[1]);
+    return static_cast<std::size_t>(bits) / 8;
+#endif
+}
 
 // How many units of a block, from the first on, are ASCII letters, digits or underscores.
 template <typename Unit>
 [[nodiscard]] std::size_t leading_word_units(const Unit* from) {
     using Lane = std::conditional_t<sizeof(Unit) == 1, std::int8_t, std::int16_t>;
-    using Block [[gnu::vector_size(BLOCK_BYTES)]] = Lane;
-    using Halves [[gnu::vector_size(BLOCK_BYTES)]] = std::uint64_t;
+    using Block [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = Lane;
     Block units;
     std::memcpy(&units, from, sizeof units);
     const Block folded = units | Lane{0x20};
     const auto word = ((folded >= Lane{'a'}) & (folded <= Lane{'z'})) |
                       ((units >= Lane{'0'}) & (units <= Lane{'9'})) | (units == Lane{'_'});
-    const auto halves = std::bit_cast<Halves>(word);
-    const int low = std::countr_one(halves[0]);
-    const int bits = low < 64 ? low : 64 + std::countr_one(halves[1]);
-    return static_cast<std::size_t>(bits) / (8 * sizeof(Unit));
+    return leading_ones(std::bit_cast<Block_mask>(word)) / sizeof(Unit);
 }
 
-// How many units from `at` on are run units. Blocks first, as far as they can be read and are ASCII;
-// one that ends inside a block ends for good if the text is ASCII, and is looked at singly if not.
+// Whether the text is one run, of no more units than a block: so are most values, and it takes one
+// look to see it. False may be wrong.
 template <typename Unit>
-[[nodiscard]] std::size_t run_length(const scl::Scl_text_span<Unit>& text, const Unit* at) {
+[[nodiscard]] bool is_short_run(scl::Scl_text_span<Unit> text) {
+    return text.size() - 1 < scl::SCL_BLOCK_UNITS<Unit> && text.has_block(text.begin) &&
+           leading_word_units(text.begin) >= text.size();
+}
+
+// How many units from `at` on are run units. Blocks first, as far as they can be read and are
+// ASCII; one that ends inside a block ends for good if the text is ASCII, and is looked at singly
+// if not.
+template <typename Unit>
+[[nodiscard]] std::size_t run_length(scl::Scl_text_span<Unit> text, const Unit* at) {
     const auto size = static_cast<std::size_t>(text.end - at);
     std::size_t count = 0;
-    while (count < size && text.readable(at + count) >= BLOCK_UNITS<Unit>) {
+    while (count < size && text.has_block(at + count)) {
         const std::size_t more = leading_word_units(at + count);
         count += more;
-        if (more == BLOCK_UNITS<Unit>) continue;
+        if (more == scl::SCL_BLOCK_UNITS<Unit>) continue;
         if (sizeof(Unit) == 1 || count >= size) return std::min(count, size);
         break;
     }

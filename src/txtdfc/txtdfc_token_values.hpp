@@ -28,12 +28,12 @@ txtdfc_without_mark(scl::Scl_text_span<char16_t> text) {
 // a byte order mark has none. Allocates nothing. Throws std::runtime_error for a text of more than
 // TXTDFC_MAX_TOKENS tokens, when that many are handed over.
 template <typename Unit, typename Take>
-void txtdfc_each_token_value(const scl::Scl_text_span<Unit>& text, Take&& take) {
+void txtdfc_each_token_value(scl::Scl_text_span<Unit> text, Take&& take) {
     const scl::Scl_text_span<Unit> tokens = txtdfc_without_mark(text);
     std::size_t left = TXTDFC_MAX_TOKENS;
     txt::txt_walk_tokens(tokens, [&](const Unit* begin, const Unit* end) {
         if (left-- == 0) throw_too_many_tokens(TXTDFC_MAX_TOKENS);
-        take(txt::txt_token_value(scl::Scl_text_span<Unit>(begin, end, text.readable_end)));
+        take(txt::txt_token_value(scl::Scl_text_span<Unit>{begin, end}));
     });
 }
 

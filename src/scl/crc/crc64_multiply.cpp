@@ -208,8 +208,7 @@ std::uint64_t crc64_by_multiply(std::uint64_t reg, std::span<const std::byte> by
 // fold, one reduction.
 SCL_WITH_MULTIPLY std::uint64_t crc64_widened_16(const char* text, std::size_t size) {
     const __m128i move = load(reinterpret_cast<const std::byte*>(MOVES.data() + size));
-    const __m128i moved =
-        _mm_shuffle_epi8(load(reinterpret_cast<const std::byte*>(text)), move);
+    const __m128i moved = _mm_shuffle_epi8(load(reinterpret_cast<const std::byte*>(text)), move);
     const __m128i first = _mm_cvtepu8_epi16(moved);
     const __m128i second = _mm_cvtepu8_epi16(_mm_srli_si128(moved, BLOCK / 2));
     return reduce(fold_by<BLOCK>(first, second)) ^ AFTER_ZEROS[size];

@@ -80,14 +80,10 @@ std::uint64_t Scl_crc64::calculate(const void* data, std::size_t size, std::uint
     return ~step(initial, {static_cast<const std::byte*>(data), size});
 }
 
-std::uint64_t Scl_crc64::calculate_widened(const char* text, std::size_t size,
-                                           std::size_t readable) {
+std::uint64_t Scl_crc64::calculate_widened(const char* text, std::size_t size) {
     if (!impl::has_carryless_multiply()) return ~impl::crc64_widened_by_table({text, size});
-    if (size > WIDENED_BLOCK) return ~impl::crc64_widened_long(text, size);
-    if (readable >= WIDENED_BLOCK) return ~impl::crc64_widened_16(text, size);
-    std::array<char, WIDENED_BLOCK> copy{};
-    std::copy_n(text, size, copy.begin());
-    return ~impl::crc64_widened_16(copy.data(), size);
+    return size <= WIDENED_BLOCK ? ~impl::crc64_widened_16(text, size)
+                                 : ~impl::crc64_widened_long(text, size);
 }
 
 void Scl_crc64::update(std::span<const std::byte> bytes) {

@@ -20,11 +20,9 @@ public:
                                                  std::uint64_t initial);
 
     // calculate() from INITIAL over the UTF-16 form (little-endian) of an ASCII text of `size`
-    // characters, without making that form. `readable` says how many characters can be read from
-    // `text` on, those beyond its end included: with WIDENED_BLOCK of them a short text takes one
-    // step, whatever its length.
-    [[nodiscard]] static std::uint64_t calculate_widened(const char* text, std::size_t size,
-                                                         std::size_t readable);
+    // characters, without making that form. WIDENED_BLOCK characters must be readable from `text`
+    // on, so that a text of up to as many takes one step, whatever its length.
+    [[nodiscard]] static std::uint64_t calculate_widened(const char* text, std::size_t size);
     static constexpr std::size_t WIDENED_BLOCK = 16;
 
     void update(std::span<const std::byte> bytes);

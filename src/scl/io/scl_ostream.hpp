@@ -3,7 +3,9 @@
 #include "scl/io/scl_buffer.hpp"
 #include "scl/io/scl_endian.hpp"
 
+#include <cassert>
 #include <memory>
+#include <span>
 #include <string_view>
 
 namespace scl {
@@ -40,13 +42,27 @@ public:
         write_le(scl_byte_swapped(value), status);
     }
 
+    // For who writes in place: memory for `count` bytes or more, up to STORAGE_BYTES / 2, which
+    // become part of the stream by advance(). Empty when the stream is not attached. Valid until
+    // the next operation.
+    [[nodiscard]] std::span<std::byte> room(std::size_t count, Scl_status& status) {
+        assert(count <= STORAGE_BYTES / 2);
+        if (make_room(count, status) == nullptr) return {};
+        return {storage_.get() + used_, capacity_ - used_};
+    }
+    void advance(std::size_t count) {
+        assert(count <= capacity_ - used_);
+        used_ += count;
+    }
+
     // In bytes from the start of the buffer. Setting it never fails; writing beyond the buffer's
     // end leaves no gap but sets SCL_STATUS_OUT_OF_BOUNDS.
     [[nodiscard]] std::uint64_t tell() const { return begin_offset_ + used_; }
     void set_position(std::uint64_t position, Scl_status& status);
 
 private:
-    static constexpr std::size_t STORAGE_BYTES = std::size_t{64} << 10;
+    // Large, so that the system is seldom called: a call costs as much as some hundred records.
+    static constexpr std::size_t STORAGE_BYTES = std::size_t{256} << 10;
 
     // Where `count` bytes, few against STORAGE_BYTES, can be stored; null after a failure.
     [[nodiscard]] std::byte* make_room(std::size_t count, Scl_status& status) {

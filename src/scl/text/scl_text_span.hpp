@@ -10,37 +10,40 @@
 
 namespace scl {
 
-// Text in memory, of char for ASCII bytes or of char16_t for UTF-16 units, and how far memory may
-// be read beyond its end. Most texts are short; with a block readable from its start, a text needs
-// one look, whatever its length, and no branch that depends on it.
+// A block of text, in bytes, that is looked at in one step.
+inline constexpr std::size_t SCL_BLOCK_BYTES = 16;
+template <typename Unit>
+inline constexpr std::size_t SCL_BLOCK_UNITS = SCL_BLOCK_BYTES / sizeof(Unit);
+
+// Text in memory: of char16_t for UTF-16 units, as in a view, or of char for UTF-8 or ASCII bytes,
+// with a block readable behind them. Most values are short; that block lets them be looked at in
+// one step, whatever their length. Two pointers, so that it is passed in registers.
 template <typename Unit>
 struct Scl_text_span {
     const Unit* begin = nullptr;
     const Unit* end = nullptr;
-    const Unit* readable_end = nullptr; // at or after `end`, of the same memory
-
-    Scl_text_span() = default;
-    Scl_text_span(const Unit* from, const Unit* to, const Unit* readable_to)
-        : begin(from), end(to), readable_end(readable_to) {}
-    // Nothing can be read beyond a view.
-    explicit Scl_text_span(std::basic_string_view<Unit> text)
-        : Scl_text_span(text.data(), text.data() + text.size(), text.data() + text.size()) {}
 
     [[nodiscard]] std::size_t size() const { return static_cast<std::size_t>(end - begin); }
     [[nodiscard]] bool empty() const { return begin == end; }
-    // From `at` on, in units.
-    [[nodiscard]] std::size_t readable(const Unit* at) const {
-        return static_cast<std::size_t>(readable_end - at);
-    }
     [[nodiscard]] std::basic_string_view<Unit> view() const { return {begin, size()}; }
+
+    // Whether a whole block can be read from `at` on.
+    [[nodiscard]] bool has_block(const Unit* at) const {
+        return sizeof(Unit) == 1 || static_cast<std::size_t>(end - at) >= SCL_BLOCK_UNITS<Unit>;
+    }
 };
 
+[[nodiscard]] inline Scl_text_span<char16_t> scl_span_of(std::u16string_view text) {
+    return {text.data(), text.data() + text.size()};
+}
+
 // The text without the white space (property White_Space) at its two ends. All white space is of
-// single units.
+// single units, and all in ASCII is below the blank or the blank itself.
 template <typename Unit>
 [[nodiscard]] Scl_text_span<Unit> scl_trimmed(Scl_text_span<Unit> text) {
     const auto is_space = [](Unit unit) {
-        return scl_is_white_space(static_cast<std::make_unsigned_t<Unit>>(unit));
+        const std::make_unsigned_t<Unit> code_point = unit;
+        return (sizeof(Unit) > 1 || code_point <= ' ') && scl_is_white_space(code_point);
     };
     while (!text.empty() && is_space(text.end[-1])) {
         --text.end;
@@ -51,7 +54,21 @@ template <typename Unit>
     return text;
 }
 
-// Whether a text of bytes is ASCII. Looks at 16 bytes at a time.
+// Lower-cases ASCII bytes into memory that has room for whole blocks.
+inline void scl_lower_ascii(const Scl_text_span<char>& text, char* to) {
+    using Block [[gnu::vector_size(SCL_BLOCK_BYTES)]] = std::int8_t;
+    for (const char* at = text.begin; at < text.end; at += SCL_BLOCK_BYTES) {
+        Block bytes;
+        std::memcpy(&bytes, at, sizeof bytes);
+        const auto capital = (bytes >= 'A') & (bytes <= 'Z'); // all ones, or zero
+        bytes += capital & ('a' - 'A');
+        std::memcpy(to, &bytes, sizeof bytes);
+        to += SCL_BLOCK_BYTES;
+    }
+}
+
+// Whether bytes are ASCII. Eight at a time; of the last eight, those behind the text are shifted
+// out, in two steps, as there may be none before.
 [[nodiscard]] inline bool scl_is_ascii(const Scl_text_span<char>& text) {
     constexpr std::uint64_t TOP_BITS = 0x8080808080808080;
     constexpr std::size_t WORD = sizeof(std::uint64_t);
@@ -65,16 +82,8 @@ template <typename Unit>
     for (; static_cast<std::size_t>(text.end - at) > WORD; at += WORD) {
         bits |= load(at);
     }
-    const auto left = static_cast<std::size_t>(text.end - at);
-    if (text.readable(at) >= WORD) {
-        // What lies behind the text is shifted out; for no byte at all, in two steps.
-        const std::size_t unwanted = 4 * (WORD - left);
-        bits |= (load(at) << unwanted) << unwanted;
-    } else {
-        for (; at != text.end; ++at) {
-            bits |= static_cast<std::uint8_t>(*at);
-        }
-    }
+    const std::size_t unwanted = 4 * (WORD - static_cast<std::size_t>(text.end - at));
+    bits |= (load(at) << unwanted) << unwanted;
     return (bits & TOP_BITS) == 0;
 }
 

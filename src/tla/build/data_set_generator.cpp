@@ -1,82 +1,131 @@
 #include "tla/build/data_set_generator.hpp"
 
-#include "records/tla_formatters.hpp"
 #include "records/tla_status_codes.hpp"
 #include "scl/crc/scl_checksum_buffer.hpp"
-#include "scl/text/scl_string.hpp"
 #include "tla/build/key_table.hpp"
+#include "tla/build/record_collector.hpp"
 #include "tla/build/record_scanner.hpp"
 #include "tla/format/data_set_header.hpp"
 #include "tla/format/data_set_layout.hpp"
 
+#include <algorithm>
+#include <limits>
 #include <unordered_set>
 
 namespace tla {
 
 namespace {
 
-bool names_are_unique(std::span<const Field_descriptor> schema) {
+using Key_names = std::span<const std::u16string>;
+using Schema = std::span<const Field_descriptor>;
+
+bool names_are_unique(Schema schema) {
     std::unordered_set<std::u16string_view> names;
-    for (const Field_descriptor& field : schema) {
-        if (!names.insert(field.name).second) return false;
-    }
-    return true;
+    return std::ranges::all_of(schema, [&names](const Field_descriptor& field) {
+        return names.insert(field.name).second;
+    });
 }
 
-void copy_records(scl::Scl_buffered_istream& records, scl::Scl_ostream& out,
-                  scl::Scl_status& status) {
-    const std::uint64_t size = records.size(status);
-    while (records.tell() != size && !status.has_failed()) {
-        const std::span<const std::byte> window = records.window(status);
+bool fits_header(std::uint64_t key_count, std::uint64_t record_count) {
+    return key_count <= std::numeric_limits<decltype(Tla_header_counts::keys)>::max() &&
+           record_count <= std::numeric_limits<decltype(Tla_header_counts::records)>::max();
+}
+
+void copy_records(const scl::Scl_buffer& records, scl::Scl_ostream& out, scl::Scl_status& status) {
+    scl::Scl_buffered_istream in(records, false, status, scl::Scl_eol::none);
+    const std::uint64_t size = in.size(status);
+    while (in.tell() != size && !status.has_failed()) {
+        const std::span<const std::byte> window = in.window(status);
         out.write(window.size(), window.data(), status);
-        records.skip(window.size());
-        if (window.empty() && !status.has_failed()) status.push(scl::SCL_STATUS_END_OF_DATA);
+        in.skip(window.size());
     }
 }
 
-void write_file(std::span<const std::u16string> key_names, std::span<const Field_descriptor> schema,
-                scl::Scl_buffered_istream& stream, const scl::Scl_buffer& records,
-                scl::Scl_ostream& out, scl::Scl_status& status) {
-    const std::uint32_t record_count = count_records(schema.size(), stream, status);
+// The pairs are read in a status of their own: only its last word is passed on.
+void write_read_pairs(std::size_t key_field, const Recorded& recorded, scl::Scl_ostream& out,
+                      scl::Scl_status& status) {
+    scl::Scl_status local;
+    Key_pairs pairs = read_key_pairs(key_field, recorded, local);
+    status.push_top(local);
+    if (!status.has_failed()) write_key_pairs(pairs, recorded, out, status);
+}
+
+// `known` holds the key's pairs, or is null. The name is written even when no field has it: that is
+// where the file then ends.
+void write_key_table(std::u16string_view key_name, Schema schema, Key_pairs* known,
+                     const Recorded& recorded, scl::Scl_ostream& out, scl::Scl_status& status) {
+    write_key_name(key_name, out, status);
     if (status.has_failed()) return;
-    const std::uint64_t header_end = write_header(
-        schema, {static_cast<std::uint16_t>(key_names.size()), record_count, stream.size(status)},
-        out, status);
-    stream.set_position(0);
-    copy_records(stream, out, status);
-    Key_table_builder tables(schema, records, stream, record_count, header_end);
+    const auto field = std::ranges::find(schema, key_name, &Field_descriptor::name);
+    if (field == schema.end()) {
+        status.assign(TLA_STATUS_KEY_NAME, scl::Scl_wstring_status_arg(key_name));
+    } else if (known != nullptr) {
+        write_key_pairs(*known, recorded, out, status);
+    } else {
+        write_read_pairs(static_cast<std::size_t>(field - schema.begin()), recorded, out, status);
+    }
+}
+
+std::uint64_t count_all(std::size_t field_count, const scl::Scl_buffer& records,
+                        const Record_collector* collected, scl::Scl_status& status) {
+    if (collected != nullptr && collected->knows_all()) return collected->record_count();
+    scl::Scl_buffered_istream in(records, false, status, scl::Scl_eol::none);
+    return count_records(field_count, in, status);
+}
+
+void write_all(Key_names key_names, Schema schema, const Recorded& recorded,
+               Record_collector* collected, scl::Scl_ostream& out, scl::Scl_status& status) {
+    copy_records(recorded.records, out, status);
+    Key_pairs* known =
+        collected != nullptr && collected->knows_all() ? &collected->pairs() : nullptr;
     for (const std::u16string& name : key_names) {
         if (status.has_failed()) return;
-        tables.write_key_table(name, out, status);
+        write_key_table(name, schema, known, recorded, out, status);
+        known = nullptr; // they are those of the first key
     }
+}
+
+// The checksum covers the header's later half, so all of it must be known before: it comes last.
+void write_checksum(const scl::Scl_crc64& checksum, scl::Scl_buffer& output,
+                    scl::Scl_status& status) {
+    scl::Scl_ostream out(output, status, scl::Scl_eol::none);
+    out.set_position(TLA_CHECKSUM_OFFSET, status);
+    out.write_le(checksum.result(false), status);
+    out.detach(status);
 }
 
 } // namespace
 
-void write_data_set_file(std::span<const std::u16string> key_names,
-                         std::span<const Field_descriptor> schema, const scl::Scl_buffer& records,
-                         scl::Scl_buffer& output, scl::Scl_status& status) {
+std::uint64_t write_data_set_file(Key_names key_names, Schema schema,
+                                  const scl::Scl_buffer& records, Record_collector* collected,
+                                  scl::Scl_buffer& output, scl::Scl_status& status) {
     if (!names_are_unique(schema)) {
         status = TLA_STATUS_FIELD_LIST;
-        return;
+        return 0;
     }
-    scl::Scl_buffered_istream stream(records, false, status, scl::Scl_eol::none);
+    const std::uint64_t count = count_all(schema.size(), records, collected, status);
+    if (status.has_failed()) return 0;
+    if (!fits_header(key_names.size(), count)) {
+        status = TLA_STATUS_TOO_MANY_PAIRS;
+        return 0;
+    }
     scl::Scl_checksum_buffer checked(output, TLA_CHECKED_FROM);
     scl::Scl_ostream out(checked, status, scl::Scl_eol::none);
-    write_file(key_names, schema, stream, records, out, status);
+    const Tla_header_counts counts{static_cast<std::uint16_t>(key_names.size()),
+                                   static_cast<std::uint32_t>(count), records.size(false, status)};
+    const std::uint64_t header_end = write_header(schema, counts, out, status);
+    write_all(key_names, schema, {records, schema.size(), count, header_end}, collected, out,
+              status);
     out.detach(status);
-    if (status.has_failed()) return;
-    out.init(output, status, scl::Scl_eol::none);
-    out.set_position(TLA_CHECKSUM_OFFSET, status);
-    out.write_le(checked.checksum().result(false), status);
-    out.detach(status);
+    if (!status.has_failed()) write_checksum(checked.checksum(), output, status);
+    return count;
 }
 
-std::uint32_t count_records(std::size_t field_count, scl::Scl_buffered_istream& records,
+std::uint64_t count_records(std::size_t field_count, scl::Scl_buffered_istream& records,
                             scl::Scl_status& status) {
     if (field_count == 0) return 0;
     Record_scanner scanner(records, field_count);
-    std::uint32_t count = 0;
+    std::uint64_t count = 0;
     while (!status.has_failed()) {
         const bool is_there = !scanner.next(status).empty();
         if (is_there && !(status == TLA_STATUS_RECORD_END)) ++count;

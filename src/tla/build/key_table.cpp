@@ -1,70 +1,88 @@
 #include "tla/build/key_table.hpp"
 
-#include "records/record_layout.hpp"
 #include "records/tla_status_codes.hpp"
-#include "scl/crc/scl_crc64.hpp"
 #include "scl/text/scl_string.hpp"
-#include "tla/build/key_table_writer.hpp"
 #include "tla/build/record_scanner.hpp"
 #include "tla/format/data_set_layout.hpp"
-#include "tla/sort/pair_sorter.hpp"
-
-#include <algorithm>
 
 namespace tla {
 
-Key_table_builder::Key_table_builder(std::span<const Field_descriptor> schema,
-                                     const scl::Scl_buffer& records,
-                                     scl::Scl_buffered_istream& stream, std::uint32_t record_count,
-                                     std::uint64_t header_end)
-    : schema_(schema),
-      records_(records),
-      stream_(stream),
-      record_count_(record_count),
-      header_end_(header_end) {}
+namespace {
 
-void Key_table_builder::write_key_table(std::u16string_view key_name, scl::Scl_ostream& out,
-                                        scl::Scl_status& status) {
+// Takes sorted pairs and writes those that do not repeat the one before. Only neighbours are
+// compared: what lies between two equal records with another one is written.
+class Key_table_writer final : public Tla_pair_sink {
+public:
+    Key_table_writer(const Offset_tagger& tagger, const Recorded& recorded, scl::Scl_ostream& out,
+                     scl::Scl_status& status)
+        : comparer_(recorded.records, recorded.field_count, status),
+          tagger_(tagger),
+          header_end_(recorded.header_end),
+          out_(out),
+          status_(status) {}
+
+    void take(std::span<const Index_pair> pairs) override {
+        for (const Index_pair& pair : pairs) {
+            if (status_.has_failed()) return;
+            if (repeats_last(pair)) {
+                status_.push(TLA_STATUS_DUPLICATE_LEFT_OUT);
+            } else {
+                write(pair);
+            }
+        }
+    }
+
+private:
+    [[nodiscard]] bool repeats_last(const Index_pair& pair) {
+        if (!any_ || pair.key_hash != last_.key_hash) return false;
+        if (!tagger_.same_tag(pair.record_offset, last_.record_offset)) return false;
+        return comparer_.equal(tagger_.offset(last_.record_offset) - header_end_,
+                               tagger_.offset(pair.record_offset) - header_end_, status_);
+    }
+
+    void write(const Index_pair& pair) {
+        out_.write_le(pair.key_hash, status_);
+        out_.write_le(tagger_.offset(pair.record_offset), status_);
+        last_ = pair;
+        any_ = true;
+    }
+
+    Record_comparer comparer_;
+    const Offset_tagger& tagger_;
+    std::uint64_t header_end_;
+    scl::Scl_ostream& out_;
+    scl::Scl_status& status_;
+    Index_pair last_{};
+    bool any_ = false; // with no pair written yet there is nothing to compare with
+};
+
+} // namespace
+
+Key_pairs read_key_pairs(std::size_t key_field, const Recorded& recorded, scl::Scl_status& status) {
+    scl::Scl_buffered_istream in(recorded.records, false, status, scl::Scl_eol::none);
+    Key_pairs pairs(key_field, recorded.count, recorded.header_end + in.size(status));
+    Record_scanner scanner(in, recorded.field_count);
+    for (std::uint64_t i = 0; i < recorded.count; ++i) {
+        const std::uint64_t offset = recorded.header_end + in.tell();
+        const std::span<const std::byte> record = scanner.next(status);
+        if (status.has_failed()) break;
+        pairs.add(record, offset);
+    }
+    return pairs;
+}
+
+void write_key_name(std::u16string_view key_name, scl::Scl_ostream& out, scl::Scl_status& status) {
     std::string name;
     scl::scl_string_append(name, key_name);
     name += TLA_NAME_END;
     out.write(name, status);
     pad_to_eight(out, status);
-    if (status.has_failed()) return;
-    const auto field = std::ranges::find(schema_, key_name, &Field_descriptor::name);
-    if (field == schema_.end()) {
-        status.assign(TLA_STATUS_KEY_NAME, scl::Scl_wstring_status_arg(key_name));
-        return;
-    }
-    write_pairs(static_cast<std::size_t>(field - schema_.begin()), out, status);
 }
 
-void Key_table_builder::write_pairs(std::size_t key_field, scl::Scl_ostream& out,
-                                    scl::Scl_status& status) {
-    scl::Scl_status local;
-    const Offset_tagger tagger(header_end_ + records_.size(false, local));
-    Tla_pair_sorter sorter(record_count_);
-    collect_pairs(key_field, tagger, sorter, local);
-    status.push_top(local);
-    if (status.has_failed()) return;
-    Record_comparer comparer(records_, schema_.size(), status);
-    Key_table_writer writer(comparer, tagger, header_end_, out, status);
-    sorter.drain(writer);
-}
-
-void Key_table_builder::collect_pairs(std::size_t key_field, const Offset_tagger& tagger,
-                                      Tla_pair_sorter& sorter, scl::Scl_status& status) {
-    stream_.set_position(0);
-    Record_scanner scanner(stream_, schema_.size());
-    for (std::uint32_t i = 0; i < record_count_; ++i) {
-        const std::uint64_t offset = header_end_ + stream_.tell();
-        const std::span<const std::byte> record = scanner.next(status);
-        if (status.has_failed()) return;
-        const std::span<const std::byte> values = tla_field_values(record, key_field);
-        sorter.add(
-            {scl::Scl_crc64::calculate(values.data(), values.size(), scl::Scl_crc64::INITIAL),
-             tagger.tagged(offset, record_fingerprint(record))});
-    }
+void write_key_pairs(Key_pairs& pairs, const Recorded& recorded, scl::Scl_ostream& out,
+                     scl::Scl_status& status) {
+    Key_table_writer writer(pairs.tagger(), recorded, out, status);
+    pairs.drain(writer);
 }
 
 } // namespace tla

@@ -1,41 +1,36 @@
 #pragma once
 
-#include "records/field_descriptor.hpp"
-#include "scl/io/scl_buffered_istream.hpp"
 #include "scl/io/scl_ostream.hpp"
-#include "tla/build/key_table_writer.hpp"
+#include "tla/build/key_pairs.hpp"
+#include "tla/build/record_comparer.hpp"
 
+#include <cstddef>
 #include <cstdint>
-#include <span>
-#include <string>
+#include <string_view>
 
 namespace tla {
 
-class Tla_pair_sorter;
-
-// Builds one key table after another, each by one reading of the records.
-class Key_table_builder {
-public:
-    // `stream` reads `records`, which holds `record_count` records that stand in the file from
-    // `header_end` on. All must outlive the builder.
-    Key_table_builder(std::span<const Field_descriptor> schema, const scl::Scl_buffer& records,
-                      scl::Scl_buffered_istream& stream, std::uint32_t record_count,
-                      std::uint64_t header_end);
-
-    // Name, padding and pairs. Sets TLA_STATUS_KEY_NAME, with the name, when no field has it.
-    void write_key_table(std::u16string_view key_name, scl::Scl_ostream& out,
-                         scl::Scl_status& status);
-
-private:
-    void write_pairs(std::size_t key_field, scl::Scl_ostream& out, scl::Scl_status& status);
-    void collect_pairs(std::size_t key_field, const Offset_tagger& tagger, Tla_pair_sorter& sorter,
-                       scl::Scl_status& status);
-
-    std::span<const Field_descriptor> schema_;
-    const scl::Scl_buffer& records_;
-    scl::Scl_buffered_istream& stream_;
-    std::uint32_t record_count_;
-    std::uint64_t header_end_;
+// The records that a key table is made for, as the scratch file holds them.
+struct Recorded {
+    const scl::Scl_buffer& records;
+    std::size_t field_count;
+    std::uint64_t count;
+    std::uint64_t header_end; // where the first record begins in the file
 };
+
+// Reads the pairs of a key, whose column is `key_field`, in one pass over the records. Leaves
+// TLA_STATUS_RECORD_END when a record does not end with 0x00, SCL_STATUS_END_OF_DATA when there are
+// fewer than `count`, and SCL_STATUS_READ_FAILED.
+[[nodiscard]] Key_pairs read_key_pairs(std::size_t key_field, const Recorded& recorded,
+                                       scl::Scl_status& status);
+
+// Writes the key's name, a zero byte and zeros up to a multiple of eight.
+void write_key_name(std::u16string_view key_name, scl::Scl_ostream& out, scl::Scl_status& status);
+
+// Writes the pairs by hash and leaves out each whose record equals, in all fields, that of the pair
+// written before it with the same hash; every one left out pushes TLA_STATUS_DUPLICATE_LEFT_OUT.
+// Leaves what reading the records and writing leave.
+void write_key_pairs(Key_pairs& pairs, const Recorded& recorded, scl::Scl_ostream& out,
+                     scl::Scl_status& status);
 
 } // namespace tla

@@ -4,8 +4,13 @@
 #include "tla/build/record_scanner.hpp"
 
 #include <cstdint>
+#include <span>
 
 namespace tla {
+
+// A hash over a record's bytes: records with different fingerprints differ. Its top bits are the
+// best, as they depend on all of the record.
+[[nodiscard]] std::uint64_t record_fingerprint(std::span<const std::byte> record);
 
 // Tells whether two records are equal in all fields.
 class Record_comparer {
@@ -15,6 +20,7 @@ public:
                     scl::Scl_status& status);
 
     // Offsets from the start of the buffer. What lies near the records compared last is at hand.
+    // Leaves what reading leaves: SCL_STATUS_READ_FAILED, TLA_STATUS_RECORD_END.
     [[nodiscard]] bool equal(std::uint64_t a, std::uint64_t b, scl::Scl_status& status);
 
 private:

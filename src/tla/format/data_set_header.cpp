@@ -61,11 +61,14 @@ void tla_read_header(const scl::Scl_buffer& file, std::u16string_view file_name,
     replace_end_of_data(file_name, status);
 }
 
+std::uint64_t tla_header_end(std::span<const Field_descriptor> fields) {
+    return tla_aligned(TLA_FIELD_LIST_OFFSET + field_list_of(fields).size());
+}
+
 std::uint64_t write_header(std::span<const Field_descriptor> fields,
                            const Tla_header_counts& counts, scl::Scl_ostream& out,
                            scl::Scl_status& status) {
-    const std::string list = field_list_of(fields);
-    const std::uint64_t header_end = tla_aligned(TLA_FIELD_LIST_OFFSET + list.size());
+    const std::uint64_t header_end = tla_header_end(fields);
     const std::uint64_t no_checksum_yet = 0;
     out.write(TLA_DATA_SET_MAGIC, status);
     out.write_le(no_checksum_yet, status);
@@ -73,7 +76,7 @@ std::uint64_t write_header(std::span<const Field_descriptor> fields,
     out.write_le(TLA_DATA_SET_VERSION, status);
     out.write_le(counts.keys, status);
     out.write_le(counts.records, status);
-    out.write(list, status);
+    out.write(field_list_of(fields), status);
     pad_to_eight(out, status);
     return header_end;
 }

@@ -56,16 +56,18 @@ bool Tla_data_set_entry_file::token_values(std::u16string_view field_name,
 bool Tla_data_set_entry_file::text_value(std::u16string_view field_name, std::u16string& text,
                                          Formatter_type_id& type) const {
     const std::size_t field = find_field(field_name);
-    if (!text_at(field, text)) return false;
+    std::string_view stored;
+    if (!stored_text(field, stored)) return false;
     type = fields_[field].type;
+    scl::scl_stow(stored, text);
     return true;
 }
 
-bool Tla_data_set_entry_file::text_at(std::size_t field, std::u16string& text) const {
+bool Tla_data_set_entry_file::stored_text(std::size_t field, std::string_view& text) const {
     if (version_ != VERSION_WITH_TEXTS || field >= std::min(texts_.size(), fields_.size())) {
         return false;
     }
-    scl::scl_stow(texts_[field], text);
+    text = texts_[field];
     return true;
 }
 

@@ -40,8 +40,9 @@ public:
     // Leaves out what version 1 has to make of the texts, their token values.
     void read_stored(Record_source& source, scl::Scl_status& status);
 
-    // The text of the field at a position of the field list; false as above.
-    [[nodiscard]] bool text_at(std::size_t field, std::u16string& text) const;
+    // The stored text, in UTF-8, of the field at a position of the field list; false as above. It
+    // lies in the entry.
+    [[nodiscard]] bool stored_text(std::size_t field, std::string_view& text) const;
 
     [[nodiscard]] std::int64_t record_offset() const { return record_offset_; }
     // In bytes, as far as it was read.

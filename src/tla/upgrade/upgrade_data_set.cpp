@@ -1,5 +1,6 @@
 #include "tla/upgrade/upgrade_data_set.hpp"
 
+#include "records/tla_kept_fields.hpp"
 #include "records/tla_record_processor.hpp"
 #include "records/tla_status_codes.hpp"
 #include "scl/text/scl_string.hpp"
@@ -30,10 +31,15 @@ std::vector<Formatter_type_id> types_of(const std::vector<Field_descriptor>& fie
 
 // By position: two fields of one name, which the generator refuses anyway, would not matter.
 void gather_texts(const Tla_data_set_entry_file& entry, const std::vector<Field_descriptor>& fields,
-                  std::vector<std::u16string>& texts, scl::Scl_status& status) {
+                  Tla_kept_fields& texts, scl::Scl_status& status) {
+    texts.clear();
     for (std::size_t i = 0; i < fields.size() && !status.has_failed(); ++i) {
-        if (entry.text_at(i, texts[i])) continue;
-        status.assign(TLA_STATUS_NO_TEXT, scl::Scl_wstring_status_arg(fields[i].name));
+        std::string_view text;
+        if (entry.stored_text(i, text)) {
+            texts.add(text);
+        } else {
+            status.assign(TLA_STATUS_NO_TEXT, scl::Scl_wstring_status_arg(fields[i].name));
+        }
     }
 }
 
@@ -43,8 +49,8 @@ void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_
     std::vector<std::int64_t> offsets = old_file.record_offsets(status);
     std::ranges::sort(offsets);
     Tla_record_allowance allowance(old_file.file_size(), path);
-    Tla_record_processor processor(types_of(fields), {});
-    std::vector<std::u16string> texts(fields.size());
+    Tla_record_processor processor(types_of(fields), {}, nullptr);
+    Tla_kept_fields texts;
     for (const std::int64_t offset : offsets) {
         if (status.has_failed()) return;
         const auto entry = old_file.read_stored_entry(offset, status);
@@ -52,7 +58,7 @@ void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_
         gather_texts(*entry, fields, texts, status);
         allowance.take(entry->record_size(), status);
         if (status.has_failed()) return;
-        processor.process(texts, out, status);
+        processor.process({texts.fields()}, out, status);
     }
 }
 
@@ -84,8 +90,8 @@ void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
     out.detach(status);
     if (!status.has_failed()) check_work(old_file, records.size(false, status), path, status);
     if (status.has_failed()) return;
-    write_data_set_file(old_file.key_names(), old_file.field_descriptors(), records, output,
-                        status);
+    write_data_set_file(old_file.key_names(), old_file.field_descriptors(), records, nullptr,
+                        output, status);
 }
 
 } // namespace tla
