@@ -10,6 +10,10 @@
 #include <cstdint>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace tla {
 
 namespace {
@@ -17,30 +21,48 @@ namespace {
 using Ascii = scl::Scl_text_span<char>;
 using Formatter_pointer = std::unique_ptr<const Tla_formatter_base>;
 
-// Copies all but hyphens and blanks and gives the end of the copy, which may lie over the text.
-// Every unit is written and only some are kept: which ones come is not worth a guess.
 template <typename Unit>
-Unit* copy_without_separators(const Unit* from, const Unit* end, Unit* to) {
-    for (; from != end; ++from) {
-        const Unit unit = *from;
-        *to = unit;
-        to += static_cast<int>(unit != '-') & static_cast<int>(unit != ' ');
-    }
-    return to;
+bool is_separator(Unit unit) {
+    return unit == '-' || unit == ' ';
 }
 
-// Block by block; what lies behind the text may be one by chance and costs a copy then.
-bool has_separator(Ascii text) {
-    using Block [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = std::int8_t;
-    using Halves [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = std::uint64_t;
-    Block found{};
-    for (const char* at = text.begin; at < text.end; at += scl::SCL_BLOCK_BYTES) {
-        Block bytes;
-        std::memcpy(&bytes, at, sizeof bytes);
-        found |= (bytes == '-') | (bytes == ' ');
+// The separators of a block, a bit for each byte.
+std::uint32_t find_separators(const char* block) {
+    std::uint32_t found = 0;
+#if defined(__SSE2__)
+    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block));
+    const __m128i hits = _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('-')),
+                                      _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' ')));
+    found = static_cast<std::uint32_t>(_mm_movemask_epi8(hits));
+#else
+    for (std::size_t i = 0; i < scl::SCL_BLOCK_BYTES; ++i) {
+        found |= static_cast<std::uint32_t>(is_separator(block[i])) << i;
     }
-    const auto halves = std::bit_cast<Halves>(found);
-    return (halves[0] | halves[1]) != 0;
+#endif
+    return found;
+}
+
+// Copies a stretch in whole blocks; what comes behind it is written over next.
+char* copy_stretch(const char* from, const char* end, char* to) {
+    for (const char* at = from; at < end; at += scl::SCL_BLOCK_BYTES) {
+        std::memcpy(to + (at - from), at, scl::SCL_BLOCK_BYTES);
+    }
+    return to + (end - from);
+}
+
+// Copies what lies between separators and gives the end of the copy; null when there are none and
+// nothing was copied.
+char* copy_without_separators(Ascii text, char* to) {
+    const char* stretch = text.begin;
+    for (const char* at = text.begin; at < text.end; at += scl::SCL_BLOCK_BYTES) {
+        for (std::uint32_t found = find_separators(at); found != 0; found &= found - 1) {
+            const char* const separator = at + std::countr_zero(found);
+            if (separator >= text.end) break;
+            to = copy_stretch(stretch, separator, to);
+            stretch = separator + 1;
+        }
+    }
+    return stretch == text.begin ? nullptr : copy_stretch(stretch, text.end, to);
 }
 
 struct Formatter_type {
@@ -106,17 +128,14 @@ Ascii Tla_simplenc_formatter::format_ascii(Ascii value, Scratch_text<char>& scra
 void Tla_ccnum_formatter::format(std::u16string_view input, std::u16string& output,
                                  bool raw) const {
     copy_normalised(input, output, raw);
-    char16_t* const begin = output.data();
-    const char16_t* const end = copy_without_separators(begin, begin + output.size(), begin);
-    output.resize(static_cast<std::size_t>(end - begin));
+    std::erase_if(output, is_separator<char16_t>);
 }
 
-// Most numbers come without separators: a look at all of one is cheaper than a copy.
+// Most numbers come without separators and are used where they are.
 Ascii Tla_ccnum_formatter::format_ascii(Ascii value, Scratch_text<char>& scratch) {
-    if (!has_separator(value)) return value;
     char* const begin = scratch.room(value.size());
-    const char* const end = copy_without_separators(value.begin, value.end, begin);
-    return scratch.text(static_cast<std::size_t>(end - begin));
+    const char* const end = copy_without_separators(value, begin);
+    return end == nullptr ? value : Ascii{begin, end};
 }
 
 Formatter_type_id tla_formatter_type_id_from_name(std::string_view name) {

@@ -19,8 +19,26 @@ public:
     explicit Record_assembly(std::span<std::byte> room)
         : begin_(room.data()), at_(begin_), end_(begin_ + room.size()) {}
 
+    // Most fields are one short run, and so one token: they take this straight way.
     template <typename Unit>
     void add_field(scl::Scl_text_span<Unit> text) {
+        if (!txt::txt_is_short_run(text)) return add_tokens(text);
+        std::byte* const to = take(tla_field_size(1));
+        if (to == nullptr) return;
+        scl::scl_store_le(to, scl::scl_byte_swapped(Tla_token_count{1}));
+        scl::scl_store_le(to + TLA_COUNT_BYTES, scl::scl_byte_swapped(txt::txt_token_value(text)));
+    }
+    void add_end() {
+        if (std::byte* const to = take(TLA_RECORD_END_BYTES)) *to = std::byte{TLA_RECORD_END};
+    }
+
+    // Whether something found no place; the record is of no use then.
+    [[nodiscard]] bool is_full() const { return is_full_; }
+    [[nodiscard]] std::span<const std::byte> record() const { return {begin_, at_}; }
+
+private:
+    template <typename Unit>
+    [[gnu::noinline]] void add_tokens(scl::Scl_text_span<Unit> text) {
         std::byte* const count_at = take(TLA_COUNT_BYTES);
         const std::byte* const values = at_;
         txtdfc::txtdfc_each_token_value(text, [this](Tla_token_value value) {
@@ -32,15 +50,6 @@ public:
         const auto count = static_cast<std::size_t>(at_ - values) / TLA_TOKEN_VALUE_BYTES;
         scl::scl_store_le(count_at, scl::scl_byte_swapped(static_cast<Tla_token_count>(count)));
     }
-    void add_end() {
-        if (std::byte* const to = take(TLA_RECORD_END_BYTES)) *to = std::byte{TLA_RECORD_END};
-    }
-
-    // Whether something found no place; the record is of no use then.
-    [[nodiscard]] bool is_full() const { return is_full_; }
-    [[nodiscard]] std::span<const std::byte> record() const { return {begin_, at_}; }
-
-private:
     std::byte* take(std::size_t bytes) {
         is_full_ = is_full_ || static_cast<std::size_t>(end_ - at_) < bytes;
         if (is_full_) return nullptr;
@@ -103,12 +112,13 @@ void Tla_record_processor::process_large(const Tla_record_text& record, scl::Scl
 template <typename Use>
 void Tla_record_processor::format_fields(const Tla_record_text& record, scl::Scl_status& status,
                                          Use&& use) {
-    for (std::size_t i = 0; i < columns_.size() && !status.has_failed(); ++i) {
-        const Tla_field_text& field = record.fields[i];
+    const Column* column = columns_.data();
+    for (const Tla_field_text field : record.fields) {
+        if (status.has_failed()) return;
         if (record.is_ascii || scl::scl_is_ascii(field)) {
-            format_ascii(columns_[i], field, status, use);
+            format_ascii(*column++, field, status, use);
         } else {
-            format_other(columns_[i], field, status, use);
+            format_other(*column++, field, status, use);
         }
     }
 }

@@ -21,6 +21,7 @@ public:
 
     void run() {
         for (;;) {
+            if (!state_.is_open()) skip_spaces();
             take_run();
             if (at_ != text_.end) {
                 take_character();
@@ -31,6 +32,18 @@ public:
     }
 
 private:
+    // In ASCII nothing joins white space, so that a stretch of it is a whole trailer.
+    void skip_spaces() {
+        if constexpr (sizeof(Unit) == 1) {
+            const Unit* const from = at_;
+            while (at_ != text_.end && *at_ <= ' ' &&
+                   scl::scl_is_white_space(static_cast<unsigned char>(*at_))) {
+                ++at_;
+            }
+            if (from == text_.begin && at_ != from) take_(from, from);
+        }
+    }
+
     void take_run() {
         if (!state_.takes_runs()) return;
         const std::size_t length = run_length(text_, at_);
@@ -105,12 +118,18 @@ private:
 
 } // namespace impl
 
+// Whether the text is one token of no more units than a block, as nearly all short values are; seen
+// in one look. False may be wrong.
+template <typename Unit>
+[[nodiscard]] bool txt_is_short_run(scl::Scl_text_span<Unit> text) {
+    return impl::is_short_run(text);
+}
+
 // Hands the tokens of a text, ASCII bytes or UTF-16 units, to `take(begin, end)` in their order.
 // They are the ones that a Txt_tokeniser finds, by the same rules and table. A trailer that the
 // text begins with gives an empty token first: it is the one that the trailer belongs to.
 template <typename Unit, typename Take>
 void txt_walk_tokens(scl::Scl_text_span<Unit> text, Take&& take) {
-    if (impl::is_short_run(text)) return take(text.begin, text.end);
     impl::Token_walk<Unit, Take>(text, take).run();
 }
 

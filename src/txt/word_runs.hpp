@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <limits>
 #include <type_traits>
 
 #if defined(__SSE2__)
@@ -44,8 +45,7 @@ template <typename Unit>
     return scl::impl::SCL_UNICODE_BIT_TABLE[unit];
 }
 
-// A block of text side by side. Signed, which is what processors compare in one step: what is above
-// the middle is negative then and so, as it should be, in none of the ranges.
+// A block of text side by side. Signed, which is what processors compare in one step.
 using Block_mask [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = std::uint64_t;
 
 // How many bytes of a block, from the first on, are all ones.
@@ -67,9 +67,14 @@ template <typename Unit>
     using Block [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = Lane;
     Block units;
     std::memcpy(&units, from, sizeof units);
+    // A range moved down to the least number needs one comparison, with its upper end.
+    constexpr Lane LEAST = std::numeric_limits<Lane>::min();
+    const auto from_to = [](const Block& lanes, char first, char last) {
+        return lanes + static_cast<Lane>(LEAST - first) <
+               static_cast<Lane>(LEAST + (last - first + 1));
+    };
     const Block folded = units | Lane{0x20};
-    const auto word = ((folded >= Lane{'a'}) & (folded <= Lane{'z'})) |
-                      ((units >= Lane{'0'}) & (units <= Lane{'9'})) | (units == Lane{'_'});
+    const auto word = from_to(folded, 'a', 'z') | from_to(units, '0', '9') | (units == Lane{'_'});
     return leading_ones(std::bit_cast<Block_mask>(word)) / sizeof(Unit);
 }
 

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <fcntl.h>
 #include <limits>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
@@ -138,6 +139,14 @@ int scl_identify_file(const std::string& name, bool follow, Scl_file_identity& i
     if (failed != 0) return errno;
     identity = identity_of(facts);
     return 0;
+}
+
+void scl_prefer_large_pages(std::span<std::byte> memory) {
+#if defined(MADV_HUGEPAGE)
+    (void)::madvise(memory.data(), memory.size(), MADV_HUGEPAGE);
+#else
+    (void)memory;
+#endif
 }
 
 std::string scl_system_reason(int error) {

@@ -60,7 +60,7 @@ inline void scl_lower_ascii(const Scl_text_span<char>& text, char* to) {
     for (const char* at = text.begin; at < text.end; at += SCL_BLOCK_BYTES) {
         Block bytes;
         std::memcpy(&bytes, at, sizeof bytes);
-        const auto capital = (bytes >= 'A') & (bytes <= 'Z'); // all ones, or zero
+        const auto capital = (bytes > 'A' - 1) & (bytes < 'Z' + 1); // all ones, or zero
         bytes += capital & ('a' - 'A');
         std::memcpy(to, &bytes, sizeof bytes);
         to += SCL_BLOCK_BYTES;

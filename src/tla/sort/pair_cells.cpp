@@ -1,8 +1,20 @@
 #include "tla/sort/pair_cells.hpp"
 
+#include "scl/io/scl_file.hpp"
+
 #include <algorithm>
+#include <new>
 
 namespace tla {
+
+namespace {
+
+// Few pairs shall not take a large page; from 2 MiB of them on, it is filled anyway.
+constexpr std::size_t SMALL_SLAB_CELLS = 64;
+constexpr std::size_t LARGE_SLAB_CELLS = scl::SCL_LARGE_PAGE / sizeof(Pair_cell);
+constexpr std::size_t SMALL_SLABS = LARGE_SLAB_CELLS / SMALL_SLAB_CELLS;
+
+} // namespace
 
 Pair_cell* Pair_cells::take() {
     if (free_ != nullptr) {
@@ -10,11 +22,25 @@ Pair_cell* Pair_cells::take() {
         free_ = cell->next;
         return cell;
     }
-    if (used_in_last_slab_ == SLAB_CELLS) {
-        slabs_.push_back(std::make_unique_for_overwrite<Pair_cell[]>(SLAB_CELLS));
-        used_in_last_slab_ = 0;
-    }
+    if (used_in_last_slab_ == last_slab_cells_) add_slab();
     return &slabs_.back()[used_in_last_slab_++];
+}
+
+// Aligned to large pages in any case, so that one way of freeing does for all.
+void Pair_cells::add_slab() {
+    const bool is_large = slabs_.size() >= SMALL_SLABS;
+    const std::size_t cells = is_large ? LARGE_SLAB_CELLS : SMALL_SLAB_CELLS;
+    slabs_.emplace_back(static_cast<Pair_cell*>(
+        ::operator new (cells * sizeof(Pair_cell), std::align_val_t{scl::SCL_LARGE_PAGE})));
+    if (is_large) {
+        scl::scl_prefer_large_pages(std::as_writable_bytes(std::span(slabs_.back().get(), cells)));
+    }
+    last_slab_cells_ = cells;
+    used_in_last_slab_ = 0;
+}
+
+void Pair_cells::Free::operator()(Pair_cell* slab) const {
+    ::operator delete (slab, std::align_val_t{scl::SCL_LARGE_PAGE});
 }
 
 void Pair_cells::give_back(Pair_cell* cell) {

@@ -38,11 +38,16 @@ public:
     void give_back(Pair_cell* cell);
 
 private:
-    static constexpr std::size_t SLAB_CELLS = 64;
+    struct Free {
+        void operator()(Pair_cell* slab) const;
+    };
 
-    std::vector<std::unique_ptr<Pair_cell[]>> slabs_;
-    std::size_t used_in_last_slab_ = SLAB_CELLS;
-    Pair_cell* free_ = nullptr;
+    void add_slab();
+
+    std::vector<std::unique_ptr<Pair_cell[], Free>> slabs_;
+    std::size_t used_in_last_slab_ = 0;
+    std::size_t last_slab_cells_ = 0;
+    Pair_cell* free_ = nullptr; // given back, each linked to the next
 };
 
 // Pairs in the order in which they were added.
