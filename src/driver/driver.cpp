@@ -1,7 +1,9 @@
 #include "driver/driver.hpp"
 
 #include "driver/console.hpp"
+#include "driver/interrupts.hpp"
 #include "driver/option_scanner.hpp"
+#include "records/tla_status_codes.hpp"
 #include "scl/text/scl_string.hpp"
 #include "tla/build/scratch_file.hpp"
 #include "tla/upgrade/upgrade_data_set.hpp"
@@ -31,6 +33,8 @@ bool fail_with_usage(const char* message) {
 
 Driver::~Driver() {
     if (output_given_ && std::uncaught_exceptions() > exceptions_before_) remove_output();
+    const Signals_wait hold;
+    remove_when_interrupted(nullptr); // the name goes with this object
 }
 
 int Driver::run(int argument_count, const char* const* arguments) {
@@ -93,13 +97,18 @@ bool Driver::open_input(std::string_view name) {
 bool Driver::open_output(std::string_view name) {
     output_name_ = name;
     const bool usable = !tla::tla_would_be_scratch(output_name_);
-    if (usable) {
-        output_.open(wide(name), scl::Scl_file_open::create, scl::Scl_file_access::read_write,
-                     scl::SCL_FILE_PLAIN, scl::SCL_FILE_FRONT_TO_BACK, status_);
-    }
+    if (usable) create_output(name);
     if (!usable || !status_.ok()) return fail_with_usage("Output Filename Invalid.");
     output_given_ = true;
     return true;
+}
+
+// A file that was there before is refused, and an interrupted run must not take it for its own.
+void Driver::create_output(std::string_view name) {
+    const Signals_wait hold;
+    output_.open(wide(name), scl::Scl_file_open::create, scl::Scl_file_access::read_write,
+                 scl::SCL_FILE_PLAIN, scl::SCL_FILE_FRONT_TO_BACK, status_);
+    if (status_.ok()) remove_when_interrupted(output_name_.c_str());
 }
 
 bool Driver::take_schema(std::string_view text) {
@@ -127,7 +136,8 @@ int Driver::build() {
     scl::Scl_file_buffer records;
     tla::tla_open_scratch_file(records, status_);
     if (!status_.ok()) return EXIT_OK; // silent: nothing was read, and the output stays empty
-    switch (build_from(in, records).reading) {
+    const tla::Tla_build_result result = build_from(in, records);
+    switch (result.reading) {
     case tla::Tla_read_result::field_count_mismatch:
         (void)fail_with_usage("Field count does not match the schema.");
         return EXIT_FAULT;
@@ -138,6 +148,7 @@ int Driver::build() {
         break;
     }
     close_output();
+    warn_of_lost_records(result);
     return report_generation();
 }
 
@@ -150,6 +161,16 @@ tla::Tla_build_result Driver::build_from(scl::Scl_buffered_istream& in,
                                    .key_names = key_names_,
                                    .key_positions = key_positions};
     return tla::build_data_set(plan, in, records, output_, status_);
+}
+
+// A column of unknown type, or a value of more tokens than a count can say, makes a file that is
+// read differently from how it was written. It is kept, but not without a word.
+void Driver::warn_of_lost_records(const tla::Tla_build_result& result) {
+    if (!status_.ok() || result.record_count == result.line_count) return;
+    const std::string numbers =
+        std::to_string(result.record_count) + " of " + std::to_string(result.line_count);
+    status_.push(tla::TLA_STATUS_RECORDS_LOST,
+                 scl::Scl_wstring_status_arg(std::string_view(numbers)));
 }
 
 int Driver::report_generation() {
@@ -176,7 +197,9 @@ void Driver::remove_output() {
     output_.close(nobody_listens);
     // Through the C library and by the name as typed. When even this fails, what stays has no valid
     // checksum and no reader takes it.
+    const Signals_wait hold;
     (void)std::remove(output_name_.c_str());
+    remove_when_interrupted(nullptr); // another run may make a file of that name from here on
 }
 
 } // namespace driver

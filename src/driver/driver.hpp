@@ -35,11 +35,13 @@ private:
     [[nodiscard]] bool open_output(std::string_view name);
     [[nodiscard]] bool take_schema(std::string_view text);
     void take_key(std::string_view name);
+    void create_output(std::string_view name);
 
     [[nodiscard]] int upgrade();
     [[nodiscard]] int build();
     [[nodiscard]] tla::Tla_build_result build_from(scl::Scl_buffered_istream& in,
                                                    scl::Scl_file_buffer& records);
+    void warn_of_lost_records(const tla::Tla_build_result& result);
     [[nodiscard]] int report_generation();
     void close_output();
     void remove_output();

@@ -1,10 +1,12 @@
 #include "driver/driver.hpp"
-#include "scl/io/scl_file.hpp"
+#include "driver/interrupts.hpp"
+#include "scl/status/scl_status_lookup.hpp"
 #include "scl/text/scl_string.hpp"
 
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <new>
 #include <span>
 #include <string>
 #include <vector>
@@ -34,15 +36,28 @@ int run_driver(const Wide_arguments& wide) {
     return driver.run(count, pointers.data());
 }
 
-// By now everything is unwound: the scratch file and the output are gone.
+// By now everything is unwound: the scratch file and the output are gone, and what memory they took
+// is free again.
 int report_exception(const char* message) {
     std::fprintf(stderr, "%s\n", message);
     return driver::EXIT_FAULT;
 }
 
+int report_no_memory() {
+    scl::Scl_status status;
+    status.push(scl::SCL_STATUS_NO_MEMORY);
+    std::u16string wide;
+    scl::Scl_status_lookup::to_string(status, wide);
+    std::string text;
+    scl::scl_wtos(wide, text, true);
+    return report_exception(text.c_str());
+}
+
 int run(std::span<char*> arguments) {
     try {
         return run_driver(decode_arguments(arguments));
+    } catch (const std::bad_alloc&) {
+        return report_no_memory();
     } catch (const std::exception& exception) {
         return report_exception(exception.what());
     } catch (...) {
@@ -53,6 +68,6 @@ int run(std::span<char*> arguments) {
 } // namespace
 
 int main(int argument_count, char** arguments) {
-    scl::scl_ignore_write_signals();
+    driver::prepare_for_signals();
     std::exit(run({arguments, static_cast<std::size_t>(argument_count)}));
 }

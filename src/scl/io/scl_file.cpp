@@ -1,7 +1,6 @@
 #include "scl/io/scl_file.hpp"
 
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <limits>
@@ -151,11 +150,6 @@ void scl_prefer_large_pages(std::span<std::byte> memory) {
 
 std::string scl_system_reason(int error) {
     return std::generic_category().message(error);
-}
-
-void scl_ignore_write_signals() {
-    std::signal(SIGXFSZ, SIG_IGN);
-    std::signal(SIGPIPE, SIG_IGN);
 }
 
 } // namespace scl

@@ -71,8 +71,4 @@ private:
 inline constexpr std::size_t SCL_LARGE_PAGE = std::size_t{2} << 20;
 void scl_prefer_large_pages(std::span<std::byte> memory);
 
-// Lets a write past the file size limit, and one to a closed pipe, fail like any other instead of
-// ending the process by a signal. Called once, at the process entry.
-void scl_ignore_write_signals();
-
 } // namespace scl
