@@ -100,6 +100,17 @@ TEST_F(Command_line, GenerationFaultsRemoveTheOutput) {
     expect_failure(test::build_arguments(schema + ";C,Simple", {"LAST"}), "0xC2012528: ");
 }
 
+TEST_F(Command_line, RecordsThatCannotBeReadAreAWarning) {
+    place.write("in", "a\tb\nc\td\ne\tf\n");
+    const Outcome outcome =
+        place.run(test::build_arguments("First,Simple;Last,SimpelNC", {"First"}));
+    EXPECT_EQ(outcome.exit_status, 0);
+    EXPECT_TRUE(outcome.err.starts_with("Warnings:0x8201252A: Records that can be read: "))
+        << outcome.err;
+    EXPECT_NE(outcome.err.find(" of 3 lines. "), std::string::npos);
+    EXPECT_FALSE(place.read("out").empty());
+}
+
 TEST_F(Command_line, DuplicatesAreAWarning) {
     place.write("in", "a\tb\na\tb\nA\tb\na\tB\n");
     const Outcome outcome = place.run(test::build_arguments(schema, {"Last", "First"}));

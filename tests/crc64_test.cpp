@@ -56,8 +56,8 @@ TEST(Crc64, WidenedTextIsThatOfItsUnits) {
     const std::u16string wide(text.begin(), text.end());
     for (std::size_t size = 0; size < 550; ++size) {
         const std::size_t at = size % 31;
-        const std::uint64_t expected =
-            ~slow_register(scl::Scl_crc64::INITIAL, std::as_bytes(std::span(wide).subspan(at, size)));
+        const std::uint64_t expected = ~slow_register(
+            scl::Scl_crc64::INITIAL, std::as_bytes(std::span(wide).subspan(at, size)));
         ASSERT_EQ(scl::Scl_crc64::calculate_widened(&text[at], size), expected) << size;
         ASSERT_EQ(~scl::impl::crc64_widened_by_table({&text[at], size}), expected) << size;
     }

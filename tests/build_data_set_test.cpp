@@ -1,0 +1,83 @@
+#include "records/tla_kept_fields.hpp"
+#include "records/tla_status_codes.hpp"
+#include "scl/io/scl_buffers.hpp"
+#include "scl/text/scl_string.hpp"
+#include "tla/build/build_data_set.hpp"
+#include "tla/build/data_set_generator.hpp"
+
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace {
+
+using Keys = std::vector<std::u16string>;
+
+std::string bytes_in(const scl::Scl_buffer& buffer) {
+    const auto bytes = buffer.contents();
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+// A build in memory.
+struct Build {
+    Build(const std::string& lines, std::vector<std::string_view> type_names, const Keys& keys) {
+        for (const std::string_view name : type_names) {
+            types.push_back(tla::tla_formatter_type_id_from_name(name));
+            fields.push_back(
+                {std::u16string(1, static_cast<char16_t>(u'A' + fields.size())), types.back()});
+        }
+        scl::Scl_heap_buffer input;
+        input.write_at(0, std::as_bytes(std::span(lines)), status);
+        scl::Scl_buffered_istream in(input, false, status, scl::Scl_eol::text);
+        result = tla::build_data_set({fields, types, keys, {}}, in, scratch, output, status);
+    }
+
+    std::vector<tla::Field_descriptor> fields;
+    std::vector<tla::Formatter_type_id> types;
+    scl::Scl_status status;
+    scl::Scl_heap_buffer scratch;
+    scl::Scl_heap_buffer output;
+    tla::Tla_build_result result;
+};
+
+// What is kept while records are made, and what is read of the scratch file, say the same.
+TEST(Build_data_set, KeepsThePairsThatAreReadElse) {
+    std::mt19937 random(5);                        // NOLINT: the same numbers each time
+    for (const std::size_t long_line : {0U, 1U}) { // a record that is too large to be kept
+        std::string lines;
+        for (int i = 0; i < 20000; ++i) {
+            lines += "n" + std::to_string(random() % 3000) + " \xC3\xA9\tk" +
+                     std::to_string(random() % 50) + "\n";
+            if (i % 9999 == 5000) lines += std::string(long_line * 5000, '!') + "\tkey\n";
+        }
+        const Keys keys = {u"B", u"A"};
+        const Build build(lines, {"Simple", "SimpleNC"}, keys);
+        EXPECT_TRUE(build.status.is_warning()) << "of duplicates";
+        EXPECT_EQ(build.result.record_count, 20002U);
+        scl::Scl_heap_buffer read_again;
+        scl::Scl_status status;
+        tla::write_data_set_file(keys, build.fields, build.scratch, nullptr, read_again, status);
+        EXPECT_TRUE(bytes_in(read_again) == bytes_in(build.output));
+    }
+}
+
+TEST(Build_data_set, CountsLinesAndWhatCanBeRead) {
+    std::string lines;
+    for (int i = 0; i < 5000; ++i) {
+        lines += "a" + std::to_string(i) + "\tb\tc\n";
+    }
+    const Build build(lines, {"Simple", "Simple", "CCNUMER"}, {u"B"});
+    EXPECT_EQ(build.status.value(), 0U);
+    EXPECT_EQ(build.result.line_count, 5000U);
+    EXPECT_EQ(build.result.record_count, 1U);
+}
+
+TEST(Build_data_set, RefusesMoreKeysThanAHeaderCanCount) {
+    const Build most("a\n", {"Simple"}, Keys(65535, u"A"));
+    EXPECT_EQ(most.status.value(), 0U);
+    const Build more("a\n", {"Simple"}, Keys(65536, u"A"));
+    EXPECT_EQ(more.status.value(), tla::TLA_STATUS_TOO_MANY_PAIRS);
+    EXPECT_EQ(bytes_in(more.output), "");
+}
+
+} // namespace
