@@ -112,6 +112,39 @@ TEST_F(Stream, WritesGoBackAndOverButLeaveNoGap) {
     EXPECT_TRUE(reported(scl::SCL_STATUS_OUT_OF_BOUNDS));
 }
 
+// A disk that is full from the start.
+class Full_buffer final : public scl::Scl_buffer {
+public:
+    [[nodiscard]] std::uint64_t size(bool, scl::Scl_status&) const override { return 0; }
+    std::size_t read_at(std::uint64_t, std::span<std::byte>, scl::Scl_status&) const override {
+        return 0;
+    }
+    void write_at(std::uint64_t offset, std::span<const std::byte>,
+                  scl::Scl_status& status) override {
+        status.push(offset == 0 ? scl::SCL_STATUS_WRITE_FAILED : scl::SCL_STATUS_OUT_OF_BOUNDS);
+    }
+};
+
+TEST_F(Stream, AFailedFlushIsWhatALargeWriteReports) {
+    Full_buffer full;
+    scl::Scl_ostream out(full, status, Scl_eol::none);
+    out.write("lost", status);
+    out.write(std::string(200000, 'x'), status);
+    EXPECT_EQ(status.entries().size(), 1U);
+    EXPECT_TRUE(reported(scl::SCL_STATUS_WRITE_FAILED));
+    EXPECT_EQ(out.tell(), 200004U);
+}
+
+TEST_F(Stream, WritingToADetachedStreamIsReported) {
+    scl::Scl_ostream out(buffer, status, Scl_eol::none);
+    out.detach(status);
+    EXPECT_TRUE(status.ok());
+    out.write("x", status);
+    EXPECT_TRUE(reported(scl::SCL_STATUS_OUT_OF_BOUNDS));
+    out.write_be(std::uint64_t{1}, status);
+    EXPECT_TRUE(reported(scl::SCL_STATUS_OUT_OF_BOUNDS));
+}
+
 TEST_F(Stream, SubBuffersStayInsideTheirParent) {
     fill("0123456789");
     const scl::Scl_sub_buffer middle(buffer, 2, 5, status);
