@@ -122,6 +122,22 @@ TEST_F(Bad_input, RunsInOneFolderDoNotMeetAndNeedNoStandardStreams) {
     EXPECT_FALSE(place.exists("mid_buf"));
 }
 
+// The system gives a new file the lowest number that is free: what is said while the output is open
+// would go into it.
+TEST_F(Bad_input, AnOutputTakesNoNumberOfAClosedStream) {
+    for (const char* closing : {"<&-", ">&-", "2>&-", "<&- >&-", "<&- 2>&-", "<&- >&- 2>&-"}) {
+        for (const char* before : {"", "-i in "}) { // which may take the number first
+            place.write("in", "");
+            const Outcome outcome =
+                place.shell(std::string("$DSMAKE ") + before + "-o out -x " + closing);
+            EXPECT_EQ(outcome.exit_status, 255);
+            EXPECT_TRUE(place.exists("out")) << closing;
+            EXPECT_EQ(place.read("out"), "") << before << closing;
+            place.remove("out");
+        }
+    }
+}
+
 TEST_F(Bad_input, AFileSizeLimitIsAWriteErrorLikeAnyOther) {
     place.write("in", std::string(40000, 'a') + "\t" + std::string(3000, '-') + "\n");
     expect_nothing_left("ulimit -f 8; ", "0xC2000014: ");

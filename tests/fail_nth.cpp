@@ -1,6 +1,7 @@
 // A library to preload: makes the Nth file operation of a program fail, N from FAIL_AT; only that
 // one, or with FAIL_ON=1 all from there on. It counts opening, examining, reading, writing,
-// removing and closing files, and creates FAIL_REPORT when it has made one fail.
+// removing and closing files; with FAIL_EMPTY=1 reading alone, which then brings nothing, as at the
+// end of a file. It creates FAIL_REPORT when it has made one fail.
 #include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
@@ -16,7 +17,12 @@ Function* next_of(const char* name) {
     return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-bool fails(int error) {
+bool reads_empty() {
+    static const bool empty = std::getenv("FAIL_EMPTY") != nullptr;
+    return empty;
+}
+
+bool comes_to_its_turn(int error) {
     static const char* const at = std::getenv("FAIL_AT");
     static const bool on = std::getenv("FAIL_ON") != nullptr;
     static long count = 0;
@@ -30,6 +36,10 @@ bool fails(int error) {
         errno = error;
     }
     return failing;
+}
+
+bool fails(int error) {
+    return !reads_empty() && comes_to_its_turn(error);
 }
 
 } // namespace
@@ -53,9 +63,8 @@ int lstat(const char* name, struct stat* facts) {
 }
 
 ssize_t pread(int file, void* bytes, size_t count, off_t offset) {
-    return fails(EIO)
-               ? -1
-               : next_of<ssize_t(int, void*, size_t, off_t)>("pread")(file, bytes, count, offset);
+    if (comes_to_its_turn(EIO)) return reads_empty() ? 0 : -1;
+    return next_of<ssize_t(int, void*, size_t, off_t)>("pread")(file, bytes, count, offset);
 }
 
 ssize_t pwrite(int file, const void* bytes, size_t count, off_t offset) {

@@ -1,7 +1,10 @@
 #include "piecewise_buffer.hpp"
+#include "program.hpp"
 #include "scl/io/scl_buffered_istream.hpp"
 #include "scl/io/scl_buffers.hpp"
+#include "scl/io/scl_file_buffer.hpp"
 #include "scl/io/scl_ostream.hpp"
+#include "scl/text/scl_string.hpp"
 
 #include <gtest/gtest.h>
 
@@ -37,8 +40,8 @@ std::string text_in(const scl::Scl_buffer& buffer) {
 
 TEST_F(Stream, ReadsAndSeeksAreChecked) {
     fill("0123456789");
-    scl::Scl_buffered_istream in(buffer, true, status, Scl_eol::none);
-    EXPECT_EQ(in.tell(), 10U);
+    scl::Scl_buffered_istream in(buffer, false, status, Scl_eol::none);
+    in.set_position(10);
     in.seek(Scl_seek::relative, -2, status);
     std::uint64_t value = 77;
     in.read_be(value, status);
@@ -96,6 +99,53 @@ TEST_F(Stream, AReadErrorIsNotTheEndOfTheData) {
     EXPECT_FALSE(status.contains_value(scl::SCL_STATUS_END_OF_DATA));
 }
 
+TEST_F(Stream, BytesAtHandOutliveAFailedRead) {
+    fill("0123456789");
+    const test::Piecewise_buffer file(buffer, 8);
+    scl::Scl_buffered_istream in(file, false, status, Scl_eol::none);
+    in.limit_read_ahead(8);
+    in.skip(in.window(status).size() - 2);
+    EXPECT_EQ(in.window(4, status).size(), 2U);
+    EXPECT_EQ(in.read_char(), '6');
+    EXPECT_TRUE(reported(scl::SCL_STATUS_READ_FAILED));
+}
+
+TEST_F(Stream, AFileCutWhileItIsReadIsAFailureAndNotTheEnd) {
+    const test::Workplace place;
+    const std::string name = place.path("file");
+    place.write("file", std::string(3 * WINDOW, 'x'));
+    std::u16string wide;
+    scl::scl_stow(name, wide);
+    scl::Scl_file_buffer file(wide, scl::Scl_file_open::existing, scl::Scl_file_access::read,
+                              scl::SCL_FILE_PLAIN, scl::SCL_FILE_FRONT_TO_BACK, status);
+    scl::Scl_buffered_istream in(file, false, status, Scl_eol::none);
+    std::filesystem::resize_file(name, WINDOW + 5);
+    std::vector<std::byte> read(2 * WINDOW);
+    for (const std::size_t wanted : {read.size(), WINDOW - 1}) { // past the window, and through it
+        in.set_position(wanted == read.size() ? 0 : WINDOW);
+        const std::size_t left = WINDOW + 5 - in.tell();
+        EXPECT_EQ(in.read(wanted, read.data(), status), left);
+        ASSERT_EQ(status.value(), scl::SCL_STATUS_READ_FAILED);
+        EXPECT_EQ(status.entries()[0].argument->text(), wide + u": the file became shorter");
+        EXPECT_EQ(status.entries().size(), 1U);
+        status.clear();
+    }
+    file.close(status);
+    EXPECT_TRUE(status.ok());
+    EXPECT_EQ(file.read_at(0, read, status), 0U);
+    EXPECT_TRUE(reported(scl::SCL_STATUS_OUT_OF_BOUNDS));
+}
+
+#ifndef NDEBUG
+TEST_F(Stream, AWindowLargerThanItsMemoryIsRefused) {
+    fill("x");
+    const test::Piecewise_buffer file(buffer);
+    scl::Scl_buffered_istream in(file, false, status, Scl_eol::none);
+    EXPECT_DEATH((void)in.window(WINDOW + 1, status), "Assertion .*WINDOW_BYTES");
+    EXPECT_DEATH(in.limit_read_ahead(WINDOW + 1), "Assertion .*WINDOW_BYTES");
+}
+#endif
+
 TEST_F(Stream, WritesGoBackAndOverButLeaveNoGap) {
     scl::Scl_ostream out(buffer, status, Scl_eol::none);
     const std::string large(200000, 'x');
@@ -109,6 +159,39 @@ TEST_F(Stream, WritesGoBackAndOverButLeaveNoGap) {
     out.set_position(200011, status);
     out.write("y", status);
     out.detach(status);
+    EXPECT_TRUE(reported(scl::SCL_STATUS_OUT_OF_BOUNDS));
+}
+
+// A disk that is full from the start.
+class Full_buffer final : public scl::Scl_buffer {
+public:
+    [[nodiscard]] std::uint64_t size(bool, scl::Scl_status&) const override { return 0; }
+    std::size_t read_at(std::uint64_t, std::span<std::byte>, scl::Scl_status&) const override {
+        return 0;
+    }
+    void write_at(std::uint64_t offset, std::span<const std::byte>,
+                  scl::Scl_status& status) override {
+        status.push(offset == 0 ? scl::SCL_STATUS_WRITE_FAILED : scl::SCL_STATUS_OUT_OF_BOUNDS);
+    }
+};
+
+TEST_F(Stream, AFailedFlushIsWhatALargeWriteReports) {
+    Full_buffer full;
+    scl::Scl_ostream out(full, status, Scl_eol::none);
+    out.write("lost", status);
+    out.write(std::string(200000, 'x'), status);
+    EXPECT_EQ(status.entries().size(), 1U);
+    EXPECT_TRUE(reported(scl::SCL_STATUS_WRITE_FAILED));
+    EXPECT_EQ(out.tell(), 200004U);
+}
+
+TEST_F(Stream, WritingToADetachedStreamIsReported) {
+    scl::Scl_ostream out(buffer, status, Scl_eol::none);
+    out.detach(status);
+    EXPECT_TRUE(status.ok());
+    out.write("x", status);
+    EXPECT_TRUE(reported(scl::SCL_STATUS_OUT_OF_BOUNDS));
+    out.write_be(std::uint64_t{1}, status);
     EXPECT_TRUE(reported(scl::SCL_STATUS_OUT_OF_BOUNDS));
 }
 

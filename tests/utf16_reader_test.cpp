@@ -32,15 +32,15 @@ TEST(Utf16Reader, SurrogatesPairUpAndAnOddLastByteIsNotRead) {
     EXPECT_TRUE(status.ok());
 }
 
-TEST(Utf16Reader, StartsAtTheEndAndSeeksNoFurther) {
+TEST(Utf16Reader, ReadsToTheEndAndSeeksNoFurther) {
     const scl::Scl_wstring_buffer memory(u"ab");
     test::Piecewise_buffer file(memory);
     scl::Scl_status status;
     cerc::Cerc_utf16_reader reader;
     for (const scl::Scl_buffer* content : {static_cast<const scl::Scl_buffer*>(&memory),
                                            static_cast<const scl::Scl_buffer*>(&file)}) {
-        reader.attach(*content, status, true);
-        EXPECT_EQ(reader.read(), END);
+        reader.attach(*content, status, false);
+        EXPECT_EQ(rest_of(reader), U"ab");
         reader.seek(5, status);
         EXPECT_EQ(status.value(), scl::SCL_STATUS_END_OF_DATA);
         EXPECT_EQ(reader.tell(), 4U);

@@ -31,7 +31,8 @@ private:
     static constexpr std::size_t NONE = ~std::size_t{0};
 
     [[nodiscard]] Wb wb(std::size_t at) const {
-        return at < text_.size() ? scl::scl_word_break(text_[at]) : Wb::other;
+        if (at >= text_.size()) return Wb::other;
+        return static_cast<Wb>(scl::impl::scl_unicode_bits(text_[at]) >> 3U);
     }
     static bool ends_line(Wb p) { return p == Wb::cr || p == Wb::lf || p == Wb::newline; }
     static bool pictographic(Wb p) {

@@ -2,11 +2,10 @@
 
 namespace cerc {
 
-void Cerc_utf16_reader::attach_stream(const scl::Scl_buffer& buffer, scl::Scl_status& status,
-                                      bool at_end) {
+void Cerc_utf16_reader::attach_stream(const scl::Scl_buffer& buffer, scl::Scl_status& status) {
     status_ = &status;
     stream_ =
-        std::make_unique<scl::Scl_buffered_istream>(buffer, at_end, status, scl::Scl_eol::none);
+        std::make_unique<scl::Scl_buffered_istream>(buffer, false, status, scl::Scl_eol::none);
     size_ = stream_->size(status);
     set_window({}, stream_->tell());
 }

@@ -27,14 +27,13 @@ public:
 // and may be larger than memory, is read through a window.
 class Cerc_utf16_reader final : public Cerc_reader_base {
 public:
-    // The position starts at the buffer's front, or at its end. Buffer and status must outlive the
+    // The position starts at the buffer's front: the last argument is false. Both must outlive the
     // attachment: read() reports in that status what the buffer does (SCL_STATUS_READ_FAILED).
-    void attach(const scl::Scl_buffer& buffer, scl::Scl_status& status, bool at_end) {
+    void attach(const scl::Scl_buffer& buffer, scl::Scl_status& status, bool /*at_end*/) {
         if (stream_) detach();
         const std::span<const std::byte> contents = buffer.contents();
-        if (contents.empty()) return attach_stream(buffer, status, at_end);
+        if (contents.empty()) return attach_stream(buffer, status);
         attach(contents);
-        if (at_end) at_ = end_;
     }
     // The same for bytes in memory, which cannot fail, from their front.
     void attach(std::span<const std::byte> bytes) {
@@ -95,7 +94,7 @@ private:
         end_ = bytes.data() + bytes.size();
         end_offset_ = offset + bytes.size();
     }
-    void attach_stream(const scl::Scl_buffer& buffer, scl::Scl_status& status, bool at_end);
+    void attach_stream(const scl::Scl_buffer& buffer, scl::Scl_status& status);
     [[nodiscard]] bool load_unit();
     [[nodiscard]] char32_t read_beyond_window();
     [[nodiscard]] char32_t join_with_trail(char16_t lead);

@@ -97,7 +97,6 @@ void Scl_crc64::update(const Scl_buffer& buffer, Scl_status& status) {
         const std::span<const std::byte> bytes = in.window(status);
         update(bytes);
         in.skip(bytes.size());
-        if (bytes.empty() && !status.has_failed()) status.push(SCL_STATUS_END_OF_DATA);
     }
 }
 

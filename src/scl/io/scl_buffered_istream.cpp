@@ -1,16 +1,18 @@
 #include "scl/io/scl_buffered_istream.hpp"
 
 #include <algorithm>
+#include <cstring>
 
 namespace scl {
 
-void Scl_buffered_istream::init(const Scl_buffer& buffer, bool at_end, Scl_status& status,
+void Scl_buffered_istream::init(const Scl_buffer& buffer, bool /*at_end*/, Scl_status& status,
                                 Scl_eol /*eol*/) {
     status_ = &status;
-    attach(buffer, at_end, status);
+    attach(buffer, status);
 }
 
-// Loads the window anew from the position on, what is left of the old one included.
+// Reads on behind the bytes at hand, which move to the storage's front: they did arrive, whatever
+// comes of the read.
 void Scl_buffered_istream::refill(std::size_t wanted, Scl_status& status) {
     const std::uint64_t position = tell();
     if (buffer() == nullptr || position >= size(status)) return;
@@ -21,7 +23,10 @@ void Scl_buffered_istream::refill(std::size_t wanted, Scl_status& status) {
     }
     if (storage_ == nullptr) storage_ = std::make_unique_for_overwrite<std::byte[]>(WINDOW_BYTES);
     const std::span<std::byte> storage(storage_.get(), std::max(wanted, read_ahead_));
-    set_window(storage.first(buffer()->read_at(position, storage, status)), position);
+    const std::size_t kept = at_hand();
+    if (kept != 0) std::memmove(storage.data(), bytes_at_hand().data(), kept);
+    const std::size_t more = buffer()->read_at(position + kept, storage.subspan(kept), status);
+    set_window(storage.first(kept + more), position);
 }
 
 std::size_t Scl_buffered_istream::read_beyond_window(std::span<std::byte> bytes,
@@ -41,6 +46,7 @@ std::size_t Scl_buffered_istream::read_beyond_window(std::span<std::byte> bytes,
 }
 
 unsigned char Scl_buffered_istream::read_char_beyond_window() {
+    assert(status_ != nullptr); // nobody could be told
     std::byte next{};
     read(1, &next, *status_);
     return std::to_integer<unsigned char>(next);

@@ -2,6 +2,7 @@
 
 #include "scl/io/scl_istream.hpp"
 
+#include <cassert>
 #include <memory>
 
 namespace scl {
@@ -14,8 +15,8 @@ public:
         init(buffer, at_end, status, eol);
     }
 
-    // The position starts at the data's front, or at its end. `status` must outlive the
-    // attachment: it is where operations without one report.
+    // Attaches to the buffer, at the data's front: the second argument is false. `status` must
+    // outlive the attachment: it is where operations without one report.
     void init(const Scl_buffer& buffer, bool at_end, Scl_status& status, Scl_eol eol);
 
     // The next byte; 0 with SCL_STATUS_END_OF_DATA when there is none.
@@ -29,18 +30,24 @@ public:
     [[nodiscard]] std::span<const std::byte> window(Scl_status& status) {
         return window(1, status);
     }
-    // The same with at least `count` bytes, or with all that are left. For counts up to
-    // WINDOW_BYTES.
+    // The same with at least `count` bytes, at most WINDOW_BYTES, or with all that are left.
     [[nodiscard]] std::span<const std::byte> window(std::size_t count, Scl_status& status) {
+        assert(count <= WINDOW_BYTES);
         if (at_hand() < count && !status.has_failed()) refill(count, status);
         return bytes_at_hand();
     }
-    // Steps over bytes of the window.
-    void skip(std::size_t count) { (void)take(count); }
+    // Steps over bytes of the window, at most as many as it has.
+    void skip(std::size_t count) {
+        assert(count <= at_hand());
+        (void)take(count);
+    }
 
     // Lets each refill read this many bytes, or what is asked for when that is more: little for
     // random access. WINDOW_BYTES at most, and at first.
-    void limit_read_ahead(std::size_t bytes) { read_ahead_ = bytes; }
+    void limit_read_ahead(std::size_t bytes) {
+        assert(bytes <= WINDOW_BYTES);
+        read_ahead_ = bytes;
+    }
 
     static constexpr std::size_t WINDOW_BYTES = std::size_t{64} << 10;
 

@@ -2,6 +2,7 @@
 
 #include "scl/io/scl_buffer.hpp"
 
+#include <cassert>
 #include <string_view>
 #include <vector>
 
@@ -22,8 +23,11 @@ public:
     void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
                   Scl_status& status) override;
     [[nodiscard]] std::span<const std::byte> contents() const override { return bytes_; }
-    // Drops what stands from `size` on, which is not beyond the end; the memory is kept.
-    void cut(std::size_t size) { bytes_.resize(size); }
+    // Drops what lies from `size` on, which is not beyond the end; the memory is kept.
+    void cut(std::size_t size) {
+        assert(size <= bytes_.size());
+        bytes_.resize(size);
+    }
 
 private:
     std::vector<std::byte> bytes_;

@@ -54,9 +54,9 @@ Scl_file::~Scl_file() {
     if (is_open()) ::close(descriptor_);
 }
 
-int Scl_file::open_existing(const std::string& name, bool writable) {
+int Scl_file::open_existing(const std::string& name) {
     // O_NONBLOCK: a pipe without a writer must be refused, not waited for.
-    return adopt(open_retrying(name, (writable ? O_RDWR : O_RDONLY) | O_NONBLOCK | O_NOCTTY));
+    return adopt(open_retrying(name, O_RDONLY | O_NONBLOCK | O_NOCTTY));
 }
 
 int Scl_file::create_new(const std::string& name) {

@@ -25,8 +25,8 @@ public:
     Scl_file& operator=(const Scl_file&) = delete;
     ~Scl_file();
 
-    // Opens an existing file; EISDIR and EINVAL stand for one that is not regular.
-    [[nodiscard]] int open_existing(const std::string& name, bool writable);
+    // Opens an existing file for reading; EISDIR and EINVAL stand for one that is not regular.
+    [[nodiscard]] int open_existing(const std::string& name);
     // Creates a file of mode 0600 that nobody else has; EEXIST when the entry exists, also as a
     // link that leads nowhere.
     [[nodiscard]] int create_new(const std::string& name);

@@ -38,13 +38,14 @@ void Scl_file_buffer::open(std::u16string_view path, Scl_file_open mode, Scl_fil
     close(status);
     if (status.has_failed()) return;
     scl_wtos(path, name_, true);
-    writable_ = access == Scl_file_access::read_write;
-    scratch_ = (flags & SCL_FILE_SCRATCH) != 0;
-    const int error = mode == Scl_file_open::existing ? file_.open_existing(name_, writable_)
-                      : scratch_                      ? create_scratch()
-                                                      : file_.create_new(name_);
+    const bool creates = mode == Scl_file_open::create;
+    writable_ = creates && access == Scl_file_access::read_write;
+    scratch_ = creates && (flags & SCL_FILE_SCRATCH) != 0;
+    const int error = !creates   ? file_.open_existing(name_)
+                      : scratch_ ? create_scratch()
+                                 : file_.create_new(name_);
     if (error != 0) {
-        report(open_failure_code(mode, error), error, status);
+        report(open_failure_code(mode, error), scl_system_reason(error), status);
         return;
     }
     size_ = file_.opened_size();
@@ -66,7 +67,7 @@ void Scl_file_buffer::close(Scl_status& status) {
     if (!file_.is_open()) return;
     if (scratch_) remove_scratch();
     const int error = file_.close();
-    if (error != 0) report(SCL_STATUS_CLOSE_FAILED, error, status);
+    if (error != 0) report(SCL_STATUS_CLOSE_FAILED, scl_system_reason(error), status);
     size_ = 0;
 }
 
@@ -84,33 +85,39 @@ std::uint64_t Scl_file_buffer::size(bool in_units, Scl_status& /*status*/) const
 
 std::size_t Scl_file_buffer::read_at(std::uint64_t offset, std::span<std::byte> bytes,
                                      Scl_status& status) const {
-    if (offset > size_) {
+    if (!is_open() || offset > size_) {
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
         return 0;
     }
     std::size_t done = 0;
     const std::size_t wanted = std::min<std::uint64_t>(bytes.size(), size_ - offset);
     const int error = file_.read_at(offset, bytes.first(wanted), done);
-    if (error != 0) report(SCL_STATUS_READ_FAILED, error, status);
+    if (error != 0) {
+        report(SCL_STATUS_READ_FAILED, scl_system_reason(error), status);
+    } else if (done < wanted) {
+        // Taken for the end, it would make a whole-looking result of half the data.
+        report(SCL_STATUS_READ_FAILED, "the file became shorter", status);
+    }
     return done;
 }
 
 void Scl_file_buffer::write_at(std::uint64_t offset, std::span<const std::byte> bytes,
                                Scl_status& status) {
-    if (!writable_ || offset > size_) {
+    if (!is_open() || !writable_ || offset > size_) {
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
         return;
     }
     const int error = file_.write_at(offset, bytes);
     if (error != 0) {
-        report(SCL_STATUS_WRITE_FAILED, error, status);
+        report(SCL_STATUS_WRITE_FAILED, scl_system_reason(error), status);
         return;
     }
     size_ = std::max<std::uint64_t>(size_, offset + bytes.size());
 }
 
-void Scl_file_buffer::report(Scl_status_code code, int error, Scl_status& status) const {
-    status.push(code, Scl_wstring_status_arg(name_ + ": " + scl_system_reason(error)));
+void Scl_file_buffer::report(Scl_status_code code, const std::string& reason,
+                             Scl_status& status) const {
+    status.push(code, Scl_wstring_status_arg(name_ + ": " + reason));
 }
 
 } // namespace scl

@@ -50,7 +50,7 @@ public:
 private:
     [[nodiscard]] int create_scratch();
     void remove_scratch() const;
-    void report(Scl_status_code code, int error, Scl_status& status) const;
+    void report(Scl_status_code code, const std::string& reason, Scl_status& status) const;
 
     Scl_file file_;
     std::string name_;

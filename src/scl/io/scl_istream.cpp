@@ -5,10 +5,10 @@
 
 namespace scl {
 
-void Scl_istream::attach(const Scl_buffer& buffer, bool at_end, Scl_status& status) {
+void Scl_istream::attach(const Scl_buffer& buffer, Scl_status& status) {
     buffer_ = &buffer;
     size_ = buffer.size(false, status);
-    set_window({}, at_end ? size_ : 0);
+    set_window({}, 0);
 }
 
 void Scl_istream::detach() {
@@ -38,10 +38,8 @@ void Scl_istream::set_position(std::uint64_t position) {
     }
 }
 
-void Scl_istream::seek(Scl_seek mode, std::int64_t offset, Scl_status& status) {
-    const std::uint64_t base = mode == Scl_seek::relative   ? tell()
-                               : mode == Scl_seek::from_end ? size_
-                                                            : 0;
+void Scl_istream::seek(Scl_seek /*relative*/, std::int64_t offset, Scl_status& status) {
+    const std::uint64_t base = tell();
     const std::uint64_t target = base + static_cast<std::uint64_t>(offset);
     if (offset < 0 && target > base) {
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
@@ -65,7 +63,10 @@ void Scl_istream::set_window(std::span<const std::byte> bytes, std::uint64_t off
 
 std::size_t Scl_unbuffered_istream::read_at(std::uint64_t offset, std::size_t count,
                                             void* destination, Scl_status& status) const {
-    if (buffer() == nullptr) return 0;
+    if (buffer() == nullptr) {
+        status.push(SCL_STATUS_OUT_OF_BOUNDS);
+        return 0;
+    }
     return buffer()->read_at(offset, {static_cast<std::byte*>(destination), count}, status);
 }
 

@@ -5,7 +5,8 @@
 
 namespace scl {
 
-enum class Scl_seek : unsigned { absolute = 0, relative = 1, from_end = 2 };
+// What the offset of a seek counts from; only steps from the position are needed.
+enum class Scl_seek : unsigned { relative = 1 };
 
 // A reader with a position over a buffer, which must outlive the attachment. Whatever is asked for
 // and is not there in full sets SCL_STATUS_END_OF_DATA; an integer read then leaves its value
@@ -38,8 +39,8 @@ public:
     [[nodiscard]] std::uint64_t tell() const { return window_end_offset_ - at_hand(); }
     // Never fails: a read from a position beyond the end does.
     void set_position(std::uint64_t position);
-    // A target beyond the end sets SCL_STATUS_END_OF_DATA, one before the start
-    // SCL_STATUS_OUT_OF_BOUNDS; the position then stays.
+    // Steps `offset` bytes from the position. A target beyond the end sets SCL_STATUS_END_OF_DATA,
+    // one before the start SCL_STATUS_OUT_OF_BOUNDS; the position then stays.
     void seek(Scl_seek mode, std::int64_t offset, Scl_status& status);
 
     [[nodiscard]] std::uint64_t size(Scl_status& status) const;
@@ -47,7 +48,7 @@ public:
 protected:
     Scl_istream() = default;
 
-    void attach(const Scl_buffer& buffer, bool at_end, Scl_status& status);
+    void attach(const Scl_buffer& buffer, Scl_status& status);
     [[nodiscard]] const Scl_buffer* buffer() const { return buffer_; }
     [[nodiscard]] std::size_t at_hand() const {
         return static_cast<std::size_t>(window_end_ - window_at_);
@@ -91,12 +92,14 @@ private:
 // Every read goes straight to the buffer; for few, large reads at chosen offsets.
 class Scl_unbuffered_istream final : public Scl_istream {
 public:
-    Scl_unbuffered_istream(const Scl_buffer& buffer, bool at_end, Scl_status& status,
+    // The second argument is false: reading starts at the data's front.
+    Scl_unbuffered_istream(const Scl_buffer& buffer, bool /*at_end*/, Scl_status& status,
                            Scl_eol /*eol*/) {
-        attach(buffer, at_end, status);
+        attach(buffer, status);
     }
 
-    // Reads without moving the position; 0 bytes at the end.
+    // Reads without moving the position; 0 bytes at the end. Pushes what the buffer's read_at does,
+    // and SCL_STATUS_OUT_OF_BOUNDS when not attached.
     std::size_t read_at(std::uint64_t offset, std::size_t count, void* destination,
                         Scl_status& status) const;
 

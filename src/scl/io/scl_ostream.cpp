@@ -27,12 +27,29 @@ void Scl_ostream::flush(Scl_status& status) {
     used_ = 0;
 }
 
-void Scl_ostream::write(std::size_t count, const void* source, Scl_status& status) {
-    if (count > capacity_ - used_) flush(status);
-    if (count > capacity_) {
-        if (buffer_ == nullptr) return;
+// False, with an error in the status, when there is nowhere to write to.
+bool Scl_ostream::flush_attached(Scl_status& status) {
+    if (buffer_ == nullptr) {
+        if (!status.has_failed()) status.push(SCL_STATUS_OUT_OF_BOUNDS);
+        return false;
+    }
+    flush(status);
+    return true;
+}
+
+// After a failed flush these bytes are dropped as well: written where they belong they would lie
+// beyond the buffer's end, and that would be reported in place of what really went wrong.
+void Scl_ostream::write_past_storage(std::size_t count, const void* source, Scl_status& status) {
+    if (!status.has_failed()) {
         buffer_->write_at(begin_offset_, {static_cast<const std::byte*>(source), count}, status);
-        begin_offset_ += count;
+    }
+    begin_offset_ += count;
+}
+
+void Scl_ostream::write(std::size_t count, const void* source, Scl_status& status) {
+    if (count > capacity_ - used_ && !flush_attached(status)) return;
+    if (count > capacity_) {
+        write_past_storage(count, source, status);
     } else if (count != 0) {
         std::memcpy(storage_.get() + used_, source, count);
         used_ += count;

@@ -13,6 +13,7 @@ namespace scl {
 // A buffered writer with a position over a buffer, which must outlive the attachment. What the
 // buffer reports when bytes reach it goes into the status of the call that sent them there, at the
 // latest into that of flush() or detach(): call one of them before trusting what was written.
+// Writing without a buffer attached sets SCL_STATUS_OUT_OF_BOUNDS.
 class Scl_ostream {
 public:
     Scl_ostream() = default;
@@ -64,11 +65,13 @@ private:
     // Large, so that the system is seldom called: a call costs as much as some hundred records.
     static constexpr std::size_t STORAGE_BYTES = std::size_t{256} << 10;
 
-    // Where `count` bytes, few against STORAGE_BYTES, can be stored; null after a failure.
+    // Where `count` bytes, few against STORAGE_BYTES, can be stored; null when not attached.
     [[nodiscard]] std::byte* make_room(std::size_t count, Scl_status& status) {
-        if (capacity_ - used_ < count) flush(status);
-        return capacity_ - used_ < count ? nullptr : storage_.get() + used_;
+        if (capacity_ - used_ < count && !flush_attached(status)) return nullptr;
+        return storage_.get() + used_;
     }
+    [[nodiscard]] bool flush_attached(Scl_status& status);
+    void write_past_storage(std::size_t count, const void* source, Scl_status& status);
 
     Scl_buffer* buffer_ = nullptr;
     std::unique_ptr<std::byte[]> storage_;

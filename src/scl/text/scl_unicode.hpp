@@ -78,11 +78,6 @@ extern const std::array<std::uint8_t, SCL_UNICODE_BIT_TABLE_LEN> SCL_UNICODE_BIT
     return static_cast<Scl_unicode_code_point_type>(impl::scl_unicode_bits(code_point) & 7U);
 }
 
-// The word-break property of any code point; `other` for a lone surrogate.
-[[nodiscard]] inline Scl_word_break scl_word_break(char32_t code_point) {
-    return static_cast<Scl_word_break>(impl::scl_unicode_bits(code_point) >> 3U);
-}
-
 // True for a code point that has the property White_Space. All of them are single 16-bit units.
 [[nodiscard]] inline bool scl_is_white_space(char32_t code_point) {
     return scl_code_point_type(code_point) == Scl_unicode_code_point_type::white_space;
