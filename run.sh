@@ -2,26 +2,33 @@
 # Sets up what is missing, builds dsmake (Release) and makes a data set from the example customers.
 # With arguments, passes them to dsmake instead, in the current directory.
 set -eu
-here=$(cd "$(dirname "$0")" && pwd)
-"$here/tools/setup.sh" g++ cmake ninja-build
-program=$here/build/run/src/driver/dsmake
-[ $# -gt 0 ] || echo 'Compiling dsmake, which takes about a minute the first time.'
-{
-    cmake -S "$here" -B "$here/build/run" -G Ninja -DCMAKE_BUILD_TYPE=Release
-    cmake --build "$here/build/run"
-} >"$here/build-log.txt" 2>&1 || { cat "$here/build-log.txt" >&2; exit 1; }
-rm -f "$here/build-log.txt"
+here=$(cd "$(dirname "$(readlink -f "$0")")" && pwd)
+build=$here/build/run
+program=$build/src/driver/dsmake
+
+# A checkout that is built and cannot be written is used as it is.
+if [ -w "$here" ] || [ ! -x "$program" ]; then
+    "$here/tools/setup.sh" g++:g++ cmake:cmake ninja-build:ninja
+    [ $# -gt 0 ] || [ -x "$program" ] ||
+        echo 'Compiling dsmake, which takes about a minute the first time.'
+    log=$(mktemp)
+    {
+        cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release
+        cmake --build "$build"
+    } >"$log" 2>&1 || { cat "$log" >&2; rm -f "$log"; exit 1; }
+    rm -f "$log"
+fi
 if [ $# -gt 0 ]; then
     exec "$program" "$@"
 fi
 
 out=$here/out
-mkdir -p "$out"
+mkdir -p "$out" 2>/dev/null && [ -w "$out" ] || out=$(mktemp -d)
 rm -f "$out/customers.ds"
 cd "$out"
 schema='FirstName,Simple;Surname,SimpleNC;City,SimpleNC;CardNum,CCNUMBER'
-echo "Building out/customers.ds from examples/customers.tsv:"
-echo "  dsmake -k Surname -k CardNum -s \"$schema\" -i examples/customers.tsv -o out/customers.ds"
+echo "Building customers.ds in $out from examples/customers.tsv:"
+echo "  dsmake -k Surname -k CardNum -s \"$schema\" -i examples/customers.tsv -o customers.ds"
 "$program" -k Surname -k CardNum -s "$schema" -i "$here/examples/customers.tsv" -o customers.ds
 
 number() { # OFFSET SIZE: a little-endian number of the file, in hex

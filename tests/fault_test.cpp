@@ -8,8 +8,6 @@ namespace {
 using test::Outcome;
 using test::Workplace;
 
-constexpr const char* PRELOAD = "LD_PRELOAD=" DSMAKE_FAIL_NTH;
-
 // Nothing may be lost without a word: either the right file, or a message, exit status 255 and no
 // file. The one exception is a scratch file that cannot be set up, which ends silently by
 // definition, the output empty.
@@ -29,6 +27,9 @@ void expect_honest(const Outcome& outcome, const Workplace& place, const std::st
 void fail_each_operation(const std::vector<std::string>& arguments, const std::string& input,
                          const std::string& kind, int expected_failures) {
     const Workplace place;
+    // The loader takes a space in a library's path for the end of it.
+    std::filesystem::copy_file(DSMAKE_FAIL_NTH, place.path("fail_nth.so"));
+    const std::string preload = "LD_PRELOAD=" + place.path("fail_nth.so").string();
     place.write("in", input);
     ASSERT_EQ(place.run(arguments).exit_status, 0);
     const std::string expected = place.read("out");
@@ -38,7 +39,7 @@ void fail_each_operation(const std::vector<std::string>& arguments, const std::s
         place.remove("out");
         place.remove("failed");
         const Outcome outcome =
-            place.run(arguments, {PRELOAD, "ASAN_OPTIONS=verify_asan_link_order=0",
+            place.run(arguments, {preload, "ASAN_OPTIONS=verify_asan_link_order=0",
                                   "FAIL_AT=" + std::to_string(operation), kind,
                                   "FAIL_REPORT=" + place.path("failed").string()});
         expect_honest(outcome, place, expected);

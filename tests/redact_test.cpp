@@ -4,11 +4,13 @@
 
 namespace {
 
+const std::string REDACT = "'" DSMAKE_REDACT "' ";
+
 // What the example makes of a file, or its exit status when it fails.
 std::string redacted(const std::string& text, const std::string& note = "'Checked.'") {
     const test::Workplace place;
     place.write("in", text);
-    const test::Outcome outcome = place.shell(DSMAKE_REDACT " in out " + note);
+    const test::Outcome outcome = place.shell(REDACT + "in out " + note);
     return outcome.exit_status == 0 ? place.read("out") : outcome.err;
 }
 
@@ -32,8 +34,8 @@ TEST(RedactExample, SaysWhatFails) {
     EXPECT_EQ(redacted("", "a b"), "usage: redact IN OUT [NOTE]\n");
     const test::Workplace place;
     place.write("in", "a");
-    EXPECT_EQ(place.shell(DSMAKE_REDACT " in in").exit_status, 1);
-    EXPECT_EQ(place.shell(DSMAKE_REDACT " none out").exit_status, 1);
+    EXPECT_EQ(place.shell(REDACT + "in in").exit_status, 1);
+    EXPECT_EQ(place.shell(REDACT + "none out").exit_status, 1);
     EXPECT_FALSE(place.exists("out"));
     EXPECT_EQ(place.read("in"), "a");
 }

@@ -179,10 +179,10 @@ TEST_F(Stream, AFailedFlushIsWhatALargeWriteReports) {
     Full_buffer full;
     scl::Scl_ostream out(full, status, Scl_eol::none);
     out.write("lost", status);
-    out.write(std::string(200000, 'x'), status);
+    out.write(std::string(300000, 'x'), status);
     EXPECT_EQ(status.entries().size(), 1U);
     EXPECT_TRUE(reported(scl::SCL_STATUS_WRITE_FAILED));
-    EXPECT_EQ(out.tell(), 200004U);
+    EXPECT_EQ(out.tell(), 300004U);
 }
 
 TEST_F(Stream, WritingToADetachedStreamIsReported) {
