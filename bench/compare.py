@@ -15,12 +15,14 @@ CREATE TABLE record (first TEXT, surname TEXT, card TEXT);
 CREATE INDEX by_surname ON record (surname);
 COMMIT;
 """
-# job, the one it is compared with, the highest ratio
+# With fewer records the start of a process is most of the time.
+JUDGED_FROM = 1_000_000
+# job, the one it is compared with, the highest ratio of elapsed times
 TARGETS = (
-    ("ascii", "cdb", 0.7),
-    ("ascii", "sort", 0.7),
-    ("ascii", "sqlite3", 0.35),
-    ("mixed", "ascii", 1.5),
+    ("ascii", "cdb", 0.27),
+    ("ascii", "sort", 0.5),
+    ("ascii", "sqlite3", 0.12),
+    ("mixed", "ascii", 2.2),
     ("dupkey", "unique", 2.0),
     ("same", "unique", 2.0),
 )
@@ -89,17 +91,22 @@ def main():
             f" {cpu[name]:9.2f} {records / median[name]:11.0f} {peaks[name]:9}"
         )
     print()
+    is_judged = records >= JUDGED_FROM
+
+    def judge(is_missed):
+        nonlocal missed
+        missed += is_judged and is_missed
+        return "not judged" if not is_judged else "MISSED" if is_missed else "held"
+
     for job, other, target in TARGETS:
         ratio = median[job] / median[other]
-        missed += ratio > target
-        verdict = "MISSED" if ratio > target else "held"
+        verdict = judge(ratio > target)
         print(
-            f"{job:6} / {other:7} {ratio:5.2f}  target {target:4.2f}  {verdict:6}"
+            f"{job:6} / {other:7} {ratio:5.2f}  target {target:4.2f}  {verdict:10}"
             f"  (processor time {cpu[job] / cpu[other]:4.2f})"
         )
     for name in PROFILES:
-        missed += peaks[name] > limit
-        verdict = "MISSED" if peaks[name] > limit else "held"
+        verdict = judge(peaks[name] > limit)
         print(f"memory {name:8} {peaks[name]:7} KiB  limit {limit} KiB  {verdict}")
     sys.exit(1 if missed else 0)
 
