@@ -1,11 +1,9 @@
 #pragma once
 
+#include "scl/text/scl_text_span.hpp"
+
 #include <cstddef>
 #include <cstdint>
-
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
 
 namespace tla {
 
@@ -38,7 +36,7 @@ struct Delimiters {
     return found;
 }
 
-#if defined(__SSE2__)
+#if SCL_WITH_SSE2
 
 // The same, 16 bytes at a time.
 [[nodiscard]] inline Delimiters find_delimiters(const char* block) {

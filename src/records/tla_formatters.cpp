@@ -10,10 +10,6 @@
 #include <cstdint>
 #include <cstring>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 namespace tla {
 
 namespace {
@@ -29,7 +25,7 @@ bool is_separator(Unit unit) {
 // The separators of a block, a bit for each byte.
 std::uint32_t find_separators(const char* block) {
     std::uint32_t found = 0;
-#if defined(__SSE2__)
+#if SCL_WITH_SSE2
     const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block));
     const __m128i hits = _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('-')),
                                       _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' ')));

@@ -13,10 +13,6 @@
 #include <limits>
 #include <type_traits>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-#endif
-
 // Runs of letters, digits and connectors, which nearly all words are. Whatever of them comes first,
 // the next one joins it, so that a run needs no step of the rules for each character.
 namespace txt::impl {
@@ -50,7 +46,7 @@ using Block_mask [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = std::uint64_t;
 
 // How many bytes of a block, from the first on, are all ones.
 [[nodiscard]] inline std::size_t leading_ones(const Block_mask& mask) {
-#if defined(__SSE2__)
+#if SCL_WITH_SSE2
     const int bits = _mm_movemask_epi8(std::bit_cast<__m128i>(mask));
     return static_cast<std::size_t>(std::countr_one(static_cast<unsigned>(bits)));
 #else

@@ -24,7 +24,7 @@ namespace scl::impl {
 // Whether the processor has the instructions. Asked anew each time, a look at one word of memory: a
 // constant set at the program's start would still be empty for other constants that start with it.
 [[nodiscard]] inline bool has_carryless_multiply() {
-#if defined(__x86_64__)
+#if defined(__x86_64__) && !defined(DSMAKE_PORTABLE)
     return __builtin_cpu_supports("pclmul") != 0 && __builtin_cpu_supports("ssse3") != 0 &&
            __builtin_cpu_supports("sse4.1") != 0;
 #else

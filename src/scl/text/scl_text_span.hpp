@@ -8,6 +8,15 @@
 #include <string_view>
 #include <type_traits>
 
+// The few places that use instructions of particular processors beyond what the compiler makes of
+// vectors. Without them the same comes out.
+#if defined(__SSE2__) && !defined(DSMAKE_PORTABLE)
+#define SCL_WITH_SSE2 1
+#include <emmintrin.h>
+#else
+#define SCL_WITH_SSE2 0
+#endif
+
 namespace scl {
 
 // A block of text, in bytes, that is looked at in one step.
