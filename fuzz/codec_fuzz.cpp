@@ -2,6 +2,7 @@
 //
 // The input: a byte of options, a byte that counts operations, four bytes for each, the content.
 
+#include "../tests/piecewise_buffer.hpp"
 #include "edit_model.hpp"
 #include "scl/io/scl_buffers.hpp"
 #include "txtdfc/txtdfc_format_codec.hpp"
@@ -44,22 +45,6 @@ std::u16string text_of(Bytes bytes, bool is_raw) {
     return text;
 }
 
-// Not to be read in place.
-class File_like_buffer final : public scl::Scl_buffer {
-public:
-    explicit File_like_buffer(std::u16string_view text) : bytes_(text) {}
-    [[nodiscard]] std::uint64_t size(bool in_units, scl::Scl_status& status) const override {
-        return bytes_.size(in_units, status);
-    }
-    std::size_t read_at(std::uint64_t offset, std::span<std::byte> bytes,
-                        scl::Scl_status& status) const override {
-        return bytes_.read_at(offset, bytes, status);
-    }
-
-private:
-    scl::Scl_wstring_buffer bytes_;
-};
-
 // A codec and the model of what it holds, side by side.
 class Pair {
 public:
@@ -77,16 +62,19 @@ public:
 
     // A kind, a token, and two numbers.
     void operate(std::span<const std::uint8_t, 4> operation) {
-        const std::uint8_t kind = operation[0] % 8;
+        const std::uint8_t kind = operation[0] % 9;
         const std::u16string note = text_of(operation.last(3), false);
-        if (kind >= 5) return transact(kind);
+        if (kind >= 5 && kind != 8) return transact(kind);
         if (kind == 3) return check(codec_.insert_content_front(note) == insert_front(note));
         if (kind == 4) return check(codec_.insert_content_back(note) == insert_back(note));
         if (tokens_.empty()) return;
-        txtdfc::Txtdfc_physical_token& token = *tokens_[operation[1] % tokens_.size()];
+        const std::size_t place = operation[1] % tokens_.size();
+        txtdfc::Txtdfc_physical_token& token = *tokens_[place];
         if (kind == 0) check(token.remove() == edit(token, 0, token.text_entry().size(), u""));
         if (kind == 1) replace(token, note.substr(0, operation[1] % 4), operation[2], operation[3]);
         if (kind == 2) redact(token, operation[2] % 8, operation[3] % 8);
+        if (kind == 8)
+            make_safe(token, *tokens_[std::max<std::size_t>(place, operation[2] % tokens_.size())]);
     }
 
     void finish() {
@@ -150,6 +138,18 @@ private:
         check(token.redact(skip, count) == expected);
     }
 
+    // Of one token, or of a run in which a second one ends.
+    void make_safe(txtdfc::Txtdfc_physical_token& front, txtdfc::Txtdfc_physical_token& back) {
+        const std::size_t begin = front.content_offset() / 2;
+        const std::size_t end = back.content_offset() / 2 + back.text_entry().size();
+        const std::u16string text = content_.substr(begin, end - begin);
+        txt::Txt_token& token = &front == &back
+                                    ? static_cast<txt::Txt_token&>(front)
+                                    : view_->add_virtual_token(txt::TXT_TOKEN_WORD, front, back);
+        check(token.text_entry() == text);
+        check(token.make_safe() == model_.edit(begin, text.size(), fuzz::safe_text_of(text)));
+    }
+
     [[nodiscard]] std::u16string_view line_end() const {
         const std::size_t last = content_.rfind(u'\n');
         const bool is_lf =
@@ -200,7 +200,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const Bytes operations = input.subspan(2, 4 * count);
     const std::u16string content = text_of(input.subspan(2 + 4 * count), (input[0] & 1U) != 0);
     const scl::Scl_wstring_buffer in_memory(content);
-    const File_like_buffer file_like(content);
+    const test::Piecewise_buffer file_like(in_memory);
     const bool is_file = (input[0] & 2U) != 0;
     Pair pair(content, is_file ? static_cast<const scl::Scl_buffer&>(file_like) : in_memory);
     for (std::size_t i = 0; i < count; ++i) {

@@ -78,4 +78,15 @@ Redacted redaction_of(std::u16string_view text, std::size_t skip, std::size_t co
     return {starts[first], starts[past(last)], count};
 }
 
+std::u16string safe_text_of(std::u16string_view text) {
+    using Class = scl::Scl_unicode_code_point_type;
+    std::u16string safe;
+    for (std::size_t at = 0; at < text.size();) {
+        const char32_t character = scl::scl_utf16_to_utf32_char(text, at);
+        const bool is_surrogate = character >= 0xD800 && character < 0xE000;
+        if (scl::scl_code_point_type(character) != Class::attached && !is_surrogate) safe += u'*';
+    }
+    return safe.empty() && !text.empty() ? u"*" : safe;
+}
+
 } // namespace fuzz

@@ -17,7 +17,7 @@ public:
         }
     }
 
-    // False, and nothing is done, when the range overlaps an earlier one, or an insert stands in
+    // False, and nothing is done, when the range overlaps an earlier one, or an insert is inside
     // the one or the other.
     bool edit(std::size_t offset, std::size_t length, std::u16string_view text);
     [[nodiscard]] bool is_edited() const { return is_edited_; }
@@ -54,5 +54,8 @@ struct Redacted {
     std::size_t count;
 };
 [[nodiscard]] Redacted redaction_of(std::u16string_view text, std::size_t skip, std::size_t count);
+
+// What becomes of a text of which nothing may be read any more.
+[[nodiscard]] std::u16string safe_text_of(std::u16string_view text);
 
 } // namespace fuzz

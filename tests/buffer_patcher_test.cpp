@@ -1,9 +1,6 @@
-#include "fuzz/edit_model.hpp"
 #include "scl/io/scl_buffers.hpp"
 #include "token_support.hpp"
 #include "ucl/ucl_buffer_patcher.hpp"
-
-#include <random>
 
 namespace {
 
@@ -15,27 +12,7 @@ std::u16string applied(const ucl::Ucl_buffer_patcher& patcher, std::u16string_vi
     return test::text_in(output);
 }
 
-TEST(BufferPatcher, DoesWhatTheSlowModelDoes) {
-    std::mt19937 random(5); // NOLINT: the same numbers each time
-    ucl::Ucl_buffer_patcher patcher;
-    for (int round = 0; round < 3000; ++round) {
-        const std::u16string content = std::u16string(u"abcdefghij").substr(random() % 11);
-        fuzz::Edit_model model(content);
-        for (char16_t letter = u'A'; letter < u'I'; ++letter) {
-            const std::size_t offset = random() % (content.size() + 1);
-            const std::size_t length = random() % (content.size() - offset + 1) / 2;
-            const std::u16string text(random() % 3, letter);
-            ASSERT_EQ(patcher.add_edit(2 * offset, 2 * length, text),
-                      model.edit(offset, length, text));
-        }
-        ASSERT_EQ(patcher.committed(), model.is_edited());
-        ASSERT_EQ(applied(patcher, content), model.text());
-        ASSERT_EQ(applied(patcher, content), model.text()) << "the queue stays";
-        patcher.reset();
-    }
-}
-
-TEST(BufferPatcher, RefusesOddNumbersAndRangesThatDoNotEnd) {
+TEST(Buffer_patcher, RefusesOddNumbersAndRangesThatDoNotEnd) {
     ucl::Ucl_buffer_patcher patcher;
     EXPECT_FALSE(patcher.add_insert(1, u"x"));
     EXPECT_FALSE(patcher.add_delete(0, 1));
@@ -44,7 +21,7 @@ TEST(BufferPatcher, RefusesOddNumbersAndRangesThatDoNotEnd) {
     EXPECT_EQ(patcher.size(), 0U);
 }
 
-TEST(BufferPatcher, TransactionsAreOnTrial) {
+TEST(Buffer_patcher, TransactionsAreOnTrial) {
     ucl::Ucl_buffer_patcher patcher;
     EXPECT_FALSE(patcher.commit() || patcher.rollback());
     EXPECT_TRUE(patcher.begin() && !patcher.begin());
@@ -58,12 +35,14 @@ TEST(BufferPatcher, TransactionsAreOnTrial) {
     EXPECT_TRUE(patcher.rollback() && !patcher.in_transaction());
     EXPECT_TRUE(patcher.add_edit(4, 2, u"C"));
     EXPECT_EQ(applied(patcher, u"abc"), u"bC");
-    EXPECT_TRUE(patcher.begin());
+    EXPECT_EQ(applied(patcher, u"abc"), u"bC"); // the queue stays
+    EXPECT_TRUE(patcher.begin() && patcher.add_insert(0, u"x"));
     patcher.reset();
     EXPECT_FALSE(patcher.commit());
+    EXPECT_TRUE(patcher.begin() && patcher.rollback());
 }
 
-TEST(BufferPatcher, PastTheContentNothingIsWritten) {
+TEST(Buffer_patcher, PastTheContentNothingIsWritten) {
     for (const std::uint64_t offset : {std::uint64_t{6}, std::uint64_t{1} << 40U}) {
         ucl::Ucl_buffer_patcher patcher;
         EXPECT_TRUE(patcher.add_insert(0, u"x") && patcher.add_delete(offset, 2));

@@ -5,7 +5,30 @@
 #include "txtdfc/token_reader.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
+#include <cstdlib>
+#include <new>
 #include <random>
+
+namespace {
+
+constexpr std::size_t NO_LIMIT = ~std::size_t{0};
+std::size_t allocations_left = NO_LIMIT; // after these, all of this program fail
+
+} // namespace
+
+// Not inline, or GCC takes them for a new and a free that do not fit each other.
+[[gnu::noinline]] void* operator new(std::size_t size) {
+    void* const memory = allocations_left != 0 ? std::malloc(size) : nullptr;
+    if (memory == nullptr) throw std::bad_alloc();
+    --allocations_left;
+    return memory;
+}
+[[gnu::noinline]] void operator delete(void* memory) noexcept {
+    std::free(memory);
+}
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept {
+    std::free(memory);
+}
 
 namespace {
 
@@ -15,8 +38,10 @@ using test::Piece;
 using txt::Txt_text_form;
 
 constexpr std::uint32_t WORD = 0x1000002;
+constexpr const char* NO_VIEW =
+    "runtime: Txtdfc_format_codec::create_text_view() - tokenisation failed";
 
-TEST(Codec, TokenAnswersForItsText) {
+TEST(Format_codec, TokenAnswersForItsText) {
     Bench bench;
     const std::u16string long_text(40000, u'x');
     const txt::Txt_physical_token* token = nullptr;
@@ -42,16 +67,7 @@ TEST(Codec, TokenAnswersForItsText) {
     EXPECT_EQ(token->next(), nullptr);
 }
 
-TEST(Codec, ByteOrderMarkIsNotText) {
-    EXPECT_EQ(test::pieces_of(u"\uFEFFab\uFEFF"),
-              (std::vector<Piece>{{u"ab\uFEFF", u"", WORD, 2}}));
-    EXPECT_EQ(Bench().attach(u"\uFEFF"), nullptr);
-    Bench asking(true);
-    ASSERT_NE(asking.attach(u"\uFEFF"), nullptr);
-    EXPECT_EQ(asking.view()->cfront(), nullptr);
-}
-
-TEST(Codec, OneViewForEachAttachment) {
+TEST(Format_codec, OneViewForEachAttachment) {
     Bench bench;
     EXPECT_EQ(bench.view(), nullptr);
     bench.status.push(scl::SCL_STATUS_READ_FAILED);
@@ -62,10 +78,11 @@ TEST(Codec, OneViewForEachAttachment) {
     EXPECT_EQ(bench.codec.text_view(1, cursor), nullptr);
     EXPECT_EQ(cursor, 0xFFFFFFFF);
     EXPECT_EQ(bench.codec.text_view(0, cursor), nullptr);
-    EXPECT_EQ(bench.attach(u""), nullptr);
+    EXPECT_TRUE(bench.attach(u"") == nullptr && bench.attach(u"\uFEFF") == nullptr);
+    EXPECT_EQ(Bench(true).attach(u"\uFEFF")->cfront(), nullptr);
 }
 
-TEST(Codec, GivesOnlyTheFacetsGranted) {
+TEST(Format_codec, GivesOnlyTheFacetsGranted) {
     for (const auto& granted : {dff::DFF_TEXT_FACET_ID, dff::DFF_ANNOTATION_FACET_ID}) {
         const dfc::Dfc_facet_set only{granted};
         txtdfc::Txtdfc_format_codec codec(&only, nullptr, nullptr, false);
@@ -77,23 +94,46 @@ TEST(Codec, GivesOnlyTheFacetsGranted) {
     }
 }
 
-TEST(Codec, AttachTurnsExceptionsIntoCodes) {
+TEST(Format_codec, FailedAttachSaysWhyAndLeavesNothingOfTheContentBefore) {
     const scl::Scl_wstring_buffer whole(u"x");
     test::Piecewise_buffer content(whole);
-    Bench bench;
-    const auto code_of = [&](std::function<void(scl::Scl_status&)> fault) { // asked for its size
+    const auto attached = [&](std::function<void(scl::Scl_status&)> fault) { // asked for its size
         content.size_fault = std::move(fault);
-        bench.codec.attach(&content, bench.status);
-        return bench.status.value();
+        Bench bench(true);
+        bench.attach(u"before");
+        scl::Scl_status fresh; // which has taken no memory yet
+        bench.codec.attach(&content, fresh);
+        allocations_left = NO_LIMIT;
+        EXPECT_EQ(message_of([&] { bench.view(); }), NO_VIEW);
+        EXPECT_FALSE(bench.codec.insert_content_back(u"n")); // who knows where that is
+        return fresh;
     };
-    EXPECT_EQ(code_of([](scl::Scl_status& status) { status.push(0xC2000013); }), 0xC2000013);
-    EXPECT_EQ(code_of([](scl::Scl_status&) { throw std::bad_alloc(); }), 0xC2000001);
-    EXPECT_EQ(code_of([](scl::Scl_status&) { throw 1; }), 0xC200006A);
-    EXPECT_EQ(code_of([](scl::Scl_status&) { throw std::runtime_error("gone"); }), 0xC200006B);
-    EXPECT_EQ(bench.status.entries().back().argument->text(), u"gone");
+    const std::runtime_error gone("gone");
+    EXPECT_EQ(attached([](scl::Scl_status& status) { status.push(0xC2000013); }), 0xC2000013);
+    EXPECT_EQ(attached([](scl::Scl_status&) { throw allocations_left = 0; }), 0xC200006A);
+    const scl::Scl_status told = attached([&](scl::Scl_status&) { throw gone; });
+    EXPECT_TRUE(told == 0xC200006B && told.entries()[0].argument->text() == u"gone");
+    const auto without_memory = [&](scl::Scl_status&) {
+        allocations_left = 0;
+        throw gone;
+    };
+    EXPECT_EQ(attached(without_memory), 0xC2000001);
+    content.contents_fault = [] { throw std::bad_alloc(); };
+    EXPECT_EQ(attached({}), 0xC2000001);
 }
 
-TEST(Codec, ViewSaysWhyThereIsNone) {
+TEST(Format_codec, ViewShowsWhatWasWrittenAfterAttaching) {
+    const std::u16string text(5000, u'x');
+    const auto bytes = std::as_bytes(std::span(text));
+    scl::Scl_heap_buffer content;
+    Bench bench;
+    content.write_at(0, bytes, bench.status);
+    bench.codec.attach(&content, bench.status);
+    content.write_at(bytes.size(), bytes, bench.status); // which moves it in memory
+    EXPECT_EQ(bench.view()->create_string(), text + text);
+}
+
+TEST(Format_codec, ViewSaysWhyThereIsNone) {
     Bench bench(true);
     EXPECT_EQ(message_of([&] { bench.view(); }),
               "logic: Txtdfc_format_codec::create_text_view() - no content attached");
@@ -102,14 +142,13 @@ TEST(Codec, ViewSaysWhyThereIsNone) {
     test::Piecewise_buffer content(whole, 150000);
     bench.codec.attach(&content, bench.status);
     for (int attempt = 0; attempt < 2; ++attempt) {
-        EXPECT_EQ(message_of([&] { bench.view(); }),
-                  "runtime: Txtdfc_format_codec::create_text_view() - tokenisation failed");
+        EXPECT_EQ(message_of([&] { bench.view(); }), NO_VIEW);
     }
     content.fails_from = test::Piecewise_buffer::NEVER;
     EXPECT_EQ(test::pieces_of(bench.view()), (std::vector<Piece>{{text, u"", WORD, 0}}));
 }
 
-TEST(Codec, ContentReadInWindowsHasTheSameTokens) {
+TEST(Format_codec, ContentReadInWindowsHasTheSameTokens) {
     std::mt19937 random(7);
     const std::u16string alphabet = u"ab1_.'\",: \n\u0308\u200D\u05D0\u231A\xD83D";
     std::u16string text;
@@ -122,7 +161,7 @@ TEST(Codec, ContentReadInWindowsHasTheSameTokens) {
     EXPECT_TRUE(test::pieces_of(bench.attach(content)) == test::pieces_of(text));
 }
 
-TEST(TokenValues, AreThoseOfTheView) {
+TEST(Token_values, AreThoseOfTheView) {
     std::mt19937 random(8);
     const std::u16string alphabet =
         u"abcdeXYZ12_\u00E9\u044F.'\", \n\u0308\u200D\u05D0\u231A\uFEFF\u000B\u3000";
@@ -164,15 +203,15 @@ struct Deaf_sink {
     void add_trailer(auto&&...) const {}
 };
 
-TEST(TokenReader, RefusesATokeniserThatBreaksItsContract) {
+TEST(Token_reader, RefusesATokeniserThatBreaksItsContract) {
     const auto fault_of = [](std::vector<unsigned> script) {
-        const std::u16string text = u"ab";
+        const scl::Scl_wstring_buffer content(u"ab");
         cerc::Cerc_utf16_reader reader;
-        reader.attach(std::as_bytes(std::span(text)));
+        scl::Scl_status status;
+        reader.attach(content, status, false);
         Scripted_tokeniser tokeniser{std::move(script)};
         txt::Txt_text_store store;
         Deaf_sink sink;
-        scl::Scl_status status;
         return message_of(
             [&] { txtdfc::Token_reader(reader, tokeniser, store, sink).read_all(status); });
     };
@@ -187,17 +226,25 @@ TEST(TokenReader, RefusesATokeniserThatBreaksItsContract) {
     EXPECT_EQ(fault_of({0, 2, 1, 3, 1, 4}), "nothing thrown");
 }
 
-TEST(TokenPool, LimitCountsAllTokensEverMade) {
+TEST(Token_pool, LimitCountsAllTokensButThoseGivenBack) {
     Bench bench(false, nullptr, 3);
     EXPECT_EQ(test::pieces_of(bench.attach(std::u16string(3000, u'!'))).size(), 3000U);
+    void* const front = dynamic_cast<void*>(bench.view()->cfront());
+    void* const back = dynamic_cast<void*>(bench.view()->cback());
     EXPECT_EQ(message_of([&] { bench.attach(u"!"); }),
               "runtime: Too many tokens are required to tokenise the text (over 3000).  "
               "Tokenisation has failed.");
+    bench.pool.give_back(back);
+    bench.pool.give_back(front);
+    txt::Txt_text_view& view = *bench.attach(u"a b");
+    EXPECT_EQ(dynamic_cast<void*>(view.cfront()), front); // the last one given back first
+    EXPECT_EQ(dynamic_cast<void*>(view.cback()), back);
+    EXPECT_THROW((void)bench.pool.take(), std::bad_alloc);
     EXPECT_EQ(txtdfc::Txtdfc_token_pool().limit(), 15000000U);
 }
 
 // One that looks back again and again would not come to an end.
-TEST(Codec, TakesLinearTimeForAnyText) {
+TEST(Format_codec, TakesLinearTimeForAnyText) {
     constexpr std::size_t UNITS = 1000000;
     const std::u16string marks(UNITS, u'\u0308');
     std::vector<std::u16string> texts = {u"a'" + marks, u"a'" + marks + u"!", u"1," + marks + u"a"};

@@ -13,7 +13,7 @@ using test::message_of;
 using test::token_at;
 
 // Tokens, redaction, replacing, notes at both ends, line ends and transactions.
-TEST(Editing, DoesWhatTheSlowModelDoes) {
+TEST(Format_codec, DoesWhatTheSlowModelDoes) {
     std::mt19937 random(9); // NOLINT: the same numbers each time
     for (int round = 0; round < 20000; ++round) {
         const std::size_t operations = random() % 10;
@@ -25,22 +25,36 @@ TEST(Editing, DoesWhatTheSlowModelDoes) {
     }
 }
 
-// The last LF stands, seen from the end, at both sides of each border between chunks.
-TEST(Annotation, LastLineEndIsFoundAcrossChunks) {
+// The last LF is, seen from the end, at both sides of each border between chunks.
+TEST(Annotation_facet, LastLineEndIsFoundAcrossChunks) {
     for (const std::size_t tail : {0U, 1U, 254U, 255U, 256U, 257U, 511U, 512U, 513U, 2000U}) {
         for (const std::u16string line_end : {u"\n", u"\r\n"}) {
             std::u16string text = u"\n\r\nx" + line_end + std::u16string(tail, u'y');
+            const scl::Scl_wstring_buffer whole(text);
+            const test::Piecewise_buffer content(whole);
             Bench bench;
-            bench.attach(text);
+            bench.attach(content);
             EXPECT_TRUE(bench.codec.insert_content_back(u"n"));
+            const std::u16string composed = bench.composed();
             if (tail != 0) text += line_end;
             text += u'n';
-            EXPECT_EQ(bench.composed(), text + line_end) << tail;
+            EXPECT_EQ(composed, text + line_end) << tail;
         }
     }
 }
 
-TEST(Editing, MisuseIsToldExactly) {
+TEST(Annotation_facet, NotesGoToTheEndOfAContentThatCouldNotBeRead) {
+    const scl::Scl_wstring_buffer whole(u"one");
+    test::Piecewise_buffer content(whole, 0);
+    Bench bench;
+    bench.codec.attach(&content, bench.status);
+    EXPECT_EQ(bench.status, 0xC2000013);
+    content.fails_from = test::Piecewise_buffer::NEVER;
+    EXPECT_TRUE(bench.codec.insert_content_back(u"n"));
+    EXPECT_EQ(bench.composed(), u"one\r\nn\r\n");
+}
+
+TEST(Format_codec, MisuseIsToldExactly) {
     Bench bench;
     txtdfc::Txtdfc_format_codec& codec = bench.codec;
     const auto expect_message = [](const std::function<void()>& action, const std::string& kind,
@@ -61,7 +75,7 @@ TEST(Editing, MisuseIsToldExactly) {
     expect_message([&] { bench.composed(); }, "logic", "compose() - transaction in progress");
 }
 
-TEST(Editing, NothingIsQueuedUnlessModifiable) {
+TEST(Format_codec, NothingIsQueuedUnlessModifiable) {
     Bench bench;
     bench.codec.set_modifiable(false);
     txt::Txt_physical_token& token = *bench.attach(u"abc")->cfront();
@@ -73,7 +87,7 @@ TEST(Editing, NothingIsQueuedUnlessModifiable) {
     EXPECT_EQ(bench.composed(), u"abc"); // which clears the status
 }
 
-TEST(Editing, AttachingEndsATransactionAndDropsTheQueue) {
+TEST(Format_codec, AttachingEndsATransactionAndDropsTheQueue) {
     Bench bench;
     EXPECT_TRUE(token_at(*bench.attach(u"one two"), 1).remove());
     EXPECT_EQ(bench.composed(), u"one ");
@@ -83,25 +97,34 @@ TEST(Editing, AttachingEndsATransactionAndDropsTheQueue) {
     EXPECT_EQ(bench.composed(), u"one two");
 }
 
-TEST(Editing, RedactsWithTheViewsCharacter) {
+TEST(Physical_token, EditsHaveTheViewsCharacterAndReachOverLongTexts) {
     Bench bench;
-    txt::Txt_text_view& view = *bench.attach(u"abc d");
-    EXPECT_EQ(view.get_redaction_character(), U'*');
+    txt::Txt_text_view& view = *bench.attach(u"abc d " + std::u16string(40000, u'x') + u"!");
     view.set_redaction_character(0x10023); // of which 16 bits remain
-    EXPECT_TRUE(view.cfront()->redact(1, 0));
+    EXPECT_TRUE(token_at(view, 0).redact(1, 0));
     view.set_redaction_character(U'\u2588');
-    EXPECT_TRUE(view.cback()->make_safe());
-    EXPECT_EQ(bench.composed(), u"a## \u2588");
+    EXPECT_TRUE(token_at(view, 1).make_safe());
+    EXPECT_TRUE(token_at(view, 2).replace_text(u"y", u"", u"z"));
+    EXPECT_EQ(bench.composed(), u"a## \u2588 yz!");
 }
 
-TEST(Editing, LongTokensAreEditedWhole) {
-    Bench bench;
-    txt::Txt_text_view& view = *bench.attach(std::u16string(40000, u'x') + u"!");
-    EXPECT_TRUE(view.cfront()->replace_text(u"y", u"", u"z"));
-    EXPECT_EQ(bench.composed(), u"yz!");
+TEST(Physical_token, MadeSafeNothingOfItIsLeft) {
+    const auto made_safe = [](std::u16string text) {
+        Bench bench;
+        txt::Txt_physical_token* token = bench.attach(std::move(text))->cfront();
+        for (; token != nullptr; token = token->next()) {
+            EXPECT_TRUE(token->make_safe());
+        }
+        return bench.composed();
+    };
+    EXPECT_EQ(made_safe(u"\u1000\u103C\u102E\u1038 a\U000E0061\U000E0062."),
+              u"* **"); // signs, tags
+    EXPECT_EQ(made_safe(u"\t\U0001F600e\u0301te\u0301"), u"\t****");
+    EXPECT_EQ(made_safe({0x0301, 0x0302, u'\n', 0xD800, u'\n', 0xD800, 0x200D, 0x231A}),
+              u"*\n*\n*");
 }
 
-TEST(Editing, ComposeReportsWhatFails) {
+TEST(Format_codec, ComposeReportsWhatFails) {
     const std::u16string text(100000, u'x');
     const scl::Scl_wstring_buffer whole(text);
     test::Piecewise_buffer content(whole);

@@ -14,7 +14,7 @@ std::string redacted(const std::string& text, const std::string& note = "'Checke
     return outcome.exit_status == 0 ? place.read("out") : outcome.err;
 }
 
-TEST(RedactExample, KeepsTheLastFourDigitsOfLongNumbers) {
+TEST(Redact_example, KeepsTheLastFourDigitsOfLongNumbers) {
     EXPECT_EQ(redacted("Card 4111111111111111, ext 12345678901.\n"),
               "Card ************1111, ext 12345678901.\nChecked.\n");
     EXPECT_EQ(redacted("1,234,567,890,12.3 4111111111111111abc\n"),
@@ -24,13 +24,13 @@ TEST(RedactExample, KeepsTheLastFourDigitsOfLongNumbers) {
               "\xEF\xBB\xBF********\xD9\xA1\xD9\xA1\xD9\xA1\xD9\xA2 \xFF\nChecked.\n");
 }
 
-TEST(RedactExample, AddsTheNoteAsALine) {
+TEST(Redact_example, AddsTheNoteAsALine) {
     EXPECT_EQ(redacted("a\r\nb"), "a\r\nb\r\nChecked.\r\n");
     EXPECT_EQ(redacted("a 1\n", "''"), "a 1\n");
     EXPECT_EQ(redacted("a\n", ""), "a\nLong numbers were made unreadable.\n");
 }
 
-TEST(RedactExample, SaysWhatFails) {
+TEST(Redact_example, SaysWhatFails) {
     EXPECT_EQ(redacted("", "a b"), "usage: redact IN OUT [NOTE]\n");
     const test::Workplace place;
     place.write("in", "a");

@@ -14,7 +14,7 @@ using txt::Txt_virtual_token;
 constexpr Txt_association_kind NAME{1};
 constexpr Txt_association_kind CARD{2};
 
-class View : public testing::Test {
+class Text_view : public testing::Test {
 protected:
     txt::Txt_text_view& view_of(std::u16string text) { return *bench.attach(std::move(text)); }
     Txt_physical_token& at(int index) { return test::token_at(*bench.view(), index); }
@@ -26,7 +26,7 @@ protected:
     test::Bench bench{true, &table};
 };
 
-TEST_F(View, WalksBothWaysAndCounts) {
+TEST_F(Text_view, WalksBothWaysAndCounts) {
     const std::u16string text = u"\t\u00A0Anna, 12 + 3.5!\r\nLee";
     const txt::Txt_text_view& view = view_of(text);
     static_assert(std::bidirectional_iterator<txt::Txt_token_iterator>);
@@ -50,7 +50,7 @@ TEST_F(View, WalksBothWaysAndCounts) {
     EXPECT_TRUE(empty.cbegin() == empty.cend() && empty.vbegin() == empty.vend());
 }
 
-TEST_F(View, TokensCompareByPlace) {
+TEST_F(Text_view, TokensCompareByPlace) {
     view_of(u"a b c d e");
     Txt_physical_token& b = at(1);
     Txt_physical_token& d = at(3);
@@ -65,7 +65,7 @@ TEST_F(View, TokensCompareByPlace) {
     EXPECT_FALSE(b.is_before(*same_text.cback()) || b.contains(*same_text.cfront()->next()));
 }
 
-TEST_F(View, VirtualTokensStandForRuns) {
+TEST_F(Text_view, VirtualTokensStandForRuns) {
     txt::Txt_text_view& view = view_of(u"Mr. Ann-Lee\u0301  Smith!");
     Txt_virtual_token& name = run(7, 2, 4);
     EXPECT_EQ(std::u16string(name.formatted_text()), u"Ann-Lee\u0301  ");
@@ -86,15 +86,20 @@ TEST_F(View, VirtualTokensStandForRuns) {
     EXPECT_THROW(run(7, 2, 1), std::invalid_argument);
 }
 
-TEST_F(View, VirtualTokensAreEditedOverTheRun) {
+TEST_F(Text_view, VirtualTokensAreEditedOverTheRun) {
     const auto numbers = [&]() -> Txt_virtual_token& {
         view_of(u"a 1234 5678 90 b");
         return run(7, 1, 3);
     };
-    EXPECT_TRUE(numbers().redact(2, 5));
-    EXPECT_EQ(bench.composed(), u"a 12** ***8 90 b");
+    EXPECT_TRUE(numbers().redact(5, 4));
+    EXPECT_EQ(bench.composed(), u"a 1234 5*** *0 b");
     EXPECT_TRUE(numbers().redact(4, 0));
     EXPECT_EQ(bench.composed(), u"a 1234 **** ** b");
+    EXPECT_TRUE(numbers().make_safe());
+    EXPECT_EQ(bench.composed(), u"a ************ b");
+    view_of(u"a 1\u0301 \U000E0061\u00A02 b"); // what attaches to a blank is in the run's text
+    EXPECT_TRUE(run(7, 1, 2).make_safe());
+    EXPECT_EQ(bench.composed(), u"a **** b");
     EXPECT_TRUE(numbers().replace_text(u"x", u"<", u">"));
     EXPECT_EQ(bench.composed(), u"a <x  > b");
     EXPECT_TRUE(numbers().replace_text(u"", u"", u">"));
@@ -102,10 +107,10 @@ TEST_F(View, VirtualTokensAreEditedOverTheRun) {
     Txt_virtual_token& token = numbers();
     EXPECT_FALSE(token.replace_text(u"", u"", u""));
     EXPECT_TRUE(at(2).remove());
-    EXPECT_FALSE(token.redact(0, 0));
+    EXPECT_FALSE(token.redact(0, 0) || token.make_safe());
 }
 
-TEST_F(View, AssociationsBelongToATokenAndAKind) {
+TEST_F(Text_view, AssociationsBelongToATokenAndAKind) {
     txt::Txt_text_view& view = view_of(u"a b c");
     const auto object = std::make_shared<int>(5);
     Txt_physical_token& b = at(1);
@@ -122,7 +127,7 @@ TEST_F(View, AssociationsBelongToATokenAndAKind) {
     EXPECT_EQ(object.use_count(), 2);
 }
 
-TEST_F(View, UnlinkedTokensAreLeftOut) {
+TEST_F(Text_view, UnlinkedTokensAreLeftOut) {
     txt::Txt_text_view& view = view_of(u"a b c d");
     Txt_physical_token& b = at(1);
     Txt_physical_token& c = at(2);
@@ -138,13 +143,13 @@ TEST_F(View, UnlinkedTokensAreLeftOut) {
     EXPECT_THROW(view.add_virtual_token(7, b, d), std::invalid_argument);
     EXPECT_TRUE(c.unlink());
     EXPECT_EQ(view.vbegin(), view.vend());
-    EXPECT_FALSE(b.link()); // where it stood, c does not stand any more
+    EXPECT_FALSE(b.link()); // c, which came after it, is not there any more
     EXPECT_TRUE(d.unlink() && d.link() && !d.link() && c.link() && b.link());
     EXPECT_EQ(view.create_string(), u"a b c d");
     EXPECT_TRUE(d.position() == 3 && view.cback() == &d);
 }
 
-TEST_F(View, LocksKeepTheOrder) {
+TEST_F(Text_view, LocksKeepTheOrder) {
     txt::Txt_text_view& view = view_of(u"a b");
     Txt_virtual_token& both = run(7, 0, 1);
     EXPECT_THROW(view.unlock(), std::logic_error);
@@ -164,7 +169,7 @@ TEST_F(View, LocksKeepTheOrder) {
     EXPECT_EQ(view.vbegin(), view.vend());
 }
 
-TEST_F(View, TextsAreKeptOnceInTheTable) {
+TEST_F(Text_view, TextsAreKeptOnceInTheTable) {
     txt::Txt_text_view& view = view_of(u"a b");
     const std::u16string_view kept = view.insert_text(u"a");
     EXPECT_EQ(kept.data(), view.cfront()->text(Txt_text_form::whole));
@@ -177,7 +182,7 @@ TEST_F(View, TextsAreKeptOnceInTheTable) {
     const std::u16string_view own = alone.insert_text(u"x");
     EXPECT_EQ(alone.lookup_text(u"x").data(), own.data());
     Txt_physical_token placeless(1, u"x", alone);
-    EXPECT_FALSE(placeless.remove() || placeless.redact(0, 0) ||
+    EXPECT_FALSE(placeless.remove() || placeless.redact(0, 0) || placeless.make_safe() ||
                  placeless.replace_text(u"y", u"", u""));
 }
 

@@ -16,7 +16,7 @@ std::u32string rest_of(cerc::Cerc_utf16_reader& reader) {
     return read;
 }
 
-TEST(Utf16Reader, SurrogatesPairUpAndAnOddLastByteIsNotRead) {
+TEST(Utf16_reader, SurrogatesPairUpAndAnOddLastByteIsNotRead) {
     const std::u16string text{u'a', 0xD83D, 0xDE00, 0xDE00, 0xD83D, u'b', 0xD83D};
     const std::u32string expected{U'a', U'\U0001F600', 0xDE00, 0xD83D, U'b', 0xD83D};
     const scl::Scl_wstring_buffer content(text);
@@ -32,7 +32,7 @@ TEST(Utf16Reader, SurrogatesPairUpAndAnOddLastByteIsNotRead) {
     EXPECT_TRUE(status.ok());
 }
 
-TEST(Utf16Reader, ReadsToTheEndAndSeeksNoFurther) {
+TEST(Utf16_reader, ReadsToTheEndAndSeeksNoFurther) {
     const scl::Scl_wstring_buffer memory(u"ab");
     test::Piecewise_buffer file(memory);
     scl::Scl_status status;
@@ -53,6 +53,10 @@ TEST(Utf16Reader, ReadsToTheEndAndSeeksNoFurther) {
     reader.attach(file, status, false);
     EXPECT_EQ(reader.read(), END);
     EXPECT_EQ(status.value(), scl::SCL_STATUS_READ_FAILED);
+    reader.attach(memory, status, false);
+    file.contents_fault = [] { throw std::bad_alloc(); };
+    EXPECT_THROW(reader.attach(file, status, false), std::bad_alloc);
+    EXPECT_EQ(reader.read(), END) << "nothing of what was read before";
 }
 
 } // namespace

@@ -29,30 +29,30 @@ class Cerc_utf16_reader final : public Cerc_reader_base {
 public:
     // The position starts at the buffer's front: the last argument is false. Both must outlive the
     // attachment: read() reports in that status what the buffer does (SCL_STATUS_READ_FAILED).
+    // attach() leaves no code of its own, only what size() of a buffer that is not in memory
+    // reports. What contents() or size() throws passes through; the reader is detached then.
+    //
+    // The buffer must not be written to meanwhile: what lies in memory may move when it grows.
     void attach(const scl::Scl_buffer& buffer, scl::Scl_status& status, bool /*at_end*/) {
-        if (stream_) detach();
+        detach(); // before anything can throw: the old content may be gone
         const std::span<const std::byte> contents = buffer.contents();
         if (contents.empty()) return attach_stream(buffer, status);
-        attach(contents);
-    }
-    // The same for bytes in memory, which cannot fail, from their front.
-    void attach(std::span<const std::byte> bytes) {
-        if (stream_) detach();
-        set_window(bytes, 0);
-        size_ = bytes.size();
+        attach_window(contents);
     }
     // Without effect on a reader that is not attached.
-    void detach();
+    void detach() {
+        stream_.reset();
+        attach_window({});
+        status_ = nullptr;
+    }
 
-    // The next code point, or END_OF_DATA at the end and after a failure.
+    // The next code point, or END_OF_DATA at the end and after a failure. Inline, as it is called
+    // for every character; only the rare cases leave the window.
     [[nodiscard]] char32_t read() {
         if (!has_unit()) return stream_ ? read_beyond_window() : END_OF_DATA;
         const char16_t unit = take_unit();
         return scl::impl::scl_is_lead(unit) ? join_with_trail(unit) : unit;
     }
-
-    // Of the data, taken when it was attached.
-    [[nodiscard]] std::uint64_t size() const { return size_; }
 
     // Of the next character.
     [[nodiscard]] std::uint64_t tell() const {
@@ -61,6 +61,8 @@ public:
     // To a position where a character starts. One beyond the end sets SCL_STATUS_END_OF_DATA and
     // changes nothing.
     void seek(std::uint64_t offset, scl::Scl_status& status) {
+        // Below zero for an offset past the window, and then, unsigned, more than any window holds:
+        // one comparison tells both sides.
         const std::uint64_t back = end_offset_ - offset;
         if (back <= static_cast<std::uint64_t>(end_ - begin_)) {
             at_ = end_ - back;
@@ -88,6 +90,10 @@ private:
         return unit;
     }
 
+    void attach_window(std::span<const std::byte> bytes) {
+        set_window(bytes, 0);
+        size_ = bytes.size();
+    }
     void set_window(std::span<const std::byte> bytes, std::uint64_t offset) {
         begin_ = bytes.data();
         at_ = bytes.data();
@@ -100,11 +106,12 @@ private:
     [[nodiscard]] char32_t join_with_trail(char16_t lead);
     void seek_beyond_window(std::uint64_t offset, scl::Scl_status& status);
 
+    // The window, and the place in it of the next character. Null while there is none.
     const std::byte* begin_ = nullptr;
     const std::byte* at_ = nullptr;
     const std::byte* end_ = nullptr;
     std::uint64_t end_offset_ = 0; // where in the data the window ends
-    std::uint64_t size_ = 0;
+    std::uint64_t size_ = 0;       // of the data, taken when it was attached
     scl::Scl_status* status_ = nullptr;
     std::unique_ptr<scl::Scl_buffered_istream> stream_; // of a buffer that is not in memory
 };

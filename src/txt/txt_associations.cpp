@@ -4,7 +4,7 @@ namespace txt {
 
 namespace {
 
-constexpr Txt_association_kind FIRST_KIND{};
+constexpr Txt_association_kind FIRST_KIND{}; // no kind comes before it in the order of bytes
 
 } // namespace
 

@@ -24,7 +24,8 @@ struct Txt_association {
     bool operator==(const Txt_association&) const = default;
 };
 
-// What callers attached to the tokens of a view, one association of each kind to a token.
+// What callers attached to the tokens of a view, one association of each kind to a token. Few
+// tokens have any, so they are kept beside the tokens and not in them.
 class Associations {
 public:
     // False when the token has one of this kind already.
@@ -46,6 +47,7 @@ public:
     }
 
 private:
+    // Ordered by the token first, so that all of a token's are next to each other.
     using Key = std::pair<const Txt_token*, Txt_association_kind>;
 
     std::map<Key, std::shared_ptr<void>> objects_;

@@ -17,6 +17,7 @@ Txt_physical_token* Txt_physical_token::next() const {
     return next_;
 }
 
+// The view owns the list, and knows whether it may be changed.
 bool Txt_physical_token::link() {
     return view_->link(*this);
 }
@@ -29,6 +30,7 @@ Txt_text_view& Txt_physical_token::view() const {
     return *view_;
 }
 
+// Positions change with every link and unlink, so the view numbers its tokens only when asked.
 std::size_t Txt_physical_token::position() const {
     view_->number_tokens();
     return position_;
@@ -38,6 +40,7 @@ void Txt_physical_token::position(std::size_t position) {
     position_ = static_cast<std::uint32_t>(position);
 }
 
+// The form that files hold is asked for every token; it needs no copy of the text.
 std::uint64_t Txt_physical_token::crc(Txt_text_form form) const {
     return form == Txt_text_form::whole ? txt_token_value(text_) : Txt_token::crc(form);
 }
@@ -50,6 +53,7 @@ std::u16string_view Txt_physical_token::trailer_entry() const {
     return trailer_;
 }
 
+// The text is the caller's, and may go.
 void Txt_physical_token::trailer_text(std::u16string_view trailer) {
     trailer_ = view_->keep(trailer);
 }
@@ -61,6 +65,15 @@ bool Txt_physical_token::redact(std::size_t /*skip*/, std::size_t /*count*/) {
 bool Txt_physical_token::replace_text(std::u16string_view /*text*/, std::u16string_view /*before*/,
                                       std::u16string_view /*after*/) {
     return false;
+}
+
+bool Txt_physical_token::replace_run(const Txt_physical_token& /*back*/,
+                                     std::u16string_view /*text*/) {
+    return false;
+}
+
+bool Txt_physical_token::make_safe() {
+    return replace_run(*this, safe_text());
 }
 
 bool Txt_physical_token::remove() {
@@ -79,6 +92,7 @@ bool Txt_physical_token::is_text(const Txt_association_kind& kind) const {
     return is_text() && view_->has_association(*this, kind);
 }
 
+// A search of them all: views have few virtual tokens, and most have none.
 std::vector<Txt_virtual_token*> Txt_physical_token::vtokens() const {
     std::vector<Txt_virtual_token*> tokens;
     for (auto token = view_->vbegin(); token != view_->vend(); ++token) {

@@ -12,8 +12,11 @@ namespace txt {
 
 class Txt_virtual_token;
 
-// A token that stands for itself in the content, one after the other in its view's list. The view
+// A token that the tokeniser found in a content, with its place in its view's list. The view
 // destroys it, but does not own its memory.
+//
+// Tokens are many and short-lived, so a token is little more than its links and two views of text
+// that its view keeps.
 class Txt_physical_token : public Txt_token {
 public:
     // The view must have kept the text (Txt_text_view::keep).
@@ -24,7 +27,7 @@ public:
     [[nodiscard]] Txt_physical_token* previous() const override;
     [[nodiscard]] Txt_physical_token* next() const override;
     // Back to where it was; false too when its former neighbours are no neighbours any more. So
-    // link in the reverse order of unlinking.
+    // tokens are linked in the reverse order of unlinking.
     bool link() override;
     // Its associations go, and the virtual tokens that begin or end with it. A token that is never
     // linked again is not destroyed by the view.
@@ -35,8 +38,10 @@ public:
     [[nodiscard]] std::u16string_view text_entry() const override;
     [[nodiscard]] std::u16string_view trailer_entry() const override;
 
-    // A token that knows of no content cannot edit any: false.
+    // A token of this class knows of no content, and so cannot edit any: all edits are false here.
+    // Those that know one override them, make_safe() through replace_run().
     [[nodiscard]] bool redact(std::size_t skip, std::size_t count) override;
+    [[nodiscard]] bool make_safe() override;
     [[nodiscard]] bool replace_text(std::u16string_view text, std::u16string_view before,
                                     std::u16string_view after) override;
 
@@ -61,6 +66,11 @@ public:
     // An edit as those of Txt_token: the text goes, the trailer stays.
     [[nodiscard]] virtual bool remove();
 
+    // An edit as well: `text` takes the place of everything from this token's text to that of
+    // `back`, both included, and so of the trailers between. `back` is this token or one after it.
+    [[nodiscard]] virtual bool replace_run(const Txt_physical_token& back,
+                                           std::u16string_view text);
+
 private:
     friend class Txt_text_view; // which links the list
 
@@ -73,7 +83,8 @@ private:
     std::uint32_t position_ = 0; // when the view has numbered its tokens
 };
 
-// Walks the physical tokens of a view, both ways. Valid while the view's tokens stay as they are.
+// Walks the physical tokens of a view, both ways. Valid while the view's tokens stay as they are:
+// it holds the last token, from which it walks back when it is past the end.
 class Txt_token_iterator {
 public:
     using iterator_category = std::bidirectional_iterator_tag;

@@ -6,7 +6,9 @@ namespace txt {
 
 namespace {
 
-constexpr std::size_t LARGEST_STEP = std::size_t{1} << 19; // units, 1 MiB
+// Memory is taken in pieces of twice the size of the last one, as nobody tells how much text there
+// will be; but not beyond 1 MiB, so that no more than that is taken in vain.
+constexpr std::size_t LARGEST_STEP = std::size_t{1} << 19; // units
 
 } // namespace
 
@@ -30,6 +32,8 @@ void Txt_text_store::grow(std::size_t units) {
     limit_ = start + size - 1;
 }
 
+// The set's keys are views of what the store keeps, which does not move: so a text is looked up
+// without making a string of it.
 std::u16string_view Txt_text_table::insert(std::u16string_view text) {
     const std::u16string_view known = lookup(text);
     if (known.data() != nullptr) return known;

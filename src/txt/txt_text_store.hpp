@@ -43,7 +43,9 @@ public:
     [[nodiscard]] std::span<char16_t> room() { return {at_, limit_}; }
     void grown(std::size_t units) { at_ += units; }
 
-    // Closes the open text, which stands where it is from then on, and opens the next one.
+    // Closes the open text, which from then on stays where it is, and opens the next one. When the
+    // zero took the last unit there is, the next one begins on it: it has no room, and moves with
+    // its first unit.
     [[nodiscard]] std::u16string_view keep() {
         const std::u16string_view text = open_text();
         *at_ = u'\0';
@@ -60,18 +62,18 @@ private:
 
     void grow(std::size_t units);
 
-    char16_t first_[FIRST_UNITS]; // not read before it is written
+    char16_t first_[FIRST_UNITS]; // not read before it is written: most views need little of it
     char16_t* open_;
     char16_t* at_;
     char16_t* limit_; // one unit before the end of the memory at hand, for the closing zero
-    std::unique_ptr<Further> further_;
+    std::unique_ptr<Further> further_; // once the first memory is used up
 };
 
 // Holds each text once, whoever asks for it. Views that are given the same table share their texts;
 // it must outlive them.
 class Txt_text_table {
 public:
-    // The kept text equal to `text`, which is copied if it is new. Zero-terminated; it stands as
+    // The kept text equal to `text`, which is copied if it is new. Zero-terminated; it lives as
     // long as the table does.
     [[nodiscard]] std::u16string_view insert(std::u16string_view text);
 

@@ -3,16 +3,16 @@
 #include "txt/txt_token_types.hpp"
 
 #include <algorithm>
-#include <memory>
 #include <stdexcept>
 
 namespace txt {
 
 namespace {
 
-const std::list<Txt_virtual_token> NO_VIRTUAL_TOKENS;
+constexpr char32_t REDACTION_CHARACTER = U'*'; // unless told otherwise
 
-// Moves a token from one list to the back of the other; false when it is not in the first.
+// Moves a token from one list to the back of the other; false when it is not in the first. It is
+// the list's node that moves: the token keeps its address.
 bool move_token(const Txt_virtual_token& token, std::list<Txt_virtual_token>& from,
                 std::list<Txt_virtual_token>& to) {
     const auto found =
@@ -24,10 +24,25 @@ bool move_token(const Txt_virtual_token& token, std::list<Txt_virtual_token>& fr
 
 } // namespace
 
+// Lists, so that a virtual token stays where it is when it or another one is unlinked: callers hold
+// on to them.
+struct Txt_text_view::Extras {
+    Txt_text_table table; // of a view that was given none
+    Associations associations;
+    std::list<Txt_virtual_token> virtual_tokens;
+    std::list<Txt_virtual_token> unlinked_virtual_tokens;
+    char32_t redaction_character = REDACTION_CHARACTER;
+    std::size_t locks = 0;
+};
+
+Txt_text_view::Txt_text_view(std::uint32_t type, Txt_text_table* table)
+    : table_(table), type_(type) {}
+
 Txt_text_view::~Txt_text_view() {
     destroy_tokens();
 }
 
+// The next one is read first: a token is gone once destroyed.
 void Txt_text_view::destroy_tokens() {
     for (Txt_physical_token* token = front_; token != nullptr;) {
         Txt_physical_token* const next = token->next_;
@@ -48,8 +63,12 @@ void Txt_text_view::check_not_locked() const {
     if (is_locked()) throw std::logic_error("Txt_text_view::start_content() - view is locked");
 }
 
-View_extras& Txt_text_view::extras() {
-    if (extras_ == nullptr) extras_ = std::make_unique<View_extras>();
+bool Txt_text_view::is_locked() const {
+    return extras_ != nullptr && extras_->locks != 0;
+}
+
+Txt_text_view::Extras& Txt_text_view::extras() {
+    if (extras_ == nullptr) extras_ = std::make_unique<Extras>();
     return *extras_;
 }
 
@@ -83,6 +102,8 @@ bool Txt_text_view::has_association(const Txt_token& token,
     return extras_ != nullptr && extras_->associations.has(token, kind);
 }
 
+// Checked here, as a run of another view's tokens, or one that ends before it begins, would be
+// walked past the end of the list later.
 Txt_virtual_token& Txt_text_view::add_virtual_token(std::uint32_t type, Txt_physical_token& front,
                                                     Txt_physical_token& back) {
     if (&front.view() != this || &back.view() != this || !is_linked(front) || !is_linked(back) ||
@@ -92,8 +113,9 @@ Txt_virtual_token& Txt_text_view::add_virtual_token(std::uint32_t type, Txt_phys
     return extras().virtual_tokens.emplace_back(type, front, back);
 }
 
+// Without extras there is no list whose ends these could be; two iterators of none are equal, too.
 Txt_text_view::Const_virtual_iterator Txt_text_view::vbegin() const {
-    return extras_ != nullptr ? extras_->virtual_tokens.begin() : NO_VIRTUAL_TOKENS.begin();
+    return extras_ != nullptr ? extras_->virtual_tokens.begin() : Const_virtual_iterator();
 }
 
 Txt_text_view::Virtual_iterator Txt_text_view::vbegin() {
@@ -101,7 +123,7 @@ Txt_text_view::Virtual_iterator Txt_text_view::vbegin() {
 }
 
 Txt_text_view::Const_virtual_iterator Txt_text_view::vend() const {
-    return extras_ != nullptr ? extras_->virtual_tokens.end() : NO_VIRTUAL_TOKENS.end();
+    return extras_ != nullptr ? extras_->virtual_tokens.end() : Const_virtual_iterator();
 }
 
 Txt_text_view::Virtual_iterator Txt_text_view::vend() {
@@ -118,10 +140,12 @@ bool Txt_text_view::unlink_virtual(const Txt_virtual_token& token) {
            move_token(token, extras().virtual_tokens, extras().unlinked_virtual_tokens);
 }
 
+// An unlinked token keeps its neighbours, but they know it no more.
 bool Txt_text_view::is_linked(const Txt_physical_token& token) const {
     return (token.previous_ != nullptr ? token.previous_->next_ : front_) == &token;
 }
 
+// An end of the list counts as a neighbour of the first and of the last token.
 void Txt_text_view::set_neighbours(Txt_physical_token& token, Txt_physical_token* next_of_previous,
                                    Txt_physical_token* previous_of_next) {
     (token.previous_ != nullptr ? token.previous_->next_ : front_) = next_of_previous;
@@ -129,7 +153,8 @@ void Txt_text_view::set_neighbours(Txt_physical_token& token, Txt_physical_token
     is_numbered_ = false;
 }
 
-// The neighbours it had must stand side by side; that also says that it is not linked.
+// The neighbours it had must be next to each other, or it has no place to go back to. A token that
+// is linked fails that as well.
 bool Txt_text_view::link(Txt_physical_token& token) {
     const bool fits =
         (token.previous_ != nullptr ? token.previous_->next_ : front_) == token.next_ &&
@@ -146,6 +171,7 @@ bool Txt_text_view::unlink(Txt_physical_token& token) {
     return true;
 }
 
+// A run that lost one of its ends is no run any more, and what was attached to it means nothing.
 void Txt_text_view::forget(const Txt_physical_token& token) {
     if (extras_ == nullptr) return;
     remove_associations(token);
@@ -164,9 +190,10 @@ void Txt_text_view::number_tokens() {
     for (Txt_physical_token* token = front_; token != nullptr; token = token->next_) {
         token->position(position++);
     }
-    is_numbered_ = !is_open_;
+    is_numbered_ = !is_open_; // tokens that are added after this have no number yet
 }
 
+// What refers to tokens goes before them.
 bool Txt_text_view::purge() {
     if (is_locked() || is_open_) return false;
     if (extras_ != nullptr) {
@@ -181,14 +208,18 @@ bool Txt_text_view::purge() {
 }
 
 char32_t Txt_text_view::get_redaction_character() const {
-    const View_extras* const extras = extras_.get();
-    return extras ? extras->redaction_character : REDACTION_CHARACTER;
+    return extras_ != nullptr ? extras_->redaction_character : REDACTION_CHARACTER;
 }
 
 void Txt_text_view::set_redaction_character(char32_t character) {
     extras().redaction_character = character;
 }
 
+std::u16string Txt_text_view::redaction(std::size_t count) const {
+    return std::u16string(count, static_cast<char16_t>(get_redaction_character()));
+}
+
+// Not counted while tokens are added: hardly a caller asks, and every token would pay.
 std::size_t Txt_text_view::count(std::uint32_t type) const {
     return static_cast<std::size_t>(std::count_if(
         cbegin(), cend(), [&](const Txt_physical_token& token) { return token.type() == type; }));
@@ -214,6 +245,7 @@ std::u16string_view Txt_text_view::insert_text(std::u16string_view text) {
     return (table_ != nullptr ? *table_ : extras().table).insert(text);
 }
 
+// Trailers are short and repeat even more than texts do; one table serves both.
 std::u16string_view Txt_text_view::insert_whitespace(std::u16string_view text) {
     return insert_text(text);
 }
@@ -240,6 +272,7 @@ std::u16string Txt_text_view::create_string() const {
     return text;
 }
 
+// A view whose content is being added has no order yet that a lock could keep.
 void Txt_text_view::lock() {
     if (is_open_) throw std::logic_error("Txt_text_view::lock() - content not ended");
     ++extras().locks;

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "scl/text/scl_string.hpp"
+#include "txt/txt_associations.hpp"
 #include "txt/txt_physical_token.hpp"
 #include "txt/txt_text_store.hpp"
-#include "txt/view_extras.hpp"
+#include "txt/txt_virtual_token.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <list>
 #include <memory>
@@ -17,13 +19,17 @@ namespace txt {
 // The tokens of a text in their order. The view destroys them in place; their memory belongs to
 // whoever made them and must outlive the view. It keeps their texts: in the table it was given, so
 // that views share them, or in itself.
+//
+// Most views are made for one value, walked once, and dropped. So a view allocates nothing for its
+// tokens, and what only some callers want (virtual tokens, associations, locks) is made when first
+// asked for.
 class Txt_text_view {
 public:
     using Virtual_iterator = std::list<Txt_virtual_token>::iterator;
     using Const_virtual_iterator = std::list<Txt_virtual_token>::const_iterator;
 
     // `table` may be null and is not owned.
-    Txt_text_view(std::uint32_t type, Txt_text_table* table) : table_(table), type_(type) {}
+    Txt_text_view(std::uint32_t type, Txt_text_table* table);
     Txt_text_view(const Txt_text_view&) = delete;
     Txt_text_view& operator=(const Txt_text_view&) = delete;
     virtual ~Txt_text_view();
@@ -46,7 +52,9 @@ public:
     [[nodiscard]] virtual Txt_token_iterator cbegin() const;
     [[nodiscard]] virtual Txt_token_iterator cend() const;
 
-    // What callers attach to tokens, physical and virtual ones of this view; see Associations.
+    // What callers attach to tokens, physical and virtual ones of this view: one association of
+    // each kind to a token, found in the order of the kinds. Adding is false when the token has one
+    // of the kind already, removing when it has none; removing all returns how many there were.
     virtual bool add_association(const Txt_token& token, const Txt_association& association);
     virtual bool remove_association(const Txt_token& token, const Txt_association_kind& kind);
     virtual std::size_t remove_associations(const Txt_token& token);
@@ -64,15 +72,18 @@ public:
     [[nodiscard]] virtual Const_virtual_iterator vend() const;
     [[nodiscard]] virtual Virtual_iterator vend();
 
-    // Drops all tokens, virtual ones, and associations, as the destructor does; texts stay. False
-    // when the view is locked or its content has not ended.
+    // Drops all tokens, virtual ones, and associations, as the destructor does; texts stay. False,
+    // and nothing is done, when the view is locked or its content has not ended.
     virtual bool purge();
 
     // What takes the place of redacted characters: '*' unless set.
     [[nodiscard]] virtual char32_t get_redaction_character() const;
     virtual void set_redaction_character(char32_t character);
+    // What takes the place of `count` characters. One unit each: of a redaction character beyond
+    // U+FFFF only the low 16 bits are used.
+    [[nodiscard]] std::u16string redaction(std::size_t count) const;
 
-    // How many physical tokens of a type there are; they are counted when asked for.
+    // How many physical tokens of a type there are; counted when asked for, which takes a walk.
     [[nodiscard]] virtual std::size_t word_token_count() const;
     [[nodiscard]] virtual std::size_t number_token_count() const;
     [[nodiscard]] virtual std::size_t punctuation_token_count() const;
@@ -85,8 +96,8 @@ public:
     [[nodiscard]] virtual std::u16string_view insert_whitespace(std::u16string_view text);
     // Zero-terminated too.
     [[nodiscard]] virtual const char16_t* empty_text() const;
-    // The text in the view's table equal to this one; its data is null when there is none. (What
-    // keep() left where it stood is in no table.)
+    // The text in the view's table equal to this one; its data is null when there is none. A text
+    // that keep() left in the store is in no table, and not found.
     [[nodiscard]] virtual std::u16string_view lookup_text(std::u16string_view text) const;
     // The same; the length is in 16-bit units.
     [[nodiscard]] virtual std::u16string_view lookup_text(const char16_t* data,
@@ -102,7 +113,8 @@ public:
 
     // Where the text of the next token is built.
     [[nodiscard]] Txt_text_store& text_store() { return store_; }
-    // As insert_text, but the open text of the store is kept where it stands.
+    // As insert_text, but the open text of the store stays where it is: neither copied nor hashed,
+    // which for most tokens would be the larger part of making them.
     [[nodiscard]] std::u16string_view keep(std::u16string_view text) {
         if (table_ == nullptr && store_.is_open_text(text)) return store_.keep();
         return text.empty() ? scl::W_EMPTY : insert_text(text);
@@ -111,6 +123,8 @@ public:
 private:
     friend class Txt_physical_token; // these two ask for the following of their own view
     friend class Txt_virtual_token;
+
+    struct Extras; // what most views never need
 
     [[nodiscard]] bool link(Txt_physical_token& token);
     [[nodiscard]] bool unlink(Txt_physical_token& token);
@@ -122,8 +136,8 @@ private:
 
     [[noreturn]] static void throw_not_started();
     void check_not_locked() const;
-    [[nodiscard]] bool is_locked() const { return extras_ != nullptr && extras_->locks != 0; }
-    [[nodiscard]] View_extras& extras();
+    [[nodiscard]] bool is_locked() const;
+    [[nodiscard]] Extras& extras();
     [[nodiscard]] bool is_linked(const Txt_physical_token& token) const;
     void set_neighbours(Txt_physical_token& token, Txt_physical_token* next_of_previous,
                         Txt_physical_token* previous_of_next);
@@ -134,12 +148,15 @@ private:
     Txt_physical_token* front_ = nullptr;
     Txt_physical_token* back_ = nullptr;
     Txt_text_table* table_;
-    std::unique_ptr<View_extras> extras_; // made when first needed
+    std::unique_ptr<Extras> extras_; // made when first needed
     std::uint32_t type_;
     bool is_open_ = false;
     bool is_numbered_ = false; // whether the tokens know their positions
     Txt_text_store store_;
 };
+
+// The following are inline for making a view and walking it: who has a final class of view, as the
+// codec has, then pays for no call.
 
 inline void Txt_text_view::start_content() {
     if (extras_ != nullptr) check_not_locked();

@@ -5,12 +5,14 @@
 #include "txt/txt_text_view.hpp"
 #include "txt/txt_token_types.hpp"
 
+#include <algorithm>
 #include <string>
 
 namespace txt {
 
 namespace {
 
+// White space counts as visible, too; only a virtual token's text holds any.
 bool is_visible(char32_t code_point) {
     return scl::scl_code_point_type(code_point) != scl::Scl_unicode_code_point_type::attached;
 }
@@ -28,17 +30,19 @@ std::u16string visible_text(std::u16string_view text) {
     return visible;
 }
 
-// How many characters (code points) that leaves.
-std::size_t visible_length(std::u16string_view text) {
-    std::size_t length = 0;
+// How many characters (code points) of a text `counts` is true of.
+template <class Predicate>
+std::size_t count_characters(std::u16string_view text, const Predicate& counts) {
+    std::size_t count = 0;
     for (std::size_t at = 0; at < text.size();) {
-        if (is_visible(scl::impl::scl_utf16_next(text, at))) ++length;
+        if (counts(scl::impl::scl_utf16_next(text, at))) ++count;
     }
-    return length;
+    return count;
 }
 
 } // namespace
 
+// Where tokens are is asked through position(), so that virtual and physical ones compare alike.
 bool Txt_token::is_before(const Txt_token& other) const {
     return &view() == &other.view() && back().position() < other.position();
 }
@@ -61,6 +65,7 @@ std::uint64_t Txt_token::crc(Txt_text_form form) const {
     return txt_token_value(form == Txt_text_form::whole ? whole : visible_text(whole));
 }
 
+// Texts of the view end in a zero, those that are made here only once they are in its table.
 const char16_t* Txt_token::text(Txt_text_form form) const {
     const std::u16string_view whole = text_entry();
     if (whole.empty()) return view().empty_text();
@@ -75,7 +80,7 @@ const char16_t* Txt_token::trailer_text() const {
 
 std::size_t Txt_token::length(Txt_text_form form) const {
     const std::u16string_view whole = text_entry();
-    return form == Txt_text_form::whole ? whole.size() : visible_length(whole);
+    return form == Txt_text_form::whole ? whole.size() : count_characters(whole, is_visible);
 }
 
 std::size_t Txt_token::trailer_length() const {
@@ -100,8 +105,14 @@ std::size_t Txt_token::formatted_text_length() const {
     return length(Txt_text_form::whole) + trailer_length();
 }
 
-bool Txt_token::make_safe() {
-    return redact(0, 0);
+// A redaction character for a lone surrogate would tell that one was there, and nothing about a
+// text without any visible character would tell that it was.
+std::u16string Txt_token::safe_text() const {
+    const std::u16string_view whole = text_entry();
+    if (whole.empty()) return {};
+    const std::size_t count = count_characters(
+        whole, [](char32_t c) { return is_visible(c) && !scl::impl::scl_is_surrogate(c); });
+    return view().redaction(std::max<std::size_t>(count, 1));
 }
 
 } // namespace txt

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 namespace txt {
@@ -11,7 +12,8 @@ namespace txt {
 class Txt_physical_token;
 class Txt_text_view;
 
-// A piece of text in a view. Its texts are kept by the view and live as long as the view does.
+// A piece of text in a view: a physical token is one the tokeniser found, a virtual token a run of
+// those. Its texts are kept by the view and live as long as the view does.
 //
 // Tokens compare by their places in the view: that of a token is the positions from its front to
 // its back. Tokens of different views compare as false in every respect.
@@ -52,11 +54,11 @@ public:
     [[nodiscard]] virtual const char16_t* text(Txt_text_form form) const;
     [[nodiscard]] virtual std::u16string_view text_entry() const = 0;
 
-    // What stands between this token and the next one: white space.
+    // What is between this token and the next one: white space.
     [[nodiscard]] virtual const char16_t* trailer_text() const;
     [[nodiscard]] virtual std::u16string_view trailer_entry() const = 0;
 
-    // In what the form counts.
+    // In what the form counts: 16-bit units, or visible characters.
     [[nodiscard]] virtual std::size_t length(Txt_text_form form) const;
     // In 16-bit units.
     [[nodiscard]] virtual std::size_t trailer_length() const;
@@ -65,20 +67,26 @@ public:
     [[nodiscard]] virtual bool is_text() const;
     [[nodiscard]] virtual bool is_trailer() const;
 
-    // Edits of the content the token stands in, which show when that is composed. False when
+    // Edits of the content that the token is from, which show when that is composed. False when
     // nothing, or not all, could be queued: the content may not be edited, or other edits are in
     // the way. The token itself does not change.
     //
-    // Overwrites `count` visible characters after the first `skip` with the view's redaction
-    // character, and takes what attaches to them; a count of 0 is as many as the token has.
+    // Overwrites `count` visible characters after the first `skip` with one redaction character of
+    // the view each; a count of 0 is as many as the token has. A character that attaches to the
+    // last one overwritten goes too. But only one does: where several attach, the others can still
+    // be read, and so can what attaches to the last one skipped. To hide a whole token use
+    // make_safe().
     [[nodiscard]] virtual bool redact(std::size_t skip, std::size_t count) = 0;
 
     // The text with its trailer, zero-terminated, and its length in 16-bit units.
     [[nodiscard]] virtual const char16_t* formatted_text() const;
     [[nodiscard]] virtual std::size_t formatted_text_length() const;
 
-    // An edit: nothing of the text can be read any more.
-    [[nodiscard]] virtual bool make_safe();
+    // An edit that leaves nothing of the text to be read. Every character of it that is visible by
+    // itself becomes a redaction character of the view; every other one, which are those that
+    // attach and lone surrogates, is taken out wherever it is. Of a text in which nothing is
+    // visible one redaction character remains. A token without text stays as it is.
+    [[nodiscard]] virtual bool make_safe() = 0;
 
     // An edit: another text, and texts just before and after it; an empty one changes nothing.
     // False when all three are empty.
@@ -91,6 +99,9 @@ public:
 
 protected:
     Txt_token() = default;
+
+    // What make_safe() puts in the text's place.
+    [[nodiscard]] std::u16string safe_text() const;
 };
 
 } // namespace txt

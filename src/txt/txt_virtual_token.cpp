@@ -14,6 +14,8 @@ bool Txt_virtual_token::unlink() {
     return view().unlink_virtual(*this);
 }
 
+// Put together each time, as the run's tokens may be unlinked and linked; the view keeps each text
+// only once.
 std::u16string_view Txt_virtual_token::text_entry() const {
     std::u16string text(front_->text_entry());
     for (const Txt_physical_token* token = front_; token != back_;) {
@@ -28,8 +30,10 @@ std::u16string_view Txt_virtual_token::trailer_entry() const {
     return back_->trailer_entry();
 }
 
+// To a physical token a count of 0 means all of it, so a token of which nothing is wanted is not
+// asked at all.
 bool Txt_virtual_token::redact(std::size_t skip, std::size_t count) {
-    std::size_t left = count != 0 ? count : scl::SCL_NPOS;
+    std::size_t left = count != 0 ? count : scl::SCL_NPOS; // more than any run has
     for (Txt_physical_token* token = front_; left != 0; token = token->next()) {
         const std::size_t visible = token->length(Txt_text_form::visible);
         const std::size_t taken = std::min(left, visible - std::min(skip, visible));
@@ -39,6 +43,10 @@ bool Txt_virtual_token::redact(std::size_t skip, std::size_t count) {
         if (token == back_) break;
     }
     return true;
+}
+
+bool Txt_virtual_token::make_safe() {
+    return front_->replace_run(*back_, safe_text());
 }
 
 bool Txt_virtual_token::replace_text(std::u16string_view text, std::u16string_view before,

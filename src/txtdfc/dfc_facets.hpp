@@ -8,14 +8,14 @@
 
 namespace dfc {
 
-// Names a facet: 16 bytes in GUID layout, ordered as bytes.
+// Names a facet: 16 bytes in GUID layout (the first three groups little-endian), ordered as bytes.
 using Dfc_facet_id = std::array<std::uint8_t, 16>;
 using Dfc_facet_set = std::set<Dfc_facet_id>;
 
-// A cursor that ends an enumeration.
+// The cursor after the last item of an enumeration; the first one is 0.
 inline constexpr unsigned DFC_CURSOR_END = 0xFFFFFFFF;
 
-// One side of a codec, asked for by its identifier.
+// One side of a codec, asked for by its identifier. A part of the codec: nobody else destroys it.
 class Dfc_format_facet {
 public:
     Dfc_format_facet(const Dfc_format_facet&) = delete;
@@ -31,7 +31,7 @@ protected:
 } // namespace dfc
 
 namespace txt {
-class Txt_text_view;
+class Txt_text_view; // so that who handles facets only needs none of its headers
 }
 
 namespace dff {
@@ -56,8 +56,8 @@ public:
 inline constexpr dfc::Dfc_facet_id DFF_ANNOTATION_FACET_ID{
     0x0C, 0x5F, 0xFA, 0xA3, 0x2C, 0x54, 0x41, 0x46, 0x9E, 0xD1, 0x8E, 0x6A, 0xE2, 0x4A, 0x2E, 0xF4};
 
-// Content that text can be added to, as lines of its own. Lengths are in bytes. The result tells
-// whether the insert was queued.
+// Content that text can be added to, as lines of its own. The result tells whether the insert was
+// queued. Lengths are in bytes, and an odd one is misuse; the text is copied.
 class Dff_annotation_facet : public dfc::Dfc_format_facet {
 public:
     [[nodiscard]] const dfc::Dfc_facet_id& facet_id() const override {

@@ -21,7 +21,9 @@ public:
     [[nodiscard]] virtual Dfc_format_facet* query_facet(const Dfc_facet_id& id) = 0;
 
     // Takes other content, which is not changed and must outlive its use here. What was queued is
-    // dropped. Never throws.
+    // dropped, and an open transaction rolled back. Never throws: what is thrown inside becomes
+    // SCL_STATUS_NO_MEMORY, SCL_STATUS_EXCEPTION with the exception's message, or
+    // SCL_STATUS_UNKNOWN_EXCEPTION. The status is cleared first.
     virtual void attach(const scl::Scl_buffer* content, scl::Scl_status& status) = 0;
 
     // Whether changes may be queued; false at first.
@@ -49,7 +51,7 @@ public:
     [[nodiscard]] virtual std::u16string_view label() const = 0;
 
     // The content with all changes; null when nothing was changed, or, with an error in the status,
-    // when it failed. The status is cleared first.
+    // when it failed. The status is cleared first; what it can hold then is for the codec to say.
     [[nodiscard]] virtual std::unique_ptr<scl::Scl_buffer> compose(scl::Scl_status& status) = 0;
 
     // The next content within this one, in formats that have such; else null. The cursor, 0 to

@@ -10,8 +10,9 @@ namespace txtdfc {
 
 namespace {
 
-// Of a CR only the unit after it tells whether it belongs to a line end; a CR that follows a lone
-// one is not looked at in that way again.
+// Writes text with its line ends replaced. Whether a CR belongs to a line end only the unit after
+// it tells, so it waits for that. When that is another CR, both are written as they are: the second
+// does not wait, and an LF after it is a line end of its own.
 class Line_writer {
 public:
     Line_writer(std::u16string_view line_end, std::u16string& lines)
@@ -30,6 +31,7 @@ public:
         }
     }
 
+    // A CR that still waits is dropped: the line end added here takes its place.
     void finish() {
         if (!at_line_end_) end_line();
     }
@@ -67,7 +69,8 @@ void append_lines(std::u16string_view text, std::u16string_view line_end, std::u
 void Content_analyser::scan(const scl::Scl_buffer& content, scl::Scl_status& status) {
     const scl::Scl_unbuffered_istream stream(content, false, status, scl::Scl_eol::none);
     std::array<std::byte, CHUNK_BYTES> chunk; // NOLINT: not read before it is written
-    std::uint64_t end = content.size(true, status) * UNIT_BYTES;
+    std::uint64_t end = content.size(false, status);
+    end -= end % UNIT_BYTES; // a last byte alone is no unit, and would shift all others
     while (end != 0 && !status.has_failed()) {
         const std::size_t wanted = std::min<std::uint64_t>(end, chunk.size());
         end -= wanted;
@@ -77,7 +80,8 @@ void Content_analyser::scan(const scl::Scl_buffer& content, scl::Scl_status& sta
     }
 }
 
-// False when nothing more need be seen.
+// Back to front. False when nothing more need be seen. Half a unit, after a read that came back
+// short, is left out.
 bool Content_analyser::scan_units(std::span<const std::byte> bytes) {
     for (std::size_t at = bytes.size() - bytes.size() % UNIT_BYTES; at != 0; at -= UNIT_BYTES) {
         if (!take(scl::scl_load_le<char16_t>(&bytes[at - UNIT_BYTES]))) return false;
@@ -85,6 +89,7 @@ bool Content_analyser::scan_units(std::span<const std::byte> bytes) {
     return true;
 }
 
+// False when the unit before the last LF has been seen, whatever it is.
 bool Content_analyser::take(char16_t unit) {
     if (state_ == State::lf) {
         if (unit == u'\r') state_ = State::cr_lf;

@@ -18,19 +18,21 @@ enum class Line_ending : std::uint32_t { lf = 2, crlf = 3 };
 }
 
 // Appends the text as lines: each LF and CR LF in it becomes `line_end`, and one is added after the
-// last line if it has none. A lone CR stays, except as the very last unit.
+// last line if it has none. A lone CR stays, except as the very last unit, where it is taken for a
+// line end cut in two.
 void append_lines(std::u16string_view text, std::u16string_view line_end, std::u16string& lines);
 
-// Finds out, backwards from a content's end, how its lines end. It reads chunks of CHUNK_BYTES, no
-// further than to the unit before the last LF.
+// Finds out how the lines of a content end. Backwards from its end, as the last LF decides, and no
+// further than to the unit before that.
 class Content_analyser {
 public:
-    static constexpr std::size_t CHUNK_BYTES = 512;
+    static constexpr std::size_t CHUNK_BYTES = 512; // seldom is a last line longer
 
-    // The status is that of reading. A chunk that cannot be read ends the scan.
+    // A chunk that cannot be read ends the scan. The status then holds what the buffer reported
+    // (SCL_STATUS_READ_FAILED for a file); the scan has no codes of its own.
     void scan(const scl::Scl_buffer& content, scl::Scl_status& status);
 
-    // CR LF if that, or no LF at all, is what the last LF shows.
+    // LF if the last LF has no CR before it; CR LF otherwise, and without any LF.
     [[nodiscard]] Line_ending line_ending() const {
         return state_ == State::lf ? Line_ending::lf : Line_ending::crlf;
     }
@@ -43,7 +45,7 @@ private:
     [[nodiscard]] bool scan_units(std::span<const std::byte> bytes);
     [[nodiscard]] bool take(char16_t unit);
 
-    State state_ = State::at_end;
+    State state_ = State::at_end; // of the units seen so far, the last one of them first
     bool ends_with_line_end_ = false;
 };
 

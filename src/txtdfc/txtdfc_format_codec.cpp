@@ -7,7 +7,8 @@
 #include "txt/txt_tokeniser.hpp"
 #include "txtdfc/line_ends.hpp"
 #include "txtdfc/token_reader.hpp"
-#include "txtdfc/view_filler.hpp"
+#include "txtdfc/txtdfc_text_view.hpp"
+#include "txtdfc/txtdfc_token_pool.hpp"
 
 #include <exception>
 #include <new>
@@ -16,30 +17,58 @@
 
 namespace txtdfc {
 
-void View_filler::add_token(std::u16string_view text, std::uint32_t type, std::uint64_t offset,
-                            std::uint64_t length) {
-    void* const slot = take_slot();
-    const std::u16string_view kept = view_.keep(text);
-    view_.add_content(*::new (slot) Txtdfc_physical_token(type, kept, view_, offset, length));
-}
-
-void View_filler::add_trailer(std::u16string_view text, std::uint64_t offset) {
-    if (view_.cback() == nullptr) add_token(scl::W_EMPTY, txt::TXT_TOKEN_UNCLASSIFIED, offset, 0);
-    view_.cback()->trailer_text(text);
-}
-
-void* View_filler::take_slot() {
-    try {
-        return pool_.take();
-    } catch (const std::bad_alloc&) {
-        throw_too_many_tokens(pool_.limit());
-    }
-}
-
 namespace {
+
+// Puts the tokens that a Token_reader reads into a view, in memory of a pool. The reader must read
+// into the view's text store, so that a token's text is kept where it was built.
+class View_filler {
+public:
+    View_filler(Txtdfc_text_view& view, Txtdfc_token_pool& pool) : view_(view), pool_(pool) {}
+
+    // Throws std::runtime_error when the pool is exhausted.
+    void add_token(std::u16string_view text, std::uint32_t type, std::uint64_t offset,
+                   std::uint64_t length) {
+        const std::u16string_view kept = view_.keep(text); // before a slot is taken: it may throw
+        void* const slot = take_slot();
+        view_.add_content(*::new (slot) Txtdfc_physical_token(type, kept, view_, offset, length));
+    }
+
+    // The trailer of the last token. One that the text begins with has no token before it, and gets
+    // one without text.
+    void add_trailer(std::u16string_view text, std::uint64_t offset) {
+        if (view_.cback() == nullptr) {
+            add_token(scl::W_EMPTY, txt::TXT_TOKEN_UNCLASSIFIED, offset, 0);
+        }
+        view_.cback()->trailer_text(text);
+    }
+
+private:
+    // Whoever asked for a view has to learn which limit was met, whether that is the pool's or that
+    // of the memory.
+    [[nodiscard]] void* take_slot() {
+        try {
+            return pool_.take();
+        } catch (const std::bad_alloc&) {
+            throw_too_many_tokens(pool_.limit());
+        }
+    }
+
+    Txtdfc_text_view& view_;
+    Txtdfc_token_pool& pool_;
+};
 
 bool is_granted(const dfc::Dfc_facet_set* requested, const dfc::Dfc_facet_id& id) {
     return requested == nullptr || requested->contains(id);
+}
+
+// When memory is exhausted the message may find no place either; then that is what is told.
+void report(const std::exception& exception, scl::Scl_status& status) {
+    try {
+        status.assign(scl::SCL_STATUS_EXCEPTION,
+                      scl::Scl_wstring_status_arg(std::string_view(exception.what())));
+    } catch (const std::exception&) {
+        status = scl::SCL_STATUS_NO_MEMORY;
+    }
 }
 
 } // namespace
@@ -65,88 +94,97 @@ dfc::Dfc_format_facet* Txtdfc_format_codec::query_facet(const dfc::Dfc_facet_id&
     return nullptr;
 }
 
+// Setting a single code allocates nothing, so no handler can throw.
 void Txtdfc_format_codec::attach(const scl::Scl_buffer* content, scl::Scl_status& status) {
     try {
-        if (!status.entries().empty()) status.clear();
+        status.clear();
         take_content(content, status);
     } catch (const std::bad_alloc&) {
         status = scl::SCL_STATUS_NO_MEMORY;
     } catch (const std::exception& exception) {
-        status.assign(scl::SCL_STATUS_EXCEPTION,
-                      scl::Scl_wstring_status_arg(std::string_view(exception.what())));
+        report(exception, status);
     } catch (...) {
         status = scl::SCL_STATUS_UNKNOWN_EXCEPTION;
     }
 }
 
+// All that is known of the old content is forgotten before the new one is touched, which may throw.
 void Txtdfc_format_codec::take_content(const scl::Scl_buffer* content, scl::Scl_status& status) {
     if (in_transaction_) rollback_transaction();
     patcher_.reset();
     view_.reset();
+    extent_.reset();
     content_ = content;
-    content_start_ = 0;
-    content_end_ = 0;
-    if (content != nullptr && (text_facet_granted_ || annotation_facet_granted_)) analyse(status);
+    if (!text_facet_granted_ && !annotation_facet_granted_) {
+        extent_ = Extent(); // nobody can ask for the text
+    } else if (content != nullptr) {
+        analyse(status);
+    }
 }
 
+// The size is taken even when the first character cannot be read, so that what is added at the back
+// of such a content does not come out at its front.
 void Txtdfc_format_codec::analyse(scl::Scl_status& status) {
     ends_with_line_end_ = false;
-    if (!reading_.ok()) reading_.clear();
-    reader_.attach(*content_, reading_, false);
-    const bool has_mark = reader_.read() == cerc::Cerc_reader_base::BYTE_ORDER_MARK;
-    if (!reading_.ok()) return status.push_top(reading_);
-    if (has_mark) content_start_ = reader_.tell();
-    content_end_ = reader_.size();
-    if (annotation_facet_granted_) analyse_line_ends(status);
+    cerc::Cerc_utf16_reader reader;
+    reader.attach(*content_, status, false);
+    if (status.has_failed()) return;
+    const bool has_mark = reader.read() == cerc::Cerc_reader_base::BYTE_ORDER_MARK;
+    const std::uint64_t begin = has_mark ? reader.tell() : 0;
+    extent_ = Extent{begin, content_->size(false, status)};
+    if (annotation_facet_granted_ && !status.has_failed()) analyse_line_ends(status);
 }
 
 void Txtdfc_format_codec::analyse_line_ends(scl::Scl_status& status) {
     Content_analyser analyser;
     analyser.scan(*content_, status);
     line_ending_ = analyser.line_ending();
-    ends_with_line_end_ = analyser.ends_with_line_end() || content_start_ == content_end_;
+    ends_with_line_end_ = analyser.ends_with_line_end() || extent_->empty();
 }
 
 Txtdfc_text_view* Txtdfc_format_codec::text_view(int index, unsigned& cursor) {
     const bool is_first = index == 0 && cursor == 0;
     cursor = dfc::DFC_CURSOR_END;
     if (!is_first) return nullptr;
-    if (content_start_ == content_end_ && !view_of_empty_) return nullptr;
+    const bool has_text = extent_ && !extent_->empty();
+    if (!has_text && !view_of_empty_) return nullptr;
     if (!view_) create_text_view();
     return &*view_;
 }
 
+// Leaves no view behind when it throws, so that the next call tries again.
 void Txtdfc_format_codec::create_text_view() {
     if (content_ == nullptr) {
         throw std::logic_error("Txtdfc_format_codec::create_text_view() - no content attached");
     }
-    if (!reading_.ok()) { // what failed before may work now
-        reading_.clear();
-        reader_.attach(*content_, reading_, false);
-    }
-    fill_view();
-    if (!reading_.ok()) {
-        view_.reset();
-        throw std::runtime_error("Txtdfc_format_codec::create_text_view() - tokenisation failed");
-    }
-}
-
-// Leaves no view behind when it throws.
-void Txtdfc_format_codec::fill_view() {
     try {
-        Txtdfc_text_view& view = view_.emplace(*this, table_);
-        txt::Txt_tokeniser tokeniser;
-        reader_.seek(content_start_, reading_);
-        view.start_content();
-        View_filler filler(view, pool());
-        Token_reader(reader_, tokeniser, view.text_store(), filler).read_all(reading_);
-        view.end_content();
+        fill_view(view_.emplace(*this, table_));
     } catch (...) {
         view_.reset();
         throw;
     }
 }
 
+// Attaches a reader of its own: since attach() the content may have been written to, and have moved
+// in memory.
+void Txtdfc_format_codec::fill_view(Txtdfc_text_view& view) {
+    scl::Scl_status status;
+    if (extent_) {
+        cerc::Cerc_utf16_reader reader;
+        reader.attach(*content_, status, false);
+        reader.seek(extent_->begin, status);
+        txt::Txt_tokeniser tokeniser;
+        view.start_content();
+        View_filler filler(view, pool());
+        Token_reader(reader, tokeniser, view.text_store(), filler).read_all(status);
+        view.end_content();
+    }
+    if (!extent_ || !status.ok()) {
+        throw std::runtime_error("Txtdfc_format_codec::create_text_view() - tokenisation failed");
+    }
+}
+
+// Made for the first view: a pool is large, and who only adds notes to a content needs none.
 Txtdfc_token_pool& Txtdfc_format_codec::pool() {
     if (pool_ == nullptr) {
         own_pool_ = std::make_unique<Txtdfc_token_pool>();
@@ -155,6 +193,7 @@ Txtdfc_token_pool& Txtdfc_format_codec::pool() {
     return *pool_;
 }
 
+// The flag is set whatever the patcher says: when it refuses, a transaction is open already.
 bool Txtdfc_format_codec::begin_transaction() {
     const bool begun = patcher_.begin();
     in_transaction_ = true;
@@ -173,6 +212,7 @@ bool Txtdfc_format_codec::rollback_transaction() {
     return rolled_back;
 }
 
+// In a transaction it is not decided yet what belongs to the content.
 std::unique_ptr<scl::Scl_buffer> Txtdfc_format_codec::compose(scl::Scl_status& status) {
     if (content_ == nullptr) {
         throw std::logic_error("Txtdfc_format_codec::compose() - no content attached");
@@ -188,29 +228,33 @@ std::unique_ptr<scl::Scl_buffer> Txtdfc_format_codec::compose(scl::Scl_status& s
     return composed;
 }
 
+// The fault's text is put together only when there is one: inserts are many.
 bool Txtdfc_format_codec::may_insert(const char* operation, std::size_t length) const {
-    const std::string name = std::string("Txtdfc_format_codec::") + operation + "()";
+    const auto fault = [operation](const char* what) {
+        return std::string("Txtdfc_format_codec::") + operation + "() - " + what;
+    };
     if (length % sizeof(char16_t) != 0) {
-        throw std::invalid_argument(name + " - length not multiple of Char16");
+        throw std::invalid_argument(fault("length not multiple of Char16"));
     }
-    if (content_ == nullptr) throw std::logic_error(name + " - no content attached");
-    return modifiable() && length != 0;
+    if (content_ == nullptr) throw std::logic_error(fault("no content attached"));
+    return modifiable() && length != 0 && extent_;
 }
 
 bool Txtdfc_format_codec::insert_content_front(const char16_t* data, std::size_t length) {
     if (!may_insert("insert_content_front", length)) return false;
     std::u16string lines;
     append_lines({data, length / sizeof(char16_t)}, line_end_of(line_ending_), lines);
-    return patcher_.add_insert(content_start_, lines);
+    return patcher_.add_insert(extent_->begin, lines);
 }
 
+// An unfinished last line is ended first, or the text would go on with it.
 bool Txtdfc_format_codec::insert_content_back(const char16_t* data, std::size_t length) {
     if (!may_insert("insert_content_back", length)) return false;
     const std::u16string_view line_end = line_end_of(line_ending_);
     std::u16string lines;
     if (!ends_with_line_end_) lines += line_end;
     append_lines({data, length / sizeof(char16_t)}, line_end, lines);
-    return patcher_.add_insert(content_end_, lines);
+    return patcher_.add_insert(extent_->end, lines);
 }
 
 bool Txtdfc_format_codec::insert_content_front(std::u16string_view text) {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "cerc/cerc_utf16_reader.hpp"
 #include "txtdfc/dfc_facets.hpp"
 #include "txtdfc/dfc_format_codec.hpp"
 #include "txtdfc/line_ends.hpp"
@@ -16,10 +15,11 @@
 namespace txtdfc {
 
 // The codec of plain UTF-16 text (little-endian; a byte order mark at the front is not part of the
-// text). One codec serves any number of values, attached one after the other.
+// text). One codec serves any number of values, attached one after the other. The content may be
+// written to between two uses of the codec, not during one.
 //
 // Misuse throws: std::logic_error what needs content without any, and composing in a transaction;
-// std::invalid_argument an odd length in bytes.
+// std::invalid_argument an odd length in bytes. Only attach() never throws.
 class Txtdfc_format_codec final : public dfc::Dfc_format_codec,
                                   private dff::Dff_text_facet,
                                   private dff::Dff_annotation_facet {
@@ -35,16 +35,20 @@ public:
     [[nodiscard]] dfc::Dfc_format_facet* query_facet(const dfc::Dfc_facet_id& id) override;
 
     // Drops the view of what was attached before; null detaches. The status is cleared, then says
-    // how the content could be read: what its buffer reports, SCL_STATUS_NO_MEMORY, or
-    // SCL_STATUS_EXCEPTION with the exception's message, or SCL_STATUS_UNKNOWN_EXCEPTION.
+    // how the content could be read: what its buffer reports (SCL_STATUS_READ_FAILED for a file),
+    // SCL_STATUS_NO_MEMORY, SCL_STATUS_EXCEPTION with the exception's message, or
+    // SCL_STATUS_UNKNOWN_EXCEPTION. After a failure the codec holds the new content, and nothing of
+    // the old one. When not even its size was found out, it has no text: no view, and inserts are
+    // refused.
     //
     // A pool counts the tokens of all values that were attached.
     void attach(const scl::Scl_buffer* content, scl::Scl_status& status) override;
 
     // The one view, at index 0 and cursor 0; null for any other, and when the content has no text.
-    // Made when first asked for. Throws std::logic_error when nothing is attached (and a view of
-    // empty content was asked for), std::runtime_error when the content cannot be read or has more
-    // tokens than the pool can hold.
+    // Made, of the content as it is then, when first asked for. Throws std::logic_error when
+    // nothing is attached (and a view of empty content was asked for), std::runtime_error when the
+    // content cannot be read or has more tokens than the pool can hold; then asking again tries
+    // again.
     [[nodiscard]] Txtdfc_text_view* text_view(int index, unsigned& cursor) override;
 
     bool begin_transaction() override;
@@ -54,10 +58,15 @@ public:
     [[nodiscard]] bool modified() const override { return patcher_.committed(); }
     [[nodiscard]] bool reserved_query() const override { return false; }
     [[nodiscard]] std::u16string_view label() const override { return scl::W_EMPTY; }
+    // The status can hold the codes of ucl::Ucl_buffer_patcher::apply: what the content's buffer
+    // reports, SCL_STATUS_END_OF_DATA, and SCL_STATUS_OUT_OF_BOUNDS when the content has become
+    // shorter since, and a change is beyond its end. Memory exhausted throws std::bad_alloc.
     [[nodiscard]] std::unique_ptr<scl::Scl_buffer> compose(scl::Scl_status& status) override;
 
     // The text becomes lines of its own, with the line ends of the content: before its text, or at
-    // its end. False, and nothing queued, when the content may not be modified or there is no text.
+    // its end. False, and nothing queued, when the content may not be modified, the text is empty,
+    // the patcher refuses (an end that is no whole unit, for one), or attaching failed so early
+    // that the content's end is not known.
     bool insert_content_front(std::u16string_view text) override;
     bool insert_content_back(std::u16string_view text) override;
     bool insert_content_front(const char16_t* data, std::size_t length) override;
@@ -67,12 +76,20 @@ public:
     [[nodiscard]] ucl::Ucl_buffer_patcher& patcher() { return patcher_; }
 
 private:
+    // Where the text lies, in bytes of the content.
+    struct Extent {
+        std::uint64_t begin = 0; // after a byte order mark
+        std::uint64_t end = 0;
+
+        [[nodiscard]] bool empty() const { return begin == end; }
+    };
+
     void take_content(const scl::Scl_buffer* content, scl::Scl_status& status);
     void analyse(scl::Scl_status& status);
     void analyse_line_ends(scl::Scl_status& status);
     [[nodiscard]] bool may_insert(const char* operation, std::size_t length) const;
     void create_text_view();
-    void fill_view();
+    void fill_view(Txtdfc_text_view& view);
     [[nodiscard]] Txtdfc_token_pool& pool();
 
     txt::Txt_text_table* table_;
@@ -80,17 +97,14 @@ private:
     std::unique_ptr<Txtdfc_token_pool> own_pool_; // outlives the view
     const scl::Scl_buffer* content_ = nullptr;
     Line_ending line_ending_ = Line_ending::crlf;
-    bool ends_with_line_end_ = false; // or holds no text; known if there is an annotation facet
+    bool ends_with_line_end_ = false; // or holds no text; found out for the annotation facet only
     bool text_facet_granted_;
     bool annotation_facet_granted_;
     bool in_transaction_ = false;
     bool view_of_empty_;
-    cerc::Cerc_utf16_reader reader_; // of the content
-    scl::Scl_status reading_;        // what the reader reports
     ucl::Ucl_buffer_patcher patcher_;
-    std::uint64_t content_start_ = 0; // bytes, as the end
-    std::uint64_t content_end_ = 0;
-    std::optional<Txtdfc_text_view> view_;
+    std::optional<Extent> extent_;         // none until known
+    std::optional<Txtdfc_text_view> view_; // last, as it goes before what it needs
 };
 
 } // namespace txtdfc

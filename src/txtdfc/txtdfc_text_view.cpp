@@ -4,13 +4,13 @@
 #include "scl/text/scl_utf.hpp"
 #include "txtdfc/txtdfc_format_codec.hpp"
 
-#include <string>
-
 namespace txtdfc {
 
 namespace {
 
-// Goes over a text character by character.
+// Goes over a text as redaction counts it: by visible characters, each with at most one character
+// that attaches to it. That is enough for an accented letter; what else attaches is passed when the
+// next visible character is.
 class Walk {
 public:
     explicit Walk(std::u16string_view text) : text_(text) {}
@@ -18,7 +18,7 @@ public:
     [[nodiscard]] std::size_t at() const { return at_; }
 
     // Over `count` visible characters and one that attaches to the last. Returns how many visible
-    // ones there were: fewer at the end of the text.
+    // ones there were: fewer when the text ends before.
     std::size_t pass(std::size_t count) {
         std::size_t passed = 0;
         while (passed < count && at_ < text_.size()) {
@@ -59,9 +59,9 @@ struct Redaction {
     [[nodiscard]] bool empty() const { return begin == end; }
 };
 
-// The `count` visible characters (code points) after the first `skip`, or as many as there are. The
-// character that attaches to the last one skipped stays, and the one that attaches to the last one
-// overwritten goes, but only one each; others count with what follows. Empty when nothing is left.
+// The `count` visible characters (code points) after the first `skip`, or as many as there are.
+// Empty when nothing is left. From the text's very front when nothing is skipped, so that what
+// attaches to nothing there goes as well.
 Redaction find_redaction(std::u16string_view text, std::size_t skip, std::size_t count) {
     Walk walk(text);
     if (skip != 0) walk.pass(skip);
@@ -79,7 +79,7 @@ Txtdfc_format_codec& Txtdfc_physical_token::codec() const {
     return static_cast<const Txtdfc_text_view&>(view()).codec();
 }
 
-// By the text, which may be longer than content_length() can tell.
+// By the text, as it may be longer than content_length() can tell.
 std::uint64_t Txtdfc_physical_token::text_bytes() const {
     return text_entry().size() * UNIT_BYTES;
 }
@@ -88,14 +88,20 @@ bool Txtdfc_physical_token::remove() {
     return codec().modifiable() && codec().patcher().add_delete(offset_, text_bytes());
 }
 
+// Nothing is kept of what lies between the two, and it is all one edit: it is queued whole or not
+// at all.
+bool Txtdfc_physical_token::replace_run(const Txt_physical_token& back, std::u16string_view text) {
+    const std::uint64_t end = static_cast<const Txtdfc_physical_token&>(back).content_end();
+    return codec().modifiable() && codec().patcher().add_edit(offset_, end - offset_, text);
+}
+
 bool Txtdfc_physical_token::replace_text(std::u16string_view text, std::u16string_view before,
                                          std::u16string_view after) {
     if (!codec().modifiable() || (text.empty() && before.empty() && after.empty())) return false;
     ucl::Ucl_buffer_patcher& patcher = codec().patcher();
-    const std::uint64_t length = text_bytes();
     return (before.empty() || patcher.add_insert(offset_, before)) &&
-           (text.empty() || patcher.add_edit(offset_, length, text)) &&
-           (after.empty() || patcher.add_insert(offset_ + length, after));
+           (text.empty() || patcher.add_edit(offset_, text_bytes(), text)) &&
+           (after.empty() || patcher.add_insert(content_end(), after));
 }
 
 bool Txtdfc_physical_token::redact(std::size_t skip, std::size_t count) {
@@ -103,10 +109,9 @@ bool Txtdfc_physical_token::redact(std::size_t skip, std::size_t count) {
     const std::size_t wanted = count != 0 ? count : length(txt::Txt_text_form::visible);
     const Redaction found = find_redaction(text_entry(), skip, wanted);
     if (found.empty()) return true;
-    const auto character = static_cast<char16_t>(view().get_redaction_character());
     return codec().patcher().add_edit(offset_ + found.begin * UNIT_BYTES,
                                       (found.end - found.begin) * UNIT_BYTES,
-                                      std::u16string(found.count, character));
+                                      view().redaction(found.count));
 }
 
 } // namespace txtdfc

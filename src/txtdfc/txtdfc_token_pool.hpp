@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <new>
 #include <vector>
 
 namespace txtdfc {
@@ -15,13 +16,18 @@ inline constexpr std::size_t TXTDFC_MAX_TOKENS = 15000000;
 // std::runtime_error, whose message names the limit.
 [[noreturn]] void throw_too_many_tokens(std::size_t limit);
 
-// Memory for tokens, in blocks of slots that stay where they are until the pool goes: no slot is
-// given back before. The first block is part of the pool; further ones are taken when needed.
+// Memory for tokens, in slots of one size that stay where they are until the pool goes. Tokens are
+// made and destroyed in them one by one; for the memory that costs an allocation only every
+// BLOCK_SLOTS tokens, and none at all for a short text, as the first block is part of the pool.
+//
+// A view that goes does not give its slots back. So the limit counts all tokens ever made with the
+// pool, but for the slots that somebody gave back.
 class Txtdfc_token_pool {
 public:
     static constexpr std::size_t BLOCK_SLOTS = 1000;
     static constexpr std::size_t MAX_BLOCKS = TXTDFC_MAX_TOKENS / BLOCK_SLOTS;
 
+    // `max_blocks` is at least 1: the one that is part of the pool.
     explicit Txtdfc_token_pool(std::size_t max_blocks = MAX_BLOCKS)
         : max_further_(max_blocks - 1), current_(&first_) {}
     Txtdfc_token_pool(const Txtdfc_token_pool&) = delete;
@@ -31,27 +37,45 @@ public:
     // The most tokens the pool can hold.
     [[nodiscard]] std::size_t limit() const { return (max_further_ + 1) * BLOCK_SLOTS; }
 
-    // Memory for one token. Throws std::bad_alloc when the pool is exhausted or memory is.
+    // Memory for one token: the slot that was given back last, if there is one, or else a fresh
+    // one. Throws std::bad_alloc when the pool is exhausted or memory is.
     [[nodiscard]] void* take() {
+        if (free_ != nullptr) return take_free();
         if (next_ == BLOCK_SLOTS) add_block();
         return &current_->slots[next_++];
     }
 
+    // `slot` is one that take() of this pool gave, and no token is in it any more: it has been
+    // destroyed, and is in no view. The next take() gives the slot again.
+    void give_back(void* slot) { free_ = ::new (slot) Free_slot{free_}; }
+
 private:
+    // What is in a slot that was given back: the list needs no memory of its own, so giving back
+    // cannot fail.
+    struct Free_slot {
+        Free_slot* next;
+    };
     struct alignas(Txtdfc_physical_token) Slot {
         std::array<std::byte, sizeof(Txtdfc_physical_token)> bytes;
     };
     struct Block {
         std::array<Slot, BLOCK_SLOTS> slots;
     };
+    static_assert(sizeof(Free_slot) <= sizeof(Slot) && alignof(Free_slot) <= alignof(Slot));
 
+    [[nodiscard]] void* take_free() {
+        Free_slot* const slot = free_;
+        free_ = slot->next;
+        return slot;
+    }
     void add_block();
 
     std::size_t max_further_;
     std::vector<std::unique_ptr<Block>> further_;
     Block* current_;
-    std::size_t next_ = 0; // in the current block
-    Block first_;          // NOLINT: not read before it is written
+    std::size_t next_ = 0; // in the current block: where its fresh slots begin
+    Free_slot* free_ = nullptr;
+    Block first_; // NOLINT: not read before it is written
 };
 
 } // namespace txtdfc

@@ -9,9 +9,11 @@ namespace ucl {
 namespace {
 
 constexpr std::size_t UNIT_BYTES = 2;
+// Large enough that the calls to the buffer cost little, small enough for the stack.
 constexpr std::size_t CHUNK_BYTES = std::size_t{16} << 10;
 
-// Copies the bytes from `begin` up to `end`.
+// Copies the bytes from `begin` up to `end`. The content may be a file larger than memory, so what
+// is not in memory goes through a chunk.
 void copy(const scl::Scl_buffer& content, std::uint64_t begin, std::uint64_t end,
           scl::Scl_ostream& out, scl::Scl_status& status) {
     const std::span<const std::byte> in_memory = content.contents();
@@ -20,6 +22,7 @@ void copy(const scl::Scl_buffer& content, std::uint64_t begin, std::uint64_t end
     while (begin < end && !status.has_failed()) {
         const std::size_t wanted = std::min<std::uint64_t>(end - begin, chunk.size());
         const std::size_t count = content.read_at(begin, std::span(chunk).first(wanted), status);
+        // Less content than its size said: without an error this loop would not end.
         if (count == 0 && !status.has_failed()) status.push(scl::SCL_STATUS_END_OF_DATA);
         out.write(count, chunk.data(), status);
         begin += count;
@@ -35,6 +38,7 @@ bool Ucl_buffer_patcher::begin() {
     return true;
 }
 
+// The changes are where they belong already; they only lose their mark.
 bool Ucl_buffer_patcher::commit() {
     if (!in_transaction_) return false;
     for (const Edits::iterator edit : on_trial_) {
@@ -45,6 +49,7 @@ bool Ucl_buffer_patcher::commit() {
     return true;
 }
 
+// Only what this transaction queued is looked at, however long the queue is.
 bool Ucl_buffer_patcher::rollback() {
     if (!in_transaction_) return false;
     for (const Edits::iterator edit : on_trial_) {
@@ -69,7 +74,7 @@ bool Ucl_buffer_patcher::add_edit(std::uint64_t offset, std::uint64_t length,
         return false;
     }
     if (!is_free(offset, length)) return false;
-    if (length == 0 && text.empty()) return true;
+    if (length == 0 && text.empty()) return true; // or committed() would tell of no change
     make_room_on_trial();
     const Place place{offset, length != 0};
     const Edit edit{length, texts_.size(), text.size(), in_transaction_};
@@ -79,25 +84,27 @@ bool Ucl_buffer_patcher::add_edit(std::uint64_t offset, std::uint64_t length,
     return true;
 }
 
-// So that nothing can fail once a change is queued.
+// Ahead of queueing: a change that is in the queue and not on this list could not be rolled back,
+// should memory be exhausted between the two.
 void Ucl_buffer_patcher::make_room_on_trial() {
     if (in_transaction_ && on_trial_.size() == on_trial_.capacity()) {
         on_trial_.reserve(2 * on_trial_.size() + 1);
     }
 }
 
-// Ranges do not overlap and inserts stand outside them, so only the neighbours can be in the way:
-// the last change that starts earlier, and the first that no longer is an insert at `offset`.
+// Ranges do not overlap, and no insert is inside one. So only the two neighbours can be in the way:
+// the first change behind the inserts at `offset`, and the one before that. If this one is an
+// insert at `offset`, no range reaches beyond `offset` either.
 bool Ucl_buffer_patcher::is_free(std::uint64_t offset, std::uint64_t length) const {
     const auto next = edits_.upper_bound({offset, false});
     if (length != 0 && next != edits_.end() && next->first.offset < offset + length) return false;
-    const auto here = edits_.lower_bound({offset, false});
-    if (here == edits_.begin()) return true;
-    const auto& [place, edit] = *std::prev(here);
+    if (next == edits_.begin()) return true;
+    const auto& [place, edit] = *std::prev(next);
     return place.offset + edit.length <= offset;
 }
 
-// Of all that is not on trial.
+// The end of the last change that is not on trial. No change ends behind it, as they do not
+// overlap.
 std::uint64_t Ucl_buffer_patcher::last_end() const {
     const auto last = std::find_if(edits_.rbegin(), edits_.rend(),
                                    [](const auto& queued) { return !queued.second.on_trial; });
@@ -112,9 +119,10 @@ void Ucl_buffer_patcher::apply(const scl::Scl_buffer& content, scl::Scl_buffer& 
                                scl::Scl_status& status) const {
     const std::uint64_t size = content.size(false, status);
     if (status.has_failed()) return;
+    // Before the first byte is written: half a result is of no use to anybody.
     if (last_end() > size) return status.push(scl::SCL_STATUS_OUT_OF_BOUNDS);
     scl::Scl_ostream out(output, status, scl::Scl_eol::none);
-    std::uint64_t at = 0;
+    std::uint64_t at = 0; // in the content: what is before it has been dealt with
     for (const auto& [place, edit] : edits_) {
         if (status.has_failed()) return;
         if (edit.on_trial) continue;

@@ -52,12 +52,15 @@ public:
 
     // Writes the changed content to the front of `output`, leaving out what is on trial. The queue
     // stays: applying again gives the same. A change past the content's end sets
-    // SCL_STATUS_OUT_OF_BOUNDS before anything is written; otherwise the status says what the
-    // buffers report.
+    // SCL_STATUS_OUT_OF_BOUNDS before anything is written. Afterwards the status can hold
+    // SCL_STATUS_END_OF_DATA, when the content is shorter than its size, and what the two buffers
+    // report: of files SCL_STATUS_READ_FAILED and SCL_STATUS_WRITE_FAILED. What is written then is
+    // not whole.
     virtual void apply(const scl::Scl_buffer& content, scl::Scl_buffer& output,
                        scl::Scl_status& status) const;
 
-    // The texts are copied.
+    // Offsets and lengths are in bytes; the text is copied. False, and nothing queued, for what the
+    // rules above refuse.
     [[nodiscard]] bool add_insert(std::uint64_t offset, std::u16string_view text) {
         return add_edit(offset, 0, text);
     }
@@ -72,7 +75,8 @@ public:
     [[nodiscard]] bool committed() const { return edits_.size() != on_trial_.size(); }
 
 private:
-    // Where a change belongs; inserts come before the range at the same offset.
+    // Where a change belongs. In the order of the members inserts come before the range at the same
+    // offset, which is the order in which apply() writes them.
     struct Place {
         std::uint64_t offset;
         bool is_range;
@@ -84,7 +88,9 @@ private:
         std::size_t text_length; // units
         bool on_trial;
     };
-    using Edits = std::multimap<Place, Edit>; // equal places stay in the order of queueing
+    // Sorted, for is_free() and apply(). Equal places stay in the order of queueing, and iterators
+    // stay valid, which on_trial_ needs.
+    using Edits = std::multimap<Place, Edit>;
 
     void drop_all();
     void make_room_on_trial();
@@ -93,9 +99,9 @@ private:
     [[nodiscard]] std::u16string_view text_of(const Edit& edit) const;
 
     Edits edits_;
-    std::u16string texts_; // of all changes, in the order of queueing
+    std::u16string texts_; // of all changes in one, in the order of queueing
     std::vector<Edits::iterator> on_trial_;
-    std::size_t texts_at_begin_ = 0;
+    std::size_t texts_at_begin_ = 0; // where the texts of the open transaction begin
     bool in_transaction_ = false;
 };
 

@@ -40,29 +40,32 @@ void Scl_status::push(Scl_status_code code, Scl_wstring_status_arg argument) {
 }
 
 void Scl_status::push_top(const Scl_status& other) {
-    if (other.entries_.empty()) return;
-    const Entry& top = other.entries_.back();
+    if (other.entries().empty()) return;
+    const Entry& top = other.entries().back();
     add(top.code, top.argument);
 }
 
 void Scl_status::clear() {
     value_ = 0;
     holds_error_ = false;
-    entries_.clear();
+    only_.reset();
+    several_.clear();
 }
 
 bool Scl_status::contains_value(Scl_status_code code) const {
-    return std::any_of(entries_.begin(), entries_.end(),
-                       [code](const Entry& entry) { return entry.code == code; });
+    return std::ranges::any_of(entries(),
+                               [code](const Entry& entry) { return entry.code == code; });
 }
 
 void Scl_status::add(Scl_status_code code, std::shared_ptr<const Scl_status_arg> argument) {
-    const bool repeats = !entries_.empty() && entries_.back().code == code &&
-                         same_argument(entries_.back().argument.get(), argument.get());
-    if (repeats) {
-        ++entries_.back().count;
+    Entry* const top = !several_.empty() ? &several_.back() : only_ ? &*only_ : nullptr;
+    if (top == nullptr) {
+        only_ = Entry{code, std::move(argument), 1};
+    } else if (top->code == code && same_argument(top->argument.get(), argument.get())) {
+        ++top->count;
     } else {
-        entries_.push_back({code, std::move(argument), 1});
+        if (several_.empty()) several_.push_back(*only_);
+        several_.push_back({code, std::move(argument), 1});
     }
     value_ = code;
     holds_error_ = holds_error_ || scl_is_error(code);

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -49,7 +50,8 @@ public:
 
     Scl_status() = default;
 
-    // Replaces everything held by this one entry.
+    // Replaces everything held by this one entry. Allocates nothing, so that memory exhausted can
+    // be told as well.
     Scl_status& operator=(Scl_status_code code);
     void assign(Scl_status_code code, Scl_wstring_status_arg argument);
 
@@ -71,14 +73,18 @@ public:
     [[nodiscard]] bool is_warning() const { return scl_is_warning(value_); }
 
     // Oldest first.
-    [[nodiscard]] std::span<const Entry> entries() const { return entries_; }
+    [[nodiscard]] std::span<const Entry> entries() const {
+        if (!several_.empty()) return several_;
+        return {only_ ? &*only_ : nullptr, only_ ? 1U : 0U};
+    }
 
 private:
     void add(Scl_status_code code, std::shared_ptr<const Scl_status_arg> argument);
 
     Scl_status_code value_ = 0;
     bool holds_error_ = false;
-    std::vector<Entry> entries_;
+    std::optional<Entry> only_;  // while there is no more than one, which then needs no allocation
+    std::vector<Entry> several_; // all of them from the second on
 };
 
 } // namespace scl
