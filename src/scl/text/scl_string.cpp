@@ -77,6 +77,38 @@ std::size_t copy_ascii(To* to, const From* from, std::size_t size) {
                         : copy_ascii_in_blocks<LARGE>(to, from, size);
 }
 
+// Converts four bytes when they are two well-formed characters of two bytes, as in most scripts of
+// letters from Greek to Arabic; tells whether they are. Both at once: the bits of a lead byte go
+// above those of the byte behind it. A character below U+0080 must not be spelled like this.
+bool convert_two(const char* from, char16_t* to) {
+    const auto bytes = load<std::uint32_t>(from);
+    if ((bytes & 0xC0E0C0E0U) != 0x80C080C0U) return false;
+    const std::uint32_t units = (bytes & 0x001F001FU) << 6U | (bytes >> 8U & 0x003F003FU);
+    if ((units & 0x0780U) == 0 || (units & 0x07800000U) == 0) return false;
+    std::memcpy(to, &units, sizeof units);
+    return true;
+}
+
+// Converts a well-formed character of two or three bytes, as nearly all text outside ASCII consists
+// of, and gives their number; 0 when something else comes first. Table 3-7 of the Unicode Standard
+// says what is well formed.
+std::size_t convert_one(const char* from, std::size_t left, char16_t* to) {
+    const auto bits = [from](std::size_t at, unsigned mask) {
+        return static_cast<unsigned char>(from[at]) & mask;
+    };
+    if (left < 2 || bits(1, 0xC0) != 0x80) return 0;
+    const unsigned lead = bits(0, 0xFF);
+    if (lead >= 0xC2 && lead < 0xE0) {
+        *to = static_cast<char16_t>(bits(0, 0x1F) << 6U | bits(1, 0x3F));
+        return 2;
+    }
+    if (lead >= 0xF0 || lead < 0xE0 || left < 3 || bits(2, 0xC0) != 0x80) return 0;
+    const unsigned unit = bits(0, 0x0F) << 12U | bits(1, 0x3F) << 6U | bits(2, 0x3F);
+    if (unit < 0x800 || impl::scl_is_surrogate(unit)) return 0;
+    *to = static_cast<char16_t>(unit);
+    return 3;
+}
+
 // An upper bound of the bytes a text takes: a unit from U+0080 takes one byte more, one from U+0800
 // two. (A surrogate pair, four bytes, is counted as six.)
 std::size_t utf8_bound(std::u16string_view wide) {
@@ -89,14 +121,31 @@ std::size_t utf8_bound(std::u16string_view wide) {
 
 } // namespace
 
+// Outside of long ASCII, characters of one kind come in runs.
 std::size_t scl_convert(std::string_view narrow, char16_t* wide) {
+    const char* from = narrow.data();
+    const char* const end = from + narrow.size();
     char16_t* to = wide;
-    for (std::size_t at = 0; at < narrow.size();) {
-        const std::size_t ascii = copy_ascii(to, narrow.data() + at, narrow.size() - at);
-        to += ascii;
-        at += ascii;
-        while (at < narrow.size() && !is_ascii(narrow[at])) {
+    while (from != end) {
+        const auto left = static_cast<std::size_t>(end - from);
+        if (is_ascii(*from)) {
+            if (left >= LARGE && is_ascii_block<LARGE>(from)) {
+                const std::size_t ascii = copy_ascii(to, from, left);
+                to += ascii;
+                from += ascii;
+            } else {
+                *to++ = static_cast<char16_t>(*from++);
+            }
+        } else if (left >= SMALL && convert_two(from, to)) {
+            to += 2;
+            from += SMALL;
+        } else if (const std::size_t length = convert_one(from, left, to)) {
+            ++to;
+            from += length;
+        } else {
+            std::size_t at = narrow.size() - left;
             to = impl::scl_utf16_put(to, impl::scl_utf8_next_long(narrow, at));
+            from = narrow.data() + at;
         }
     }
     return static_cast<std::size_t>(to - wide);
@@ -127,7 +176,7 @@ void scl_string_append(std::string& narrow, std::u16string_view wide) {
 }
 
 void scl_stow(std::string_view narrow, std::u16string& wide) {
-    wide.resize(narrow.size());
+    if (wide.size() < narrow.size()) wide.resize(narrow.size()); // units that are there serve too
     wide.resize(scl_convert(narrow, wide.data()));
 }
 
