@@ -148,7 +148,7 @@ TEST_F(Stream, AWindowLargerThanItsMemoryIsRefused) {
 
 TEST_F(Stream, WritesGoBackAndOverButLeaveNoGap) {
     scl::Scl_ostream out(buffer, status, Scl_eol::none);
-    const std::string large(200000, 'x');
+    const std::string large(300000, 'x');
     out.write("0123456789" + large, status);
     out.set_position(4, status);
     out.write("--", status);
@@ -156,7 +156,7 @@ TEST_F(Stream, WritesGoBackAndOverButLeaveNoGap) {
     EXPECT_TRUE(status.ok());
     EXPECT_TRUE(text_in(buffer) == "0123--6789" + large);
     out.init(buffer, status, Scl_eol::none);
-    out.set_position(200011, status);
+    out.set_position(300011, status);
     out.write("y", status);
     out.detach(status);
     EXPECT_TRUE(reported(scl::SCL_STATUS_OUT_OF_BOUNDS));

@@ -73,8 +73,14 @@ void expect_of_all(const std::function<bool(char32_t)>& holds) {
         ASSERT_TRUE(holds(c)) << std::hex << std::uint32_t{c};
 }
 
+// Both ways, where both are open.
 std::u16string lower(std::u16string text) {
+    std::u16string normal = text;
     scl::scl_lower(text);
+    if (scl::scl_can_normalize(normal) && scl::scl_is_normalized(normal)) {
+        scl::scl_lower_normalized(normal);
+        EXPECT_EQ(normal, text);
+    }
     return text;
 }
 
@@ -176,6 +182,7 @@ TEST(Unicode, NormalizationConforms) {
             const std::u16string& expected = c[i < 3 ? 1 : 3];
             EXPECT_EQ(nfc(c[i]), expected) << row[0] << " column " << i + 1;
             EXPECT_EQ(scl::scl_is_normalized(c[i]), c[i] == expected) << row[0];
+            EXPECT_TRUE(c[i] == expected || !scl::scl_is_plain(c[i])) << row[0];
         }
         if (row[0].find(' ') == std::string::npos) listed.insert(code_point_of(row[0]));
         ++cases;

@@ -10,6 +10,9 @@ namespace scl::impl {
 
 namespace {
 
+// As many characters as a segment hardly ever has, so that most need one allocation only.
+constexpr std::size_t MANY_MARKS = 16;
+
 constexpr char32_t HANGUL_BASE = 0xAC00;
 constexpr char32_t LEAD_BASE = 0x1100;
 constexpr char32_t VOWEL_BASE = 0x1161;
@@ -55,6 +58,7 @@ const Decomposition& decomposition(char32_t code_point) {
 
 void Composer::compose(std::u16string_view segment, std::u16string& out) {
     characters_.clear();
+    characters_.reserve(MANY_MARKS);
     for (std::size_t at = 0; at < segment.size();) {
         decompose(scl_utf16_next(segment, at));
     }

@@ -10,7 +10,6 @@ namespace scl {
 
 namespace {
 
-constexpr char16_t CAPITAL_I_WITH_DOT = 0x130;
 constexpr std::u16string_view SMALL_I_WITH_DOT = u"i\u0307";
 constexpr char16_t CAPITAL_SIGMA = 0x3A3;
 constexpr char16_t FINAL_SIGMA = 0x3C2;
@@ -21,8 +20,18 @@ void lower_ascii(std::u16string& text) {
     }
 }
 
-// True when the first character from `at` on that is not case-ignorable is cased. As no sigma is
-// case-ignorable, each character is looked at for one sigma at most.
+// Whether the nearest character on one side that is not case-ignorable is cased. As no sigma is
+// case-ignorable, each character is looked at for one sigma at most on either side. What is before
+// a sigma is lower-case already, which changes neither property.
+
+bool is_after_cased(std::u16string_view text, std::size_t at) {
+    while (at > 0) {
+        const auto& properties = impl::properties_of(impl::scl_utf16_previous(text, at));
+        if (!properties.case_ignorable) return properties.cased;
+    }
+    return false;
+}
+
 bool is_before_cased(std::u16string_view text, std::size_t at) {
     while (at < text.size()) {
         const auto& properties = impl::properties_of(impl::scl_utf16_next(text, at));
@@ -34,10 +43,9 @@ bool is_before_cased(std::u16string_view text, std::size_t at) {
 // Writes out the one character that grows, so that all others are mapped in their places. For the
 // sigmas around it nothing changes: the i is cased as well, and the dot is case-ignorable.
 void expand_capital_i(std::u16string& text) {
-    if (text.find(CAPITAL_I_WITH_DOT) == std::u16string::npos) return;
     std::u16string expanded;
     for (const char16_t unit : text) {
-        if (unit == CAPITAL_I_WITH_DOT) {
+        if (unit == impl::CAPITAL_I_WITH_DOT) {
             expanded += SMALL_I_WITH_DOT;
         } else {
             expanded += unit;
@@ -46,20 +54,64 @@ void expand_capital_i(std::u16string& text) {
     text.assign(expanded);
 }
 
-void lower_any(std::u16string& text) {
-    expand_capital_i(text);
-    bool is_after_cased = false; // what came last and is not case-ignorable is cased
-    for (std::size_t at = 0; at < text.size();) {
-        char16_t* const here = text.data() + at;
-        const char32_t code_point = impl::scl_utf16_next(text, at);
-        const auto& properties = impl::properties_of(code_point);
-        char32_t small = code_point + static_cast<char32_t>(properties.to_lower);
-        if (code_point == CAPITAL_SIGMA && is_after_cased && !is_before_cased(text, at)) {
-            small = FINAL_SIGMA;
-        }
-        static_cast<void>(impl::scl_utf16_put(here, small)); // of the same length
-        if (!properties.case_ignorable) is_after_cased = properties.cased;
+// For text below FIRST_MARK, which holds no sigma.
+void lower_by_unit(std::u16string& text) {
+    bool grows = false;
+    for (char16_t& unit : text) {
+        grows |= unit == impl::CAPITAL_I_WITH_DOT;
+        unit = impl::SMALL_LETTERS[unit];
     }
+    if (grows) expand_capital_i(text);
+}
+
+char32_t small_form(std::u16string_view text, std::size_t at, char32_t code_point,
+                    std::size_t after) {
+    if (code_point == CAPITAL_SIGMA && is_after_cased(text, at) && !is_before_cased(text, after)) {
+        return FINAL_SIGMA;
+    }
+    return code_point + static_cast<char32_t>(impl::properties_of(code_point).to_lower);
+}
+
+// Maps the character at `at` in its place, as its small form is of the same length, and moves `at`
+// past it. True when it changed in front of something that normalisation touches.
+bool lower_one(std::u16string& text, std::size_t& at) {
+    const std::size_t here = at;
+    const char32_t code_point = impl::scl_utf16_next(text, at);
+    const char32_t small = small_form(text, here, code_point, at);
+    static_cast<void>(impl::scl_utf16_put(text.data() + here, small));
+    return small != code_point && at < text.size() &&
+           (impl::UNIT_TRAITS[text[at]] & impl::UNIT_TOUCHED) != 0;
+}
+
+// Maps any text. Of a text in NFC, false when it is in NFC still: no mapping makes or unmakes a
+// mark, and a letter composes with marks that follow it, so only one that changed in front of a
+// mark can have come to compose (J with U+030C), or no longer be where its dot belongs (U+0130).
+bool lower_any(std::u16string& text) {
+    bool may_compose = false;
+    for (std::size_t at = 0; at < text.size();) {
+        if ((impl::UNIT_TRAITS[text[at]] & impl::UNIT_LOWERS) == 0) {
+            ++at;
+        } else if (text[at] == impl::CAPITAL_I_WITH_DOT) {
+            expand_capital_i(text); // all that there are
+            may_compose = true;
+        } else if (lower_one(text, at)) {
+            may_compose = true;
+        }
+    }
+    return may_compose;
+}
+
+// Does what needs no thought of marks: ASCII, and what else is below the first of them. False for
+// other text, which is left as it is.
+bool lower_plain(std::u16string& text) {
+    const std::uint16_t bits = impl::scl_all_bits(text);
+    if (bits >= impl::FIRST_MARK) return false;
+    if (bits < 0x80) {
+        lower_ascii(text);
+    } else {
+        lower_by_unit(text);
+    }
+    return true;
 }
 
 char32_t fold(char32_t code_point) {
@@ -86,13 +138,14 @@ int compare(Text a, Text b, Next next) {
 } // namespace
 
 void scl_lower(std::u16string& text) {
-    if (impl::scl_all_bits(text) < 0x80) {
-        lower_ascii(text);
-        return;
-    }
-    const bool was_normal = scl_can_normalize(text) && scl_is_normalized(text);
-    lower_any(text);
-    if (was_normal) impl::scl_normalize(text, text);
+    if (lower_plain(text)) return;
+    const bool was_normal =
+        scl_is_plain(text) || (scl_can_normalize(text) && scl_is_normalized(text));
+    if (lower_any(text) && was_normal) impl::scl_normalize(text, text);
+}
+
+void scl_lower_normalized(std::u16string& text) {
+    if (!lower_plain(text) && lower_any(text)) impl::scl_normalize(text, text);
 }
 
 int scl_utf8_compare_nc(std::string_view a, std::string_view b) {

@@ -16,6 +16,10 @@ namespace scl {
 // but for a text that holds U+0130 or must be composed.
 void scl_lower(std::u16string& text);
 
+// The same, and faster, for a text that is known to be in Normalization Form C and to hold no lone
+// surrogate, as scl_normalize makes one of what scl_can_normalize accepts.
+void scl_lower_normalized(std::u16string& text);
+
 // Comparison that ignores case: the simple case foldings (CaseFolding.txt, status C and S) are
 // compared code point by code point. The result is 0 for texts that are equal so, else its sign is
 // that of the first difference in code point order; a text that another begins with comes first.

@@ -4,16 +4,14 @@
 #include "scl/text/scl_utf.hpp"
 #include "scl/text/unicode_tables.hpp"
 
+#include <algorithm>
+
 namespace scl {
 
 namespace {
 
-// Below it nothing is a combining mark and nothing changes in NFC.
-constexpr char16_t FIRST_MARK = 0x300;
-
-// True for most texts that are wholly below the first mark, and for no others.
-bool is_below_marks(std::u16string_view text) {
-    return impl::scl_all_bits(text) < FIRST_MARK;
+bool is_untouched(char16_t unit) {
+    return (impl::UNIT_TRAITS[unit] & impl::UNIT_TOUCHED) == 0;
 }
 
 // True when nothing before the character has to do with its normal form.
@@ -34,7 +32,7 @@ Stretch normal_stretch(std::u16string_view text, std::size_t at) {
     std::uint8_t last_class = 0;
     while (at < text.size()) {
         const std::size_t here = at;
-        if (text[at] < FIRST_MARK) {
+        if (is_untouched(text[at])) {
             last_class = 0;
             boundary = at++;
             continue;
@@ -77,24 +75,23 @@ std::u16string composed(std::u16string_view text, Stretch stretch) {
 } // namespace
 
 bool scl_can_normalize(std::u16string_view text) {
-    if (impl::scl_all_bits(text) < impl::SCL_FIRST_SURROGATE) return true;
-    for (std::size_t at = 0; at < text.size();) {
+    const auto first = std::ranges::find_if(text, impl::scl_is_surrogate);
+    for (auto at = static_cast<std::size_t>(first - text.begin()); at < text.size();) {
         if (impl::scl_is_surrogate(impl::scl_utf16_next(text, at))) return false;
     }
     return true;
 }
 
+bool impl::scl_is_untouched(std::u16string_view text) {
+    return std::ranges::all_of(text, is_untouched);
+}
+
 bool scl_is_normalized(std::u16string_view text) {
-    if (is_below_marks(text)) return true;
     const Stretch stretch = normal_stretch(text, 0);
     return stretch.is_whole || composed(text, stretch) == text;
 }
 
 void impl::scl_normalize(std::u16string_view in, std::u16string& out) {
-    if (is_below_marks(in)) {
-        out.assign(in);
-        return;
-    }
     const Stretch stretch = normal_stretch(in, 0);
     if (stretch.is_whole) {
         out.assign(in);

@@ -12,10 +12,19 @@ class Scl_status;
 // True when the text is well-formed UTF-16, that is, holds no lone surrogate.
 [[nodiscard]] bool scl_can_normalize(std::u16string_view text);
 
-// True for text wholly below U+0300 (nearly always: it may miss some). Such text is well formed and
-// in any normal form that composes; Latin letters with accents of their own are part of it.
+namespace impl {
+
+// True when normalisation touches none of the units. One look-up a unit.
+[[nodiscard]] bool scl_is_untouched(std::u16string_view text);
+
+} // namespace impl
+
+// True for text of characters that Normalization Form C never changes and that never join what is
+// before them: NFC_Quick_Check Yes and combining class 0. Most text is such: Latin with letters
+// that have accents of their own, Cyrillic, Han, Hangul syllables. It is well formed and in the
+// form. Other text may be in the form as well; characters beyond U+FFFF are never counted as plain.
 [[nodiscard]] inline bool scl_is_plain(std::u16string_view text) {
-    return impl::scl_all_bits(text) < 0x300;
+    return impl::scl_all_bits(text) < 0x300 || impl::scl_is_untouched(text);
 }
 
 // True when the text is in Normalization Form C (Unicode Standard Annex #15). A lone surrogate

@@ -33,6 +33,15 @@ inline constexpr char32_t SCL_FIRST_SURROGATE = 0xD800;
     return unit;
 }
 
+// The code point before `at`, which is moved in front of it. `at` must be above 0.
+[[nodiscard]] inline char32_t scl_utf16_previous(std::u16string_view text, std::size_t& at) {
+    const char32_t unit = text[--at];
+    if (scl_is_trail(unit) && at > 0 && scl_is_lead(text[at - 1])) {
+        return 0x10000 + ((text[--at] - 0xD800U) << 10U) + (unit - 0xDC00);
+    }
+    return unit;
+}
+
 // Writes a code point as one or two units; gives the position after them.
 [[nodiscard]] inline char16_t* scl_utf16_put(char16_t* to, char32_t code_point) {
     if (code_point < 0x10000) {

@@ -3,6 +3,7 @@
 #include "scl/text/unicode_tables.hpp"
 
 #include "scl/text/scl_unicode.hpp"
+#include "scl/text/unit_tables.hpp"
 
 // clang-format off
 static_assert(scl::SCL_UNICODE_VERSION == "15.0.0");
@@ -1413,7 +1414,7 @@ const std::array<std::uint8_t, 65536> SCL_UNICODE_BIT_TABLE = {
 };
 
 namespace {
-constexpr Properties SCL_PROPERTIES_DATA[] = {
+constexpr Properties PROPERTIES_DATA[] = {
     {0,0,0,0,1,0,0,0,0},{0,0,0,6,1,0,0,0,0},{0,0,0,134,1,0,0,0,0},{0,0,0,142,1,0,0,0,0},
     {0,0,0,126,1,0,0,0,0},{0,0,0,118,1,0,0,0,0},{0,0,0,3,1,0,0,0,0},{0,0,0,83,1,0,0,0,0},
     {0,0,0,4,1,0,0,0,0},{0,0,0,75,1,0,0,0,1},{0,0,0,59,1,0,0,0,0},{0,0,0,67,1,0,0,0,1},
@@ -1483,7 +1484,7 @@ constexpr Properties SCL_PROPERTIES_DATA[] = {
     {0,0,0,152,1,0,0,0,0},{0,0,0,164,1,0,0,1,0},{0,0,0,148,1,0,0,0,0},{0,0,0,92,1,0,0,0,1},
 };
 } // namespace
-constinit const std::span<const Properties> PROPERTIES(SCL_PROPERTIES_DATA);
+constinit const std::span<const Properties> PROPERTIES(PROPERTIES_DATA);
 
 namespace {
 constexpr std::uint8_t PROPERTY_PLACES_DATA[] = {
@@ -2494,7 +2495,7 @@ constexpr std::uint8_t PROPERTY_PLACES_DATA[] = {
 } // namespace
 constinit const std::span<const std::uint8_t> PROPERTY_PLACES(PROPERTY_PLACES_DATA);
 
-const std::array<std::uint16_t, 8704> PROPERTY_BLOCKS = {
+constexpr std::array<std::uint16_t, 8704> PROPERTY_BLOCKS = {
     0,1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20,21,22,23,24,25,26,27,28,29,30,31,32,33,34,
     35,36,37,38,39,40,41,41,41,42,43,44,45,46,47,48,49,50,51,52,53,54,55,56,57,58,59,60,61,62,63,64,
     65,66,67,68,69,70,71,72,73,74,75,76,77,72,72,78,79,72,80,81,82,83,84,85,86,87,88,72,89,90,91,92,
@@ -2850,8 +2851,14 @@ const std::array<std::uint16_t, 8704> PROPERTY_BLOCKS = {
     114,
 };
 
+constinit const Unit_traits UNIT_TRAITS =
+    make_unit_traits(PROPERTIES_DATA, PROPERTY_PLACES_DATA, PROPERTY_BLOCKS.data());
+
+constinit const Small_letters SMALL_LETTERS =
+    make_small_letters(PROPERTIES_DATA, PROPERTY_PLACES_DATA, PROPERTY_BLOCKS.data());
+
 namespace {
-constexpr Decomposition SCL_DECOMPOSITIONS_DATA[] = {
+constexpr Decomposition DECOMPOSITIONS_DATA[] = {
     {0xc0,0x41,0x300},{0xc1,0x41,0x301},{0xc2,0x41,0x302},{0xc3,0x41,0x303},{0xc4,0x41,0x308},
     {0xc5,0x41,0x30a},{0xc7,0x43,0x327},{0xc8,0x45,0x300},{0xc9,0x45,0x301},{0xca,0x45,0x302},
     {0xcb,0x45,0x308},{0xcc,0x49,0x300},{0xcd,0x49,0x301},{0xce,0x49,0x302},{0xcf,0x49,0x308},
@@ -3359,10 +3366,10 @@ constexpr Decomposition SCL_DECOMPOSITIONS_DATA[] = {
     {0x2fa1c,0x9f3b,0x0},{0x2fa1d,0x2a600,0x0},
 };
 } // namespace
-constinit const std::span<const Decomposition> DECOMPOSITIONS(SCL_DECOMPOSITIONS_DATA);
+constinit const std::span<const Decomposition> DECOMPOSITIONS(DECOMPOSITIONS_DATA);
 
 namespace {
-constexpr Decomposition SCL_COMPOSITIONS_DATA[] = {
+constexpr Decomposition COMPOSITIONS_DATA[] = {
     {0x226e,0x3c,0x338},{0x2260,0x3d,0x338},{0x226f,0x3e,0x338},{0xc0,0x41,0x300},{0xc1,0x41,0x301},
     {0xc2,0x41,0x302},{0xc3,0x41,0x303},{0x100,0x41,0x304},{0x102,0x41,0x306},{0x226,0x41,0x307},
     {0xc4,0x41,0x308},{0x1ea2,0x41,0x309},{0xc5,0x41,0x30a},{0x1cd,0x41,0x30c},{0x200,0x41,0x30f},
@@ -3592,7 +3599,7 @@ constexpr Decomposition SCL_COMPOSITIONS_DATA[] = {
     {0x11938,0x11935,0x11930},
 };
 } // namespace
-constinit const std::span<const Decomposition> COMPOSITIONS(SCL_COMPOSITIONS_DATA);
+constinit const std::span<const Decomposition> COMPOSITIONS(COMPOSITIONS_DATA);
 
 } // namespace scl::impl
 // clang-format on

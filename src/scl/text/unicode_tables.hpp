@@ -5,7 +5,8 @@
 #include <cstdint>
 #include <span>
 
-// The data behind normalisation and case mapping. The definitions are generated.
+// The data behind normalisation and case mapping. The definitions are generated, but for the two
+// tables by unit, which unit_tables.hpp derives from the others.
 namespace scl::impl {
 
 // What normalisation and case mapping need to know of one code point. Many code points share one.
@@ -42,6 +43,25 @@ extern const std::span<const Properties> PROPERTIES;
 extern const std::span<const Decomposition> DECOMPOSITIONS;
 // The primary composites, sorted by `first`, then `second`.
 extern const std::span<const Decomposition> COMPOSITIONS;
+
+// What normalisation (NFC) and lower-casing do with a 16-bit unit. Most units have neither trait:
+// one look-up settles them, and nothing is decoded. Surrogates have both, but for the second half
+// of a pair, which goes with its first: only the whole pair can tell.
+inline constexpr std::uint8_t UNIT_TOUCHED = 1; // may change, or change with what is before it
+inline constexpr std::uint8_t UNIT_LOWERS = 2;  // has another small form
+
+using Unit_traits = std::array<std::uint8_t, 0x10000>;
+extern const Unit_traits UNIT_TRAITS;
+
+// Below it nothing is a combining mark, nothing changes in NFC, and every character is one unit.
+inline constexpr char16_t FIRST_MARK = 0x300;
+// The one character that grows when it is lower-cased (SpecialCasing.txt). The table of small
+// letters has it unchanged.
+inline constexpr char16_t CAPITAL_I_WITH_DOT = 0x130;
+
+// The small form of each unit below FIRST_MARK.
+using Small_letters = std::array<char16_t, FIRST_MARK>;
+extern const Small_letters SMALL_LETTERS;
 
 // The properties of a code point; values above U+10FFFF have those of an unassigned one.
 [[nodiscard]] inline const Properties& properties_of(char32_t code_point) {

@@ -1,0 +1,50 @@
+#pragma once
+
+#include "scl/text/scl_utf.hpp"
+#include "scl/text/unicode_tables.hpp"
+
+// Derives, while the generated tables are compiled, the tables that go by 16-bit unit. They repeat
+// what the properties say and would only make the generated file longer.
+namespace scl::impl {
+
+[[nodiscard]] constexpr std::uint8_t traits_of(const Properties& properties) {
+    const bool is_inert = properties.nfc_yes && properties.combining_class == 0;
+    return static_cast<std::uint8_t>((is_inert ? 0 : UNIT_TOUCHED) |
+                                     (properties.to_lower != 0 ? UNIT_LOWERS : 0));
+}
+
+// Plain pointers and one statement a unit: compilers limit the steps of a constant expression.
+[[nodiscard]] constexpr Unit_traits make_unit_traits(std::span<const Properties> properties,
+                                                     const std::uint8_t* places,
+                                                     const std::uint16_t* blocks) {
+    std::uint8_t by_place[256] = {};
+    for (std::size_t place = 0; place < properties.size(); ++place) {
+        by_place[place] = traits_of(properties[place]);
+    }
+    Unit_traits traits{};
+    std::uint8_t* const to = traits.data();
+    for (std::size_t unit = 0; unit < traits.size(); ++unit) {
+        to[unit] = by_place[places[blocks[unit / PROPERTY_BLOCK] * PROPERTY_BLOCK +
+                                   unit % PROPERTY_BLOCK]];
+    }
+    for (char32_t unit = SCL_FIRST_SURROGATE; scl_is_surrogate(unit); ++unit) {
+        to[unit] = static_cast<std::uint8_t>(UNIT_TOUCHED | (scl_is_lead(unit) ? UNIT_LOWERS : 0));
+    }
+    return traits;
+}
+
+[[nodiscard]] constexpr Small_letters make_small_letters(std::span<const Properties> properties,
+                                                         const std::uint8_t* places,
+                                                         const std::uint16_t* blocks) {
+    Small_letters small{};
+    for (std::size_t unit = 0; unit < small.size(); ++unit) {
+        const std::size_t block = blocks[unit / PROPERTY_BLOCK];
+        const Properties& found =
+            properties[places[block * PROPERTY_BLOCK + unit % PROPERTY_BLOCK]];
+        small[unit] = static_cast<char16_t>(static_cast<std::int32_t>(unit) + found.to_lower);
+    }
+    small[CAPITAL_I_WITH_DOT] = CAPITAL_I_WITH_DOT;
+    return small;
+}
+
+} // namespace scl::impl
