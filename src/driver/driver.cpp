@@ -33,8 +33,6 @@ bool fail_with_usage(const char* message) {
 
 Driver::~Driver() {
     if (output_given_ && std::uncaught_exceptions() > exceptions_before_) remove_output();
-    const Signals_wait hold;
-    remove_when_interrupted(nullptr); // the name goes with this object
 }
 
 int Driver::run(int argument_count, const char* const* arguments) {
@@ -108,7 +106,7 @@ void Driver::create_output(std::string_view name) {
     const Signals_wait hold;
     output_.open(wide(name), scl::Scl_file_open::create, scl::Scl_file_access::read_write,
                  scl::SCL_FILE_PLAIN, scl::SCL_FILE_FRONT_TO_BACK, status_);
-    if (status_.ok()) remove_when_interrupted(output_name_.c_str());
+    if (status_.ok()) remove_when_interrupted(output_name_);
 }
 
 bool Driver::take_schema(std::string_view text) {
@@ -199,7 +197,7 @@ void Driver::remove_output() {
     // checksum and no reader takes it.
     const Signals_wait hold;
     (void)std::remove(output_name_.c_str());
-    remove_when_interrupted(nullptr); // another run may make a file of that name from here on
+    remove_when_interrupted({}); // another run may make a file of that name from here on
 }
 
 } // namespace driver

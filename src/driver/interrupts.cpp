@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <climits>
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
@@ -18,8 +19,9 @@ constexpr std::array ENDING_SIGNALS = {SIGINT, SIGTERM, SIGHUP};
 // More descriptors than a shell would ever hand down are not searched.
 constexpr int MOST_DESCRIPTORS = 65536;
 
-// Read by the handler, and so of a kind that a handler may read.
-const char* volatile output_to_remove = nullptr;
+// Read by the handler, and so written only while it cannot run. The system opens no longer name.
+// It outlives every object: a run may be interrupted while it ends.
+char output_to_remove[PATH_MAX] = "";
 
 sigset_t ending_signals() {
     sigset_t signals;
@@ -53,7 +55,7 @@ bool is_own_scratch(const struct stat& entry) {
 
 // Calls nothing but the system, and only what it allows in a handler.
 extern "C" void clean_up_and_end(int signal) {
-    if (output_to_remove != nullptr) (void)::unlink(output_to_remove);
+    if (output_to_remove[0] != '\0') (void)::unlink(output_to_remove);
     constexpr const char* SCRATCH = tla::TLA_SCRATCH_FILE_NAME.data();
     struct stat entry {};
     if (::lstat(SCRATCH, &entry) == 0 && is_own_scratch(entry)) (void)::unlink(SCRATCH);
@@ -87,8 +89,9 @@ Signals_wait::~Signals_wait() {
     (void)::sigprocmask(SIG_SETMASK, &before_, nullptr);
 }
 
-void remove_when_interrupted(const char* output_name) {
-    output_to_remove = output_name;
+void remove_when_interrupted(std::string_view output_name) {
+    const std::string_view name = output_name.substr(0, sizeof output_to_remove - 1);
+    *std::ranges::copy(name, output_to_remove).out = '\0';
 }
 
 } // namespace driver

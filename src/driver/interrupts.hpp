@@ -1,6 +1,7 @@
 #pragma once
 
 #include <csignal>
+#include <string_view>
 
 namespace driver {
 
@@ -26,8 +27,8 @@ private:
     sigset_t before_{};
 };
 
-// The output to remove from now on; null when there is none, or none any more. The name is not
-// copied. Only while signals wait.
-void remove_when_interrupted(const char* output_name);
+// The output to remove from now on, until the process has ended; nothing for an empty name. Only
+// while signals wait.
+void remove_when_interrupted(std::string_view output_name);
 
 } // namespace driver
