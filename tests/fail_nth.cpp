@@ -1,7 +1,7 @@
 // A library to preload: makes the Nth file operation of a program fail, N from FAIL_AT; only that
 // one, or with FAIL_ON=1 all from there on. It counts opening, examining, reading, writing,
-// removing and closing files; with FAIL_EMPTY=1 reading alone, which then brings nothing, as at the
-// end of a file. It creates FAIL_REPORT when it has made one fail.
+// removing and closing files, and creates FAIL_REPORT when it has made one fail. With FAIL_EMPTY=1
+// a read that fails brings nothing, as at the end of a file.
 #include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
@@ -17,12 +17,7 @@ Function* next_of(const char* name) {
     return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-bool reads_empty() {
-    static const bool empty = std::getenv("FAIL_EMPTY") != nullptr;
-    return empty;
-}
-
-bool comes_to_its_turn(int error) {
+bool fails(int error) {
     static const char* const at = std::getenv("FAIL_AT");
     static const bool on = std::getenv("FAIL_ON") != nullptr;
     static long count = 0;
@@ -36,10 +31,6 @@ bool comes_to_its_turn(int error) {
         errno = error;
     }
     return failing;
-}
-
-bool fails(int error) {
-    return !reads_empty() && comes_to_its_turn(error);
 }
 
 } // namespace
@@ -63,7 +54,8 @@ int lstat(const char* name, struct stat* facts) {
 }
 
 ssize_t pread(int file, void* bytes, size_t count, off_t offset) {
-    if (comes_to_its_turn(EIO)) return reads_empty() ? 0 : -1;
+    static const ssize_t failed = std::getenv("FAIL_EMPTY") != nullptr ? 0 : -1;
+    if (fails(EIO)) return failed;
     return next_of<ssize_t(int, void*, size_t, off_t)>("pread")(file, bytes, count, offset);
 }
 

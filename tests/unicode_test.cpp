@@ -98,7 +98,7 @@ std::string utf8(std::u16string_view text) {
     return narrow;
 }
 
-TEST(Unicode, ClassesFollowCategoryAndWhiteSpace) {
+TEST(Unicode_tables, ClassesFollowCategoryAndWhiteSpace) {
     using Type = scl::Scl_unicode_code_point_type;
     const std::map<char, Type> types = {
         {'L', Type::letter},   {'N', Type::number}, {'P', Type::punctuation}, {'S', Type::symbol},
@@ -117,7 +117,7 @@ TEST(Unicode, ClassesFollowCategoryAndWhiteSpace) {
     EXPECT_EQ(scl::scl_code_point_type(0xFFFFFFFF), Type::other);
 }
 
-TEST(Unicode, WordBreaksFollowTheAnnexButForOneBlank) {
+TEST(Unicode_tables, WordBreaksFollowTheAnnexButForOneBlank) {
     using Break = scl::Scl_word_break;
     std::map<std::string, Break> values_by_name;
     std::istringstream names("Other ALetter Hebrew_Letter Katakana Numeric ExtendNumLet MidLetter "
@@ -137,7 +137,7 @@ TEST(Unicode, WordBreaksFollowTheAnnexButForOneBlank) {
     });
 }
 
-TEST(Unicode, LowerMapsEveryCodePoint) {
+TEST(Case, LowerMapsEveryCodePoint) {
     std::vector<std::u16string> mapped(LIMIT);
     for_each_row(DSMAKE_UNICODE_DATA "/UnicodeData.txt", [&](const Row& row) {
         if (row[13] != "") mapped[code_point_of(row[0])] = text_of(row[13]);
@@ -152,7 +152,7 @@ TEST(Unicode, LowerMapsEveryCodePoint) {
     });
 }
 
-TEST(Unicode, ComparisonFoldsEveryCodePoint) {
+TEST(Case, ComparisonFoldsEveryCodePoint) {
     std::vector<char32_t> folded(LIMIT);
     for (char32_t c = 0; c < LIMIT; ++c)
         folded[c] = c;
@@ -171,7 +171,7 @@ TEST(Unicode, ComparisonFoldsEveryCodePoint) {
     });
 }
 
-TEST(Unicode, NormalizationConforms) {
+TEST(Normalization, Conforms) {
     std::set<char32_t> listed; // the single code points of part 1
     std::size_t cases = 0;
     for_each_row(DSMAKE_NORMALIZATION_TEST, [&](const Row& row) {
@@ -192,7 +192,7 @@ TEST(Unicode, NormalizationConforms) {
         [&](char32_t c) { return listed.contains(c) || nfc(units_of(c)) == units_of(c); });
 }
 
-TEST(Unicode, NormalizationBesideLoneSurrogatesAndInPlace) {
+TEST(Normalization, WorksBesideLoneSurrogatesAndInPlace) {
     const std::u16string lone = {u'e', 0x301, 0xD800, u'e', 0x301, 0xDC00};
     const std::u16string lone_normal = {0xE9, 0xD800, 0xE9, 0xDC00};
     EXPECT_EQ(nfc(lone), lone_normal);
@@ -203,7 +203,7 @@ TEST(Unicode, NormalizationBesideLoneSurrogatesAndInPlace) {
     EXPECT_EQ(own, u"--");
 }
 
-TEST(Unicode, LongRunsOfMarksStayLinear) {
+TEST(Normalization, LongRunsOfMarksStayLinear) {
     constexpr std::size_t COUNT = 300000;
     std::u16string text = u"a\u0323";
     std::u16string above;
@@ -218,14 +218,14 @@ TEST(Unicode, LongRunsOfMarksStayLinear) {
     EXPECT_EQ(small.find(u'\u03C2'), (COUNT - 300) * 3) << "only the last one is final";
 }
 
-TEST(Unicode, CanNormalizeWhatIsWellFormed) {
+TEST(Normalization, TakesWhatIsWellFormed) {
     EXPECT_TRUE(scl::scl_can_normalize(u"a\U00010400\U0010FFFF\uE000\uD7FF"));
     for (const std::u16string& lone : std::vector<std::u16string>{
              {0xD800}, {0xDC00, 0xD800}, {0xD83D, u'b', 0xDE00}, {0xD83D, 0xD83D, 0xDE00}})
         EXPECT_FALSE(scl::scl_can_normalize(u"0123456789" + lone));
 }
 
-TEST(Unicode, FinalSigma) {
+TEST(Case, FinalSigma) {
     const std::pair<std::u16string, std::u16string> cases[] = {
         {u"\u039F\u0394\u039F\u03A3", u"\u03BF\u03B4\u03BF\u03C2"},
         {u"\u03A3", u"\u03C3"},         // nothing before it
@@ -242,7 +242,7 @@ TEST(Unicode, FinalSigma) {
         EXPECT_EQ(lower(text), small);
 }
 
-TEST(Unicode, LowerKeepsNormalFormAndOnlyThat) {
+TEST(Case, LowerKeepsNormalFormAndOnlyThat) {
     EXPECT_EQ(lower(u"@AZ[`az{"), u"@az[`az{");
     EXPECT_EQ(lower(u"\u0130X\u0130"), u"i\u0307xi\u0307");
     // Not in the form before: only mapped.

@@ -1,7 +1,8 @@
 #!/bin/sh
-# check_static_init.sh [BUILD]: fails when an object of src/ that lives as long as the program has to
-# be made before main or destroyed after it. Whoever links the library would pay for that at every
-# start, and such code runs in an order that nobody wrote down. Constants are constinit or constexpr.
+# check_static_init.sh [BUILD]: fails when an object of src/ that lives as long as the program has
+# to be made before main or destroyed after it. Whoever links the library would pay for that at each
+# start, and such code runs in an order that nobody wrote down. Constants are constinit or
+# constexpr.
 #
 # clang tells, whatever compiler the build uses. BUILD is a configured build folder, which holds the
 # generated message header; build/debug unless given.

@@ -173,8 +173,8 @@ def check_starters(pairs, combining, maybe, never):
 
 def check_lower(lower, data, combining, maybe, never):
     """What changes when a text in NFC is lower-cased must neither join what is before it nor matter
-    differently to a sigma near by: the code looks at a character's successor only, and maps in place
-    while it looks back."""
+    differently to a sigma near by: the code looks at a character's successor only, and maps in
+    place while it looks back."""
     cased = data.having("DerivedCoreProperties.txt", "Cased")
     ignorable = data.having("DerivedCoreProperties.txt", "Case_Ignorable")
     for code_point, mapped in lower.items():

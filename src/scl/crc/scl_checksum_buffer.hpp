@@ -6,7 +6,9 @@
 namespace scl {
 
 // Hands writes on to another buffer and sums up the bytes as they pass, while they are in the
-// cache. For writing strictly front to back, from offset 0.
+// cache: reading the file once more would cost more than the checksum. For writing strictly front
+// to back, from offset 0: bytes that are written again, or that follow a gap, are not summed up.
+// Codes are those of the target.
 class Scl_checksum_buffer final : public Scl_buffer {
 public:
     // Bytes before `begin` are left out of the checksum. The target must outlive this buffer.
@@ -22,6 +24,7 @@ public:
     void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
                   Scl_status& status) override {
         const std::uint64_t end = offset + bytes.size();
+        // Also when the write then fails: the file is of no use, and so nor is its checksum.
         if (end > next_ && offset <= next_) {
             checksum_.update(bytes.subspan(next_ - offset));
             next_ = end;
@@ -29,6 +32,7 @@ public:
         target_.write_at(offset, bytes, status);
     }
 
+    // Of all bytes from `begin` on that were written so far.
     [[nodiscard]] const Scl_crc64& checksum() const { return checksum_; }
 
 private:

@@ -12,8 +12,9 @@ namespace scl {
 // the reader splits lines itself, `none` that the data has no lines.
 enum class Scl_eol : unsigned { text = 0, none = 3 };
 
-// Bytes that can be read, and in some kinds written, at any offset. Buffers know nothing of
-// positions: those belong to the streams attached to them. Not for use by several threads.
+// Bytes that can be read, and in some kinds written, at any offset; offsets and sizes are in bytes.
+// Buffers know nothing of positions: those belong to the streams attached to them, so that several
+// streams can read one buffer. Not for use by several threads.
 class Scl_buffer {
 public:
     Scl_buffer() = default;
@@ -22,25 +23,26 @@ public:
     virtual ~Scl_buffer() = default;
 
     // Size in bytes, or with `in_units` in whole 16-bit units. Never asks the system: a file's size
-    // is known from its opening and its writes.
+    // is known from its opening and its writes. No kind here leaves a code.
     [[nodiscard]] virtual std::uint64_t size(bool in_units, Scl_status& status) const = 0;
 
     // Reads up to bytes.size() bytes from `offset` on and returns how many there were: fewer only
-    // at the end. An offset beyond the end sets SCL_STATUS_OUT_OF_BOUNDS; a file may fail with
-    // SCL_STATUS_READ_FAILED.
+    // at the end and after a failure. Readers rely on that, and would wait for the rest for ever.
+    // An offset beyond the end sets SCL_STATUS_OUT_OF_BOUNDS; a file may fail with
+    // SCL_STATUS_READ_FAILED, and what arrived before that counts.
     virtual std::size_t read_at(std::uint64_t offset, std::span<std::byte> bytes,
                                 Scl_status& status) const = 0;
 
     // Writes all bytes, growing the buffer where they reach beyond its end. A kind that cannot be
     // written, and an offset beyond the end, set SCL_STATUS_OUT_OF_BOUNDS; a file may fail with
-    // SCL_STATUS_WRITE_FAILED.
+    // SCL_STATUS_WRITE_FAILED, and holds part of the bytes then.
     virtual void write_at(std::uint64_t /*offset*/, std::span<const std::byte> /*bytes*/,
                           Scl_status& status) {
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
     }
 
-    // The whole content where it stands in memory anyway, so that readers need no copy; else an
-    // empty span. Valid until the buffer is written to or destroyed.
+    // The whole content where it is in memory anyway, so that readers need no copy; else an empty
+    // span. Valid until the buffer is written to or destroyed.
     [[nodiscard]] virtual std::span<const std::byte> contents() const { return {}; }
 };
 

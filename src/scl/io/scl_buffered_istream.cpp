@@ -15,6 +15,7 @@ void Scl_buffered_istream::init(const Scl_buffer& buffer, bool /*at_end*/, Scl_s
 // comes of the read.
 void Scl_buffered_istream::refill(std::size_t wanted, Scl_status& status) {
     const std::uint64_t position = tell();
+    // Beyond the end there is nothing to read, and the buffer would call it out of bounds.
     if (buffer() == nullptr || position >= size(status)) return;
     const std::span<const std::byte> contents = buffer()->contents();
     if (!contents.empty()) {
@@ -31,12 +32,14 @@ void Scl_buffered_istream::refill(std::size_t wanted, Scl_status& status) {
 
 std::size_t Scl_buffered_istream::read_beyond_window(std::span<std::byte> bytes,
                                                      Scl_status& status) {
-    if (bytes.size() >= WINDOW_BYTES) { // no use in copying these twice
+    if (bytes.size() >= WINDOW_BYTES) { // no use in copying so many twice
         const std::size_t count = buffer()->read_at(tell(), bytes, status);
         set_window({}, tell() + count);
         return count;
     }
     std::size_t done = 0;
+    // After a failure as well: the window then gives what arrived before it, and is empty next
+    // time.
     while (done < bytes.size() && !window(status).empty()) {
         const std::size_t count = std::min(bytes.size() - done, at_hand());
         std::copy_n(take(count), count, bytes.begin() + static_cast<std::ptrdiff_t>(done));
@@ -46,7 +49,7 @@ std::size_t Scl_buffered_istream::read_beyond_window(std::span<std::byte> bytes,
 }
 
 unsigned char Scl_buffered_istream::read_char_beyond_window() {
-    assert(status_ != nullptr); // nobody could be told
+    assert(status_ != nullptr); // never attached: nobody could be told
     std::byte next{};
     read(1, &next, *status_);
     return std::to_integer<unsigned char>(next);

@@ -7,7 +7,9 @@
 
 namespace scl {
 
-// Reads ahead in large pieces; over a buffer that lies in memory it reads in place, without a copy.
+// Reads ahead in large pieces, so that there is no call to the system for each small read; over a
+// buffer that lies in memory it reads in place, without a copy. The codes it leaves are those of
+// Scl_istream.
 class Scl_buffered_istream final : public Scl_istream {
 public:
     Scl_buffered_istream() = default;
@@ -16,17 +18,18 @@ public:
     }
 
     // Attaches to the buffer, at the data's front: the second argument is false. `status` must
-    // outlive the attachment: it is where operations without one report.
+    // outlive the attachment: it is where read_char(), which is given none, reports.
     void init(const Scl_buffer& buffer, bool at_end, Scl_status& status, Scl_eol eol);
 
-    // The next byte; 0 with SCL_STATUS_END_OF_DATA when there is none.
+    // The next byte; 0 when there is none, with SCL_STATUS_END_OF_DATA or SCL_STATUS_READ_FAILED.
     [[nodiscard]] unsigned char read_char() {
         const std::byte* const next = take(1);
         return next != nullptr ? std::to_integer<unsigned char>(*next) : read_char_beyond_window();
     }
 
     // The bytes at hand from the position on, read in first when there are none; empty only at the
-    // end and after a failure. Valid until the next operation but skip.
+    // end, which is no error here, and after a failure (SCL_STATUS_READ_FAILED). Valid until the
+    // next operation but skip.
     [[nodiscard]] std::span<const std::byte> window(Scl_status& status) {
         return window(1, status);
     }
@@ -49,6 +52,8 @@ public:
         read_ahead_ = bytes;
     }
 
+    // Large enough that a call's cost does not show, small enough to stay in the inner caches while
+    // it is worked through.
     static constexpr std::size_t WINDOW_BYTES = std::size_t{64} << 10;
 
 protected:
@@ -58,7 +63,7 @@ private:
     void refill(std::size_t wanted, Scl_status& status);
     [[nodiscard]] unsigned char read_char_beyond_window();
 
-    std::unique_ptr<std::byte[]> storage_; // WINDOW_BYTES, taken when first needed
+    std::unique_ptr<std::byte[]> storage_; // WINDOW_BYTES, taken when first needed: never in memory
     std::size_t read_ahead_ = WINDOW_BYTES;
     Scl_status* status_ = nullptr;
 };

@@ -17,6 +17,7 @@ std::size_t Scl_memory_buffer::read_at(std::uint64_t offset, std::span<std::byte
         return 0;
     }
     const std::size_t count = std::min<std::size_t>(bytes.size(), all.size() - offset);
+    // An empty buffer may have no address at all.
     if (count != 0) std::memcpy(bytes.data(), all.data() + offset, count);
     return count;
 }
@@ -27,6 +28,7 @@ void Scl_heap_buffer::write_at(std::uint64_t offset, std::span<const std::byte> 
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
         return;
     }
+    // First what replaces bytes that are there, then what is added; nothing is filled in between.
     const std::size_t over = std::min<std::size_t>(bytes.size(), bytes_.size() - offset);
     std::copy_n(bytes.begin(), over, bytes_.begin() + static_cast<std::ptrdiff_t>(offset));
     bytes_.insert(bytes_.end(), bytes.begin() + static_cast<std::ptrdiff_t>(over), bytes.end());
@@ -35,6 +37,7 @@ void Scl_heap_buffer::write_at(std::uint64_t offset, std::span<const std::byte> 
 Scl_sub_buffer::Scl_sub_buffer(const Scl_buffer& parent, std::uint64_t begin, std::uint64_t end,
                                Scl_status& status)
     : parent_(parent) {
+    // The bounds may come from a file. Both stay 0 unless they are good.
     const std::uint64_t limit = parent.size(false, status);
     if (status.has_failed()) return;
     if (begin > end || end > limit) {
@@ -60,6 +63,7 @@ std::size_t Scl_sub_buffer::read_at(std::uint64_t offset, std::span<std::byte> b
 }
 
 std::span<const std::byte> Scl_sub_buffer::contents() const {
+    // A parent that is not in memory has no contents, and then neither has a part of it.
     const std::span<const std::byte> all = parent_.contents();
     return all.size() < end_ ? all.first(0) : all.subspan(begin_, end_ - begin_);
 }

@@ -8,7 +8,8 @@
 
 namespace scl {
 
-// What the kinds of buffer that lie in memory share: reading and size, from contents().
+// What the kinds of buffer that lie in memory share: reading and size, from contents(). A read
+// leaves SCL_STATUS_OUT_OF_BOUNDS at most.
 class Scl_memory_buffer : public Scl_buffer {
 public:
     [[nodiscard]] std::uint64_t size(bool in_units, Scl_status& status) const final;
@@ -17,7 +18,7 @@ public:
     [[nodiscard]] std::span<const std::byte> contents() const override = 0;
 };
 
-// A growable buffer of its own bytes, empty at first.
+// A growable buffer of its own bytes, empty at first. Memory exhausted is thrown (std::bad_alloc).
 class Scl_heap_buffer final : public Scl_memory_buffer {
 public:
     void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
@@ -48,7 +49,8 @@ private:
 };
 
 // A read view of a parent's bytes from `begin` up to `end`. Bounds that are out of order or outside
-// the parent set SCL_STATUS_OUT_OF_BOUNDS and give an empty view. The parent must outlive it.
+// the parent set SCL_STATUS_OUT_OF_BOUNDS and give an empty view; begin and end may both be the
+// parent's size. The parent must outlive it. Reads leave what the parent's leave.
 class Scl_sub_buffer final : public Scl_buffer {
 public:
     Scl_sub_buffer(const Scl_buffer& parent, std::uint64_t begin, std::uint64_t end,

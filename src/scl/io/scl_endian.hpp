@@ -11,6 +11,9 @@ namespace scl {
 static_assert(std::endian::native == std::endian::little,
               "16-bit text units are hashed as they lie in memory, which must be little-endian");
 
+// Integers in files, in one of the two byte orders. Through arrays of bytes, as what lies in a file
+// or a window need not be aligned; compilers make one instruction of each of these.
+
 template <std::integral T>
 using Scl_raw = std::array<std::byte, sizeof(T)>;
 

@@ -13,8 +13,9 @@ namespace scl {
 
 namespace {
 
-constexpr int FIRST_FILE_DESCRIPTOR = 3; // below stand the three standard streams
+constexpr int FIRST_FILE_DESCRIPTOR = 3; // those below belong to the three standard streams
 
+// Not to be inherited: a program started from this one has no business with these files.
 int open_retrying(const std::string& name, int flags) {
     int descriptor = -1;
     do {
@@ -34,6 +35,7 @@ int keep_off_standard_streams(int descriptor) {
     return moved;
 }
 
+// The system counts in signed numbers, and what it does beyond them is not defined.
 bool fits_offset(std::uint64_t offset, std::size_t count) {
     constexpr auto LIMIT = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
     return offset <= LIMIT && count <= LIMIT - offset;
@@ -60,6 +62,7 @@ int Scl_file::open_existing(const std::string& name) {
 }
 
 int Scl_file::create_new(const std::string& name) {
+    // O_EXCL follows no link: nobody who can write to the folder can have us write elsewhere.
     const int descriptor = open_retrying(name, O_RDWR | O_CREAT | O_EXCL);
     if (descriptor < 0) return errno;
     const int error = adopt(descriptor);
@@ -67,6 +70,8 @@ int Scl_file::create_new(const std::string& name) {
     return error;
 }
 
+// Takes over a descriptor that was just opened, or closes it. The facts are asked of the
+// descriptor, as the name may lead elsewhere by now.
 int Scl_file::adopt(int descriptor) {
     descriptor = keep_off_standard_streams(descriptor);
     if (descriptor < 0) return errno;
@@ -93,7 +98,7 @@ int Scl_file::read_at(std::uint64_t offset, std::span<std::byte> bytes, std::siz
     while (done < bytes.size()) {
         const ssize_t count = ::pread(descriptor_, bytes.data() + done, bytes.size() - done,
                                       static_cast<off_t>(offset + done));
-        if (count == 0) break;
+        if (count == 0) break; // the end: the caller knows whether it comes too early
         if (count > 0) {
             done += static_cast<std::size_t>(count);
         } else if (errno != EINTR) {
@@ -112,7 +117,7 @@ int Scl_file::write_at(std::uint64_t offset, std::span<const std::byte> bytes) c
             bytes = bytes.subspan(static_cast<std::size_t>(count));
             offset += static_cast<std::uint64_t>(count);
         } else if (count == 0) {
-            return ENOSPC;
+            return ENOSPC; // no progress and no reason given: to go on could last for ever
         } else if (errno != EINTR) {
             return errno;
         }

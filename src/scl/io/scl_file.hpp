@@ -7,8 +7,9 @@
 
 namespace scl {
 
-// The operating system, and nothing else of the project meets it. Results are error numbers as the
-// system gives them, 0 for success; names are bytes as the system takes them.
+// The operating system as far as files go; no other source file calls it for them. Results are
+// error numbers as the system gives them (errno), 0 for success: it takes a file's name to make a
+// status of one, and only a caller has that. Names are bytes as the system takes them.
 
 // What makes a directory entry the same file as another: links to one file are equal.
 struct Scl_file_identity {
@@ -17,7 +18,8 @@ struct Scl_file_identity {
     [[nodiscard]] bool operator==(const Scl_file_identity&) const = default;
 };
 
-// An open regular file; closed when destroyed.
+// An open regular file; closed when destroyed, but then nobody is told of an error: who has written
+// calls close().
 class Scl_file {
 public:
     Scl_file() = default;
@@ -25,21 +27,24 @@ public:
     Scl_file& operator=(const Scl_file&) = delete;
     ~Scl_file();
 
-    // Opens an existing file for reading; EISDIR and EINVAL stand for one that is not regular.
+    // Opens an existing file for reading. EISDIR and EINVAL mean one that is not regular: its size
+    // would say nothing of what it holds.
     [[nodiscard]] int open_existing(const std::string& name);
-    // Creates a file of mode 0600 that nobody else has; EEXIST when the entry exists, also as a
-    // link that leads nowhere.
+    // Creates a file that nobody else has, to read and write; EEXIST when the entry exists, also as
+    // a link that leads nowhere. Its mode is 0600, as what is made of sensitive data is sensitive.
     [[nodiscard]] int create_new(const std::string& name);
 
-    // Tells the system whether reads will run front to back or at random.
+    // Tells the system whether reads will run front to back or at random, for it to read ahead.
     void advise(bool at_random) const;
 
-    // Reads until `bytes` is full or the file ends; interrupted and short reads are continued.
+    // Reads until `bytes` is full or the file ends; interrupted and short reads are continued. How
+    // many bytes there were is in `done`, also after an error.
     [[nodiscard]] int read_at(std::uint64_t offset, std::span<std::byte> bytes,
                               std::size_t& done) const;
     // Writes everything or fails.
     [[nodiscard]] int write_at(std::uint64_t offset, std::span<const std::byte> bytes) const;
 
+    // Tells of a write that failed only after it was reported done. 0 when not open.
     [[nodiscard]] int close();
 
     [[nodiscard]] bool is_open() const { return descriptor_ >= 0; }

@@ -12,6 +12,8 @@ namespace {
 // Another run may put its own scratch file between our removal and our creation.
 constexpr int SCRATCH_ATTEMPTS = 100;
 
+// An output that exists already and a folder taken for a file are mistakes of their own, with
+// advice of their own; all else is told by the system's reason.
 Scl_status_code open_failure_code(Scl_file_open mode, int error) {
     if (mode == Scl_file_open::existing) {
         const bool irregular = error == EISDIR || error == EINVAL;
@@ -29,7 +31,7 @@ Scl_file_buffer::Scl_file_buffer(std::u16string_view path, Scl_file_open mode,
 }
 
 Scl_file_buffer::~Scl_file_buffer() {
-    Scl_status nobody_listens;
+    Scl_status nobody_listens; // who needs to know closes before
     close(nobody_listens);
 }
 
@@ -52,6 +54,8 @@ void Scl_file_buffer::open(std::u16string_view path, Scl_file_open mode, Scl_fil
     file_.advise(pattern == SCL_FILE_AT_RANDOM);
 }
 
+// Removes and creates, never truncates: what has the name may be a link to something precious, or
+// still be in use by another run.
 int Scl_file_buffer::create_scratch() {
     int error = 0;
     for (int attempt = 0; attempt < SCRATCH_ATTEMPTS; ++attempt) {
@@ -65,7 +69,7 @@ int Scl_file_buffer::create_scratch() {
 
 void Scl_file_buffer::close(Scl_status& status) {
     if (!file_.is_open()) return;
-    if (scratch_) remove_scratch();
+    if (scratch_) remove_scratch(); // while it is open, so that its identity is nobody else's
     const int error = file_.close();
     if (error != 0) report(SCL_STATUS_CLOSE_FAILED, scl_system_reason(error), status);
     size_ = 0;
@@ -108,6 +112,7 @@ void Scl_file_buffer::write_at(std::uint64_t offset, std::span<const std::byte> 
         return;
     }
     const int error = file_.write_at(offset, bytes);
+    // The size stays then: what was written of them in part is nothing to read.
     if (error != 0) {
         report(SCL_STATUS_WRITE_FAILED, scl_system_reason(error), status);
         return;

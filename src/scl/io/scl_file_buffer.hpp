@@ -17,12 +17,14 @@ inline constexpr unsigned SCL_FILE_PLAIN = 0;
 // it is closed or destroyed.
 inline constexpr unsigned SCL_FILE_SCRATCH = 16;
 
-// How an opened file will be read; a hint.
+// How an opened file will be read; a hint to the system.
 inline constexpr unsigned SCL_FILE_FRONT_TO_BACK = 0;
 inline constexpr unsigned SCL_FILE_AT_RANDOM = 1;
 
 // A regular file on disk. Its size is taken when it is opened and then follows this buffer's own
 // writes. Failures carry the file's name and the system's reason ("out: No space left on device").
+// Reading and writing leave the codes that Scl_buffer names; SCL_STATUS_READ_FAILED also when the
+// file turns out shorter than it was when opened, and SCL_STATUS_OUT_OF_BOUNDS when it is not open.
 class Scl_file_buffer final : public Scl_buffer {
 public:
     Scl_file_buffer() = default;
@@ -30,8 +32,10 @@ public:
                     unsigned flags, unsigned pattern, Scl_status& status);
     ~Scl_file_buffer() override;
 
-    // Creating without SCL_FILE_SCRATCH is exclusive and follows no link. Created files have mode
-    // 0600. Pushes SCL_STATUS_OPEN_FAILED, _CREATE_FAILED, _EXISTS or _NOT_REGULAR.
+    // An existing file is opened for reading, whatever `access` says. Creating without
+    // SCL_FILE_SCRATCH is exclusive and follows no link. Created files have mode 0600. Pushes
+    // SCL_STATUS_OPEN_FAILED, _CREATE_FAILED, _EXISTS or _NOT_REGULAR; SCL_STATUS_CLOSE_FAILED when
+    // another file was open before and closing that fails, and then opens none.
     void open(std::u16string_view path, Scl_file_open mode, Scl_file_access access, unsigned flags,
               unsigned pattern, Scl_status& status);
 

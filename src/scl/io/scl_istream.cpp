@@ -23,7 +23,9 @@ std::size_t Scl_istream::read(std::size_t count, void* destination, Scl_status& 
     const std::size_t from_window = std::min(count, at_hand());
     if (from_window != 0) std::memcpy(bytes.data(), take(from_window), from_window);
     std::size_t done = from_window;
+    // A stream's data ends wherever its position is; the buffer would speak of bounds instead.
     if (done < count && tell() < size_) done += read_beyond_window(bytes.subspan(done), status);
+    // A failure to read is the better answer: the data may well go on.
     if (done < count && !status.has_failed()) status.push(SCL_STATUS_END_OF_DATA);
     return done;
 }
@@ -39,6 +41,7 @@ void Scl_istream::set_position(std::uint64_t position) {
 }
 
 void Scl_istream::seek(Scl_seek /*relative*/, std::int64_t offset, Scl_status& status) {
+    // Unsigned, so that a step too far comes out on the wrong side of the position, defined.
     const std::uint64_t base = tell();
     const std::uint64_t target = base + static_cast<std::uint64_t>(offset);
     if (offset < 0 && target > base) {

@@ -9,9 +9,10 @@ namespace scl {
 enum class Scl_seek : unsigned { relative = 1 };
 
 // A reader with a position over a buffer, which must outlive the attachment. Whatever is asked for
-// and is not there in full sets SCL_STATUS_END_OF_DATA; an integer read then leaves its value
-// alone. The data's size is taken when the stream is attached. Part of the data, the window, may
-// be at hand in memory: what lies in it costs no call.
+// and is not there in full sets SCL_STATUS_END_OF_DATA, or SCL_STATUS_READ_FAILED when the buffer
+// cannot give it; an integer read then leaves its value alone. The data's size is taken when the
+// stream is attached. Part of the data, the window, may be at hand in memory: what lies in it costs
+// no call.
 class Scl_istream {
 public:
     Scl_istream(const Scl_istream&) = delete;
@@ -21,9 +22,11 @@ public:
     // Without effect on a stream that is not attached.
     void detach();
 
-    // Reads up to `count` bytes and returns how many there were.
+    // Reads up to `count` bytes and returns how many there were. Pushes SCL_STATUS_END_OF_DATA or
+    // what the buffer's read_at does; on a status that has failed already, nothing.
     std::size_t read(std::size_t count, void* destination, Scl_status& status);
 
+    // Integers of sizeof(T) bytes in either byte order; codes as for read().
     template <std::integral T>
     void read_le(T& value, Scl_status& status) {
         Scl_raw<T> raw;
@@ -37,12 +40,13 @@ public:
 
     // In bytes from the start of the data.
     [[nodiscard]] std::uint64_t tell() const { return window_end_offset_ - at_hand(); }
-    // Never fails: a read from a position beyond the end does.
+    // Never fails: a read from a position beyond the end does. Inside the window it costs nothing.
     void set_position(std::uint64_t position);
     // Steps `offset` bytes from the position. A target beyond the end sets SCL_STATUS_END_OF_DATA,
     // one before the start SCL_STATUS_OUT_OF_BOUNDS; the position then stays.
     void seek(Scl_seek mode, std::int64_t offset, Scl_status& status);
 
+    // Of the data, in bytes; leaves no code. 0 when not attached.
     [[nodiscard]] std::uint64_t size(Scl_status& status) const;
 
 protected:
@@ -57,7 +61,8 @@ protected:
     // Makes the window hold `bytes`, the data from `offset` on, and puts the position at its start.
     void set_window(std::span<const std::byte> bytes, std::uint64_t offset);
 
-    // Called with the window used up: reads on from the position.
+    // Called with the window used up and the position before the end: reads on from there, and
+    // returns how many bytes there were.
     virtual std::size_t read_beyond_window(std::span<std::byte> bytes, Scl_status& status) = 0;
 
     // Steps over `count` bytes at hand and returns their start; null when the window has fewer.
@@ -81,6 +86,7 @@ private:
         return read(N, raw.data(), status) == N;
     }
 
+    // Three places in the window, and the offset of its last: reading moves one pointer only.
     const std::byte* window_begin_ = nullptr;
     const std::byte* window_at_ = nullptr;
     const std::byte* window_end_ = nullptr;

@@ -18,8 +18,8 @@ inline constexpr Scl_status_code SCL_SEVERITY_WARNING = 0x80000000;
     return (code & SCL_SEVERITY_MASK) == SCL_SEVERITY_WARNING;
 }
 
-// Codes of the support services; their texts stand in plat_status.msg. Those of file operations
-// carry the file's name and the system's reason as their argument.
+// Codes of the support services; their texts are in plat_status.msg. Those of file operations carry
+// the file's name and the reason as their argument ("out: No space left on device").
 inline constexpr Scl_status_code SCL_STATUS_NO_MEMORY = 0xC2000001;
 inline constexpr Scl_status_code SCL_STATUS_OPEN_FAILED = 0xC2000010;
 inline constexpr Scl_status_code SCL_STATUS_CREATE_FAILED = 0xC2000011;
@@ -28,8 +28,11 @@ inline constexpr Scl_status_code SCL_STATUS_READ_FAILED = 0xC2000013;
 inline constexpr Scl_status_code SCL_STATUS_WRITE_FAILED = 0xC2000014;
 inline constexpr Scl_status_code SCL_STATUS_CLOSE_FAILED = 0xC2000015;
 inline constexpr Scl_status_code SCL_STATUS_NOT_REGULAR = 0xC2000016;
+// Of a buffer: an offset beyond its end, or one that cannot be used so. Of a stream: less data than
+// was asked for. Both are faults of the data when its own offsets and counts led there.
 inline constexpr Scl_status_code SCL_STATUS_OUT_OF_BOUNDS = 0xC2000019;
 inline constexpr Scl_status_code SCL_STATUS_END_OF_DATA = 0xC200002A;
+// What the codec makes of exceptions that reach it; the second carries the exception's message.
 inline constexpr Scl_status_code SCL_STATUS_UNKNOWN_EXCEPTION = 0xC200006A;
 inline constexpr Scl_status_code SCL_STATUS_EXCEPTION = 0xC200006B;
 

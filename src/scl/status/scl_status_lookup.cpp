@@ -21,7 +21,8 @@ std::string hex(std::uint32_t value, int digits) {
     return text;
 }
 
-// The rest of the line that begins with the code; empty when no file has one.
+// The rest of the line that begins with the code; empty when no file has one. A search of the whole
+// text, as there are few messages and fewer look-ups.
 std::string_view find_message(std::string_view code) {
     for (const impl::Message_file& file : impl::MESSAGE_FILES) {
         std::string_view rest = file.text;
@@ -34,7 +35,8 @@ std::string_view find_message(std::string_view code) {
     return {};
 }
 
-// A byte that was no UTF-8 stands in wide text as U+DC00 + byte.
+// A byte that was no UTF-8 is U+DC00 + byte in wide text. The same unit is also the second half of
+// some pairs.
 bool is_raw_byte(char16_t unit) {
     return unit >= 0xDC80 && unit <= 0xDCFF;
 }
@@ -43,6 +45,7 @@ bool is_control(char16_t unit) {
     return unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
 }
 
+// For both kinds the number shown is the byte's or the control character's own.
 void append_shown(std::u16string& text, std::u16string_view argument) {
     for (std::size_t i = 0; i < argument.size(); ++i) {
         const char16_t unit = argument[i];
@@ -60,6 +63,7 @@ void append_entry(std::u16string& text, const Scl_status::Entry& entry) {
     scl_string_append(text, "0x" + code);
     const std::string_view message = find_message(code);
     if (!message.empty()) scl_string_append(text, ": ");
+    // The argument is put in last and never looked at for a place: it may be any text.
     const std::size_t place = message.find(ARGUMENT_PLACE);
     scl_string_append(text, message.substr(0, place));
     if (place != std::string_view::npos) {

@@ -15,14 +15,14 @@ inline constexpr std::string_view SCL_UTIL_STATUS_FILE_NAME = "util_status.msg";
 // Turns a status into text for display.
 class Scl_status_lookup {
 public:
-    // False when there is no message file of one of the names. The texts are constants: nothing
-    // is kept from this call.
+    // False when there is no message file of one of the names. The texts are constants of the
+    // program, so that a run needs no file but its own: nothing is read, and nothing kept.
     [[nodiscard]] static bool initialise_message_list(std::span<const std::string> file_names);
 
     // Replaces `text` by one line per entry, the most recent first, without a line end after the
-    // last: the code, its message with the argument in its place, and how often it came in a row.
-    // Control characters and bytes that are no UTF-8 in an argument are shown as \xNN, so that no
-    // name can steer a terminal.
+    // last: the code, its message with the argument in its place, and how often it came in a row. A
+    // code without a message is shown alone. Control characters (C0, DEL, C1) and bytes that are no
+    // UTF-8 in an argument are shown as \xNN, so that no name can steer a terminal.
     static void to_string(const Scl_status& status, std::u16string& text);
 };
 

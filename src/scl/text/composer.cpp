@@ -10,13 +10,14 @@ namespace scl::impl {
 
 namespace {
 
-// As many characters as a segment hardly ever has, so that most need one allocation only.
-constexpr std::size_t MANY_MARKS = 16;
+// Segments hardly ever have more characters, so that most texts need one allocation only.
+constexpr std::size_t USUAL_CHARACTERS = 16;
 
+// The numbers of section 3.12. Hangul syllables are computed: a table would have 11,172 rows.
 constexpr char32_t HANGUL_BASE = 0xAC00;
 constexpr char32_t LEAD_BASE = 0x1100;
 constexpr char32_t VOWEL_BASE = 0x1161;
-constexpr char32_t TAIL_BASE = 0x11A7; // one below the first tail, as 0 stands for no tail
+constexpr char32_t TAIL_BASE = 0x11A7; // one below the first tail, as number 0 means no tail
 constexpr char32_t LEADS = 19;
 constexpr char32_t VOWELS = 21;
 constexpr char32_t TAILS = 28;
@@ -37,6 +38,7 @@ char32_t compose_hangul(char32_t first, char32_t second) {
 
 // The primary composite of two characters, or 0.
 char32_t compose_pair(char32_t first, char32_t second) {
+    // Most characters never come second in a composite: the search is spared them.
     if (!properties_of(second).composes_back) return 0;
     if (const char32_t syllable = compose_hangul(first, second)) return syllable;
     const auto found = std::lower_bound(
@@ -58,7 +60,7 @@ const Decomposition& decomposition(char32_t code_point) {
 
 void Composer::compose(std::u16string_view segment, std::u16string& out) {
     characters_.clear();
-    characters_.reserve(MANY_MARKS);
+    characters_.reserve(USUAL_CHARACTERS);
     for (std::size_t at = 0; at < segment.size();) {
         decompose(scl_utf16_next(segment, at));
     }
@@ -82,6 +84,7 @@ void Composer::decompose(char32_t code_point) {
         if (index % TAILS != 0) add(TAIL_BASE + index % TAILS);
     } else if (properties_of(code_point).decomposes) {
         const Decomposition& parts = decomposition(code_point);
+        // The second part never decomposes further; the generator makes sure of it.
         decompose(parts.first);
         if (parts.second != 0) add(parts.second);
     } else {
@@ -89,8 +92,8 @@ void Composer::decompose(char32_t code_point) {
     }
 }
 
-// The canonical ordering: each run of marks is sorted by combining class, equal ones as they
-// stand.
+// The canonical ordering: each run of marks is sorted by combining class, equal ones in the order
+// they have. A run is seldom out of order, and a stable sort takes memory.
 void Composer::order_marks() {
     const auto is_starter = [](const Character& c) { return c.combining_class == 0; };
     const auto is_lower = [](const Character& a, const Character& b) {

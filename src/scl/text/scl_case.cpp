@@ -10,10 +10,13 @@ namespace scl {
 
 namespace {
 
+// The only unconditional mapping to several characters, and the only condition that depends on no
+// language, of SpecialCasing.txt; the generator of the tables makes sure of the first.
 constexpr std::u16string_view SMALL_I_WITH_DOT = u"i\u0307";
 constexpr char16_t CAPITAL_SIGMA = 0x3A3;
 constexpr char16_t FINAL_SIGMA = 0x3C2;
 
+// Without a branch, so that the compiler does many units in one step.
 void lower_ascii(std::u16string& text) {
     for (char16_t& unit : text) {
         unit = static_cast<char16_t>(unit + (unit >= u'A' && unit <= u'Z' ? u'a' - u'A' : 0));
@@ -114,6 +117,7 @@ bool lower_plain(std::u16string& text) {
     return true;
 }
 
+// Simple foldings only: a full one can change the length, and callers compare lengths first.
 char32_t fold(char32_t code_point) {
     const std::int32_t change = impl::properties_of(code_point).to_fold;
     return code_point + static_cast<char32_t>(change);
@@ -127,7 +131,7 @@ int compare(Text a, Text b, Next next) {
     while (at_a < a.size() && at_b < b.size()) {
         const char32_t next_a = next(a, at_a);
         const char32_t next_b = next(b, at_b);
-        if (next_a == next_b) continue;
+        if (next_a == next_b) continue; // the usual case needs no properties
         const char32_t folded_a = fold(next_a);
         const char32_t folded_b = fold(next_b);
         if (folded_a != folded_b) return folded_a < folded_b ? -1 : 1;
@@ -137,6 +141,8 @@ int compare(Text a, Text b, Next next) {
 
 } // namespace
 
+// Whether the text was in NFC must be known before it changes; for most texts a look at the units
+// tells.
 void scl_lower(std::u16string& text) {
     if (lower_plain(text)) return;
     const bool was_normal =

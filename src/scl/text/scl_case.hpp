@@ -12,8 +12,8 @@ namespace scl {
 //
 // A text that was in Normalization Form C is in it afterwards (lower-casing can bring a pair
 // together that composes, as in J with U+030C). A text that was not, or that holds a lone
-// surrogate, is only mapped. Linear in the length of the text; no memory is needed
-// but for a text that holds U+0130 or must be composed.
+// surrogate, is only mapped. Linear in the length of the text; no memory is needed but for a text
+// that holds U+0130 or must be composed, and memory exhausted the only failure (std::bad_alloc).
 void scl_lower(std::u16string& text);
 
 // The same, and faster, for a text that is known to be in Normalization Form C and to hold no lone

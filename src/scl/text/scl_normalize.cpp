@@ -14,17 +14,19 @@ bool is_untouched(char16_t unit) {
     return (impl::UNIT_TRAITS[unit] & impl::UNIT_TOUCHED) == 0;
 }
 
-// True when nothing before the character has to do with its normal form.
+// True when nothing before the character has to do with its normal form. Text is cut here: what is
+// before it and what is behind it can be brought to NFC by themselves.
 bool is_boundary(const impl::Properties& properties) {
     return properties.nfc_yes && properties.combining_class == 0;
 }
 
 struct Stretch {
     std::size_t end;
-    bool is_whole;
+    bool is_whole; // it is all that was left of the text
 };
 
-// The stretch of text from `at` on that is in NFC beyond doubt (the quick check of the annex).
+// The stretch of text from `at` on that is in NFC beyond doubt (the quick check of Unicode Standard
+// Annex #15: every character has NFC_Quick_Check Yes, and combining classes never fall but to 0).
 // When it is not the whole rest, it ends before the last boundary, as what follows may change from
 // there.
 Stretch normal_stretch(std::u16string_view text, std::size_t at) {
@@ -57,7 +59,8 @@ std::size_t next_boundary(std::u16string_view text, std::size_t at) {
     return at;
 }
 
-// The normal form of a text that begins with the stretch.
+// The normal form of a text that begins with the stretch: stretches are copied, and each piece
+// between two of them is composed by itself. Pieces are short, so that all this is linear.
 std::u16string composed(std::u16string_view text, Stretch stretch) {
     std::u16string result;
     result.reserve(text.size());
@@ -75,6 +78,7 @@ std::u16string composed(std::u16string_view text, Stretch stretch) {
 } // namespace
 
 bool scl_can_normalize(std::u16string_view text) {
+    // Nearly always there is none, and nothing needs to be paired.
     const auto first = std::ranges::find_if(text, impl::scl_is_surrogate);
     for (auto at = static_cast<std::size_t>(first - text.begin()); at < text.size();) {
         if (impl::scl_is_surrogate(impl::scl_utf16_next(text, at))) return false;

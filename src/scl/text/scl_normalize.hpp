@@ -32,9 +32,12 @@ namespace impl {
 [[nodiscard]] bool scl_is_normalized(std::u16string_view text);
 
 // Replaces `out` by `in` in Normalization Form C. `in` may view the text of `out`. Lone surrogates
-// are carried over as they stand. Nothing is ever pushed on the status: any text has a normal
-// form, and memory exhausted is thrown (std::bad_alloc). Linear in the length of `in`, but for the
+// are carried over as they are. Nothing is ever pushed on the status: any text has a normal form,
+// and memory exhausted is thrown (std::bad_alloc). Linear in the length of `in`, but for the
 // sorting of a run of combining marks; text that is in the form already is only copied.
+//
+// Form C and not KC: compatibility characters keep their identity, as a no-break space in a card
+// number does.
 void scl_normalize(std::u16string_view in, std::u16string& out, Scl_status& status);
 
 namespace impl {

@@ -5,8 +5,9 @@
 
 namespace scl {
 
+// Memory that becomes longer is filled first; keeping what the string has saves most of that.
 void scl_stow(std::string_view narrow, std::u16string& wide) {
-    if (wide.size() < narrow.size()) wide.resize(narrow.size()); // units that are there serve too
+    if (wide.size() < narrow.size()) wide.resize(narrow.size());
     wide.resize(scl_convert(narrow, wide.data()));
 }
 
@@ -19,6 +20,7 @@ void scl_utf16_to_utf8(std::u16string_view wide, std::string& narrow) {
     scl_wtos(wide, narrow, true);
 }
 
+// By units: all white space is of single ones, and no half of a pair is white space.
 std::u16string_view scl_trimmed(std::u16string_view text) {
     while (!text.empty() && scl_is_white_space(text.back())) {
         text.remove_suffix(1);
@@ -32,7 +34,7 @@ std::u16string_view scl_trimmed(std::u16string_view text) {
 void scl_trim(std::u16string& text) {
     const std::u16string_view trimmed = scl_trimmed(text);
     const auto before = static_cast<std::size_t>(trimmed.data() - text.data());
-    text.resize(before + trimmed.size());
+    text.resize(before + trimmed.size()); // first, so that less is moved
     text.erase(0, before);
 }
 

@@ -4,6 +4,8 @@
 
 namespace scl::impl {
 
+// Out of line: text beyond the Basic Multilingual Plane is rare, and a search in two stages would
+// only be in the way of what is common.
 std::uint8_t scl_unicode_bits_beyond(char32_t code_point) {
     return properties_of(code_point).bits;
 }

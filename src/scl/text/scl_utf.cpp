@@ -17,7 +17,7 @@ char32_t decode(std::string_view text, std::size_t at, std::size_t length, char3
     return code_point;
 }
 
-// A lead or a continuation byte that carries the bits above `shift`.
+// A lead or a continuation byte: its mark, and the bits of the code point from `shift` on.
 char part(char32_t mark, char32_t code_point, unsigned shift) {
     return static_cast<char>(mark | (code_point >> shift));
 }
@@ -29,6 +29,7 @@ char continuation(char32_t code_point, unsigned shift) {
 } // namespace
 
 char32_t scl_utf8_next_long(std::string_view text, std::size_t& at) {
+    // The lead gives the length; the value tells what is too long for it, a surrogate or too large.
     const char32_t lead = static_cast<std::uint8_t>(text[at]);
     char32_t code_point = 0;
     std::size_t length = 0;
@@ -46,6 +47,7 @@ char32_t scl_utf8_next_long(std::string_view text, std::size_t& at) {
         code_point = decode(text, at, length, lead & 0x07U);
         well_formed = code_point >= 0x10000 && code_point <= 0x10FFFF;
     }
+    // Byte by byte otherwise, so that what follows a stray byte is decoded by itself.
     at += well_formed ? length : 1;
     return well_formed ? code_point : 0xDC00 + lead;
 }

@@ -66,11 +66,12 @@ inline constexpr char32_t SCL_FIRST_SURROGATE = 0xD800;
 }
 
 // Writes a code point as one to four bytes; gives the position after them. U+DC80 to U+DCFF are
-// written as the one byte they stand for, other surrogates as U+FFFD.
+// written as the one byte that they carry, other surrogates as U+FFFD.
 [[nodiscard]] char* scl_utf8_put(char* to, char32_t code_point);
 
-// All bits that occur in the units of a text. Below a power of two, every unit is below it too;
-// the other way round this holds only for powers of two. Looks at four units at a time.
+// All bits that occur in the units of a text: one look at all of it that shows whether it is ASCII.
+// Below a power of two, every unit is below it too; the other way round this holds only for powers
+// of two. Looks at four units at a time.
 [[nodiscard]] inline std::uint16_t scl_all_bits(std::u16string_view text) {
     std::uint64_t bits = 0;
     const auto add = [&](std::size_t at, std::size_t count) {

@@ -7,6 +7,7 @@
 // what the properties say and would only make the generated file longer.
 namespace scl::impl {
 
+// A character that is no mark and has NFC_Quick_Check Yes stays what it is, whatever is before it.
 [[nodiscard]] constexpr std::uint8_t traits_of(const Properties& properties) {
     const bool is_inert = properties.nfc_yes && properties.combining_class == 0;
     return static_cast<std::uint8_t>((is_inert ? 0 : UNIT_TOUCHED) |
@@ -33,6 +34,7 @@ namespace scl::impl {
     return traits;
 }
 
+// U+0130 stays: it becomes two units, which the code sees to.
 [[nodiscard]] constexpr Small_letters make_small_letters(std::span<const Properties> properties,
                                                          const std::uint8_t* places,
                                                          const std::uint16_t* blocks) {

@@ -11,10 +11,12 @@ namespace scl {
 
 namespace {
 
-// Units that are copied at once. Texts are short, so there is a smaller size for the small ones.
+// Units of a block that is copied at once. Most texts are names and words: those shorter than a
+// block would not profit from it, so there are smaller ones too.
 constexpr std::size_t LARGE = 8;
 constexpr std::size_t SMALL = 4;
 
+// From any address, as text is not aligned.
 template <class Unsigned, class Char>
 Unsigned load(const Char* from) {
     Unsigned value = 0;
@@ -108,8 +110,9 @@ std::size_t convert_one(const char* from, std::size_t left, char16_t* to) {
     return 3;
 }
 
-// An upper bound of the bytes a text takes: a unit from U+0080 takes one byte more, one from U+0800
-// two. (A surrogate pair, four bytes, is counted as six.)
+// An upper bound of the bytes a text takes, which is cheaper to know than their number: a unit from
+// U+0080 takes one byte more, one from U+0800 two. (A surrogate pair, four bytes, is counted as
+// six.)
 std::size_t utf8_bound(std::u16string_view wide) {
     std::size_t size = wide.size();
     for (const char16_t unit : wide) {
@@ -120,7 +123,8 @@ std::size_t utf8_bound(std::u16string_view wide) {
 
 } // namespace
 
-// Outside of long ASCII, characters of one kind come in runs.
+// Each way is tried where it is likely to go on: outside of long ASCII, characters of one kind come
+// in runs. In text of other scripts ASCII is mostly a blank or a letter, not worth a block.
 std::size_t scl_convert(std::string_view narrow, char16_t* wide) {
     const char* from = narrow.data();
     const char* const end = from + narrow.size();
@@ -156,6 +160,7 @@ void scl_string_append(std::u16string& wide, std::string_view narrow) {
     wide.resize(start + scl_convert(narrow, wide.data() + start));
 }
 
+// First as if all were ASCII: then the result has its size from the start.
 void scl_string_append(std::string& narrow, std::u16string_view wide) {
     const std::size_t start = narrow.size();
     narrow.resize(start + wide.size());
