@@ -87,23 +87,25 @@ const Formatter_type* find_type(const Formatter_type_id& id) {
 } // namespace
 
 // A failed normalisation is nobody's fault and not reported: the value is then used as it came.
-void Tla_formatter_base::copy_normalised(std::u16string_view input, std::u16string& output,
+bool Tla_formatter_base::copy_normalised(std::u16string_view input, std::u16string& output,
                                          bool raw) {
-    if (!raw && !scl::scl_is_plain(input) && scl::scl_can_normalize(input)) {
+    const bool is_plain = scl::scl_is_plain(input);
+    if (!raw && !is_plain && scl::scl_can_normalize(input)) {
         scl::Scl_status status;
         scl::scl_normalize(input, output, status);
-        if (!status.has_failed()) return;
+        if (!status.has_failed()) return true;
     }
     if (output.data() == input.data()) {
         output.resize(input.size());
     } else {
         output = input;
     }
+    return is_plain;
 }
 
 void Tla_simple_formatter::format(std::u16string_view input, std::u16string& output,
                                   bool raw) const {
-    copy_normalised(input, output, raw);
+    (void)copy_normalised(input, output, raw);
 }
 
 Ascii Tla_simple_formatter::format_ascii(Ascii value, Scratch_text<char>& /*scratch*/) {
@@ -112,8 +114,11 @@ Ascii Tla_simple_formatter::format_ascii(Ascii value, Scratch_text<char>& /*scra
 
 void Tla_simplenc_formatter::format(std::u16string_view input, std::u16string& output,
                                     bool raw) const {
-    copy_normalised(input, output, raw);
-    scl::scl_lower(output);
+    if (copy_normalised(input, output, raw)) {
+        scl::scl_lower_normalized(output);
+    } else {
+        scl::scl_lower(output);
+    }
 }
 
 Ascii Tla_simplenc_formatter::format_ascii(Ascii value, Scratch_text<char>& scratch) {
@@ -123,7 +128,7 @@ Ascii Tla_simplenc_formatter::format_ascii(Ascii value, Scratch_text<char>& scra
 
 void Tla_ccnum_formatter::format(std::u16string_view input, std::u16string& output,
                                  bool raw) const {
-    copy_normalised(input, output, raw);
+    (void)copy_normalised(input, output, raw);
     std::erase_if(output, is_separator<char16_t>);
 }
 

@@ -28,7 +28,9 @@ public:
     virtual void format(std::u16string_view input, std::u16string& output, bool raw) const = 0;
 
 protected:
-    static void copy_normalised(std::u16string_view input, std::u16string& output, bool raw);
+    // True when the copy is known to be in NFC.
+    [[nodiscard]] static bool copy_normalised(std::u16string_view input, std::u16string& output,
+                                              bool raw);
 };
 
 // Each formatter has the same step for ASCII bytes, which are in NFC as they are. The result is the

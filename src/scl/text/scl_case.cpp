@@ -4,6 +4,7 @@
 #include "scl/text/scl_utf.hpp"
 #include "scl/text/unicode_tables.hpp"
 
+#include <algorithm>
 #include <string_view>
 
 namespace scl {
@@ -47,6 +48,8 @@ bool is_before_cased(std::u16string_view text, std::size_t at) {
 // sigmas around it nothing changes: the i is cased as well, and the dot is case-ignorable.
 void expand_capital_i(std::u16string& text) {
     std::u16string expanded;
+    expanded.reserve(text.size() +
+                     static_cast<std::size_t>(std::ranges::count(text, impl::CAPITAL_I_WITH_DOT)));
     for (const char16_t unit : text) {
         if (unit == impl::CAPITAL_I_WITH_DOT) {
             expanded += SMALL_I_WITH_DOT;
@@ -54,7 +57,7 @@ void expand_capital_i(std::u16string& text) {
             expanded += unit;
         }
     }
-    text.assign(expanded);
+    text.swap(expanded);
 }
 
 // For text below FIRST_MARK, which holds no sigma.
