@@ -48,31 +48,6 @@ TEST(Schema, KeysFindTheFirstFieldOfTheirNameInAnyCase) {
     EXPECT_EQ(positions, (std::vector<std::uint64_t>{3, 0, 3, 1}));
 }
 
-std::u16string formatted(const tla::Tla_formatter_base& formatter, std::u16string value,
-                         bool raw = false) {
-    std::u16string output = u"replaced";
-    formatter.format(value, output, raw);
-    formatter.format(value, value, raw);
-    EXPECT_EQ(value, output) << "in place as well";
-    return output;
-}
-
-TEST(Formatters, BringValuesIntoOneForm) {
-    const tla::Tla_simple_formatter simple;
-    const tla::Tla_simplenc_formatter simplenc;
-    const tla::Tla_ccnum_formatter ccnum;
-    EXPECT_EQ(formatted(simple, u"Rene\u0301"), u"Ren\u00E9");
-    EXPECT_EQ(formatted(simple, u"Rene\u0301", true), u"Rene\u0301");
-    EXPECT_EQ(formatted(simplenc, u"RENE\u0301", true), u"rene\u0301");
-    EXPECT_EQ(formatted(simplenc, u"ΟΔΟΣ"), u"οδος") << "a final sigma";
-    EXPECT_EQ(formatted(simplenc, u"J\u030C"), u"\u01F0") << "composes only in lower case";
-    EXPECT_EQ(formatted(ccnum, u"4111-1111 1111-1111"), u"4111111111111111");
-    EXPECT_EQ(formatted(ccnum, u"--"), u"");
-    EXPECT_EQ(formatted(ccnum, u"12\u00A0ab\u2011"), u"12\u00A0ab\u2011");
-    const std::u16string lone = u"E\u0301\xD800";
-    EXPECT_EQ(formatted(simple, lone), lone) << "not well-formed: left as it is";
-}
-
 // All options of a command line as text: "k=Name h ", and where the scan ended.
 std::string scan(std::vector<const char*> arguments) {
     arguments.insert(arguments.begin(), "dsmake");

@@ -171,7 +171,7 @@ const Text INTERESTING{
     U'!',      U'\u203C', U'+',          U'\u4E00',     U'\U00010400', U'\U0001D7D0', U'\U000E0001',
     U'\0',     0xD800,    0xDC41};
 
-TEST(WordBreak, TestFileOfTheStandard) {
+TEST(Word_break, TestFileOfTheStandard) {
     std::ifstream file(DSMAKE_UNICODE_DATA "/auxiliary/WordBreakTest.txt");
     int lines = 0;
     for (std::string line; std::getline(file, line);) {
@@ -188,7 +188,7 @@ TEST(WordBreak, TestFileOfTheStandard) {
     EXPECT_GT(lines, 1700);
 }
 
-TEST(WordBreak, RandomTextsAsTheSlowModel) {
+TEST(Word_break, RandomTextsAsTheSlowModel) {
     std::mt19937 random(4); // NOLINT: the same numbers each time
     for (int round = 0; round < 60000; ++round) {
         Text text(1 + random() % (round % 3 == 0 ? 30 : round % 3 == 1 ? 8 : 4));
