@@ -105,7 +105,7 @@ TEST(Format_codec, FailedAttachSaysWhyAndLeavesNothingOfTheContentBefore) {
         bench.codec.attach(&content, fresh);
         allocations_left = NO_LIMIT;
         EXPECT_EQ(message_of([&] { bench.view(); }), NO_VIEW);
-        EXPECT_FALSE(bench.codec.insert_content_back(u"n")); // who knows where that is
+        EXPECT_FALSE(bench.codec.insert_content_back(u"n")); // its place is not known
         return fresh;
     };
     const std::runtime_error gone("gone");

@@ -121,7 +121,7 @@ public:
     }
 
 private:
-    friend class Txt_physical_token; // these two ask for the following of their own view
+    friend class Txt_physical_token; // both kinds of token are linked through their view
     friend class Txt_virtual_token;
 
     struct Extras; // what most views never need

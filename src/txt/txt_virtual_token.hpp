@@ -33,7 +33,8 @@ public:
     // for replace_text().
     [[nodiscard]] bool redact(std::size_t skip, std::size_t count) override;
     // As the text of the token holds the trailers in it, these go too: their white space is
-    // overwritten, and what attaches to that is taken out. One edit, queued whole or not at all.
+    // overwritten, and what attaches to that is taken out. So does what was unlinked between the
+    // ends of the run. One edit, queued whole or not at all.
     [[nodiscard]] bool make_safe() override;
     // The first token gets the new text, if any, and the others are removed then; trailers between
     // them stay.

@@ -16,7 +16,7 @@ namespace txtdfc {
 
 // The codec of plain UTF-16 text (little-endian; a byte order mark at the front is not part of the
 // text). One codec serves any number of values, attached one after the other. The content may be
-// written to between two uses of the codec, not during one.
+// written to between two uses of the codec, not during one; what is queued stays at its offset.
 //
 // Misuse throws: std::logic_error what needs content without any, and composing in a transaction;
 // std::invalid_argument an odd length in bytes. Only attach() never throws.
@@ -64,9 +64,9 @@ public:
     [[nodiscard]] std::unique_ptr<scl::Scl_buffer> compose(scl::Scl_status& status) override;
 
     // The text becomes lines of its own, with the line ends of the content: before its text, or at
-    // its end. False, and nothing queued, when the content may not be modified, the text is empty,
-    // the patcher refuses (an end that is no whole unit, for one), or attaching failed so early
-    // that the content's end is not known.
+    // its end, both as they were when it was attached. False, and nothing queued, when the content
+    // may not be modified, the text is empty, the patcher refuses (an end that is no whole unit,
+    // for one), or attaching failed so early that the content's end is not known.
     bool insert_content_front(std::u16string_view text) override;
     bool insert_content_back(std::u16string_view text) override;
     bool insert_content_front(const char16_t* data, std::size_t length) override;
