@@ -16,11 +16,6 @@ namespace test {
 
 namespace {
 
-template <std::integral T>
-T number_at(const std::string& file, std::size_t offset) {
-    return scl::scl_load_le<T>(reinterpret_cast<const std::byte*>(file.data() + offset));
-}
-
 std::string bytes_in(const scl::Scl_buffer& buffer) {
     const auto bytes = buffer.contents();
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};

@@ -30,6 +30,10 @@ using Entries = std::vector<std::unique_ptr<tla::Tla_data_set_entry_file>>;
 [[nodiscard]] std::uint64_t pairs_of_first_key(const std::string& file);
 
 template <std::integral T>
+[[nodiscard]] T number_at(const std::string& file, std::size_t offset) {
+    return scl::scl_load_le<T>(reinterpret_cast<const std::byte*>(file.data() + offset));
+}
+template <std::integral T>
 void put(std::string& file, std::size_t offset, T value) {
     scl::scl_store_le(reinterpret_cast<std::byte*>(file.data() + offset), value);
 }

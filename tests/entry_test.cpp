@@ -59,6 +59,9 @@ TEST(Entry, ReadsTokenListsUpToTheClosingByte) {
     const Raw_entry open_ended("\0\1\1\2\3\4\5\6\7\x8\0\0\x9"s, 2);
     EXPECT_EQ(open_ended.status.value(), tla::TLA_STATUS_RECORD_END);
     EXPECT_EQ(open_ended.values(u"a"), Values{0x0102030405060708});
+    Raw_entry outgrown("\0\0\0\0\0"s, 2);
+    outgrown.fields.push_back({u"c", {}}); // as when its connector opens another file
+    EXPECT_EQ(outgrown.values(u"c"), NONE);
     for (const std::string& cut :
          {""s, "\0"s, "\0\1\1\2\3\4\5\6\7"s, "\0\0\xff\xff"s, "\0\0\0\0"s}) {
         EXPECT_EQ(Raw_entry(cut, 2).status.value(), scl::SCL_STATUS_END_OF_DATA);

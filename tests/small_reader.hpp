@@ -31,8 +31,9 @@ public:
     [[nodiscard]] const std::vector<std::uint64_t>& records() const { return records_; }
     [[nodiscard]] const std::vector<Table>& tables() const { return tables_; }
 
-    // The token values of one field of the record at this offset.
+    // The token values of one field of the record at this offset, and as they are in the file.
     [[nodiscard]] Values values(std::uint64_t record, std::size_t field) const;
+    [[nodiscard]] std::string_view value_bytes(std::uint64_t record, std::size_t field) const;
     // CRC-64/XZ, and a token's value by docs/text.md.
     [[nodiscard]] static std::uint64_t crc(std::string_view bytes);
     [[nodiscard]] static std::uint64_t token(std::u16string_view text);
@@ -47,7 +48,6 @@ private:
     [[nodiscard]] std::uint64_t little(std::uint64_t at, unsigned size) const;
     [[nodiscard]] std::uint64_t big(std::uint64_t at, unsigned size) const;
     [[nodiscard]] std::string_view bytes(std::uint64_t at, std::uint64_t size) const;
-    [[nodiscard]] std::string_view value_bytes(std::uint64_t record, std::size_t field) const;
     [[nodiscard]] std::string until(char end);
     [[nodiscard]] std::string_view record_bytes(std::uint64_t record) const;
     void skip_zeros();

@@ -64,8 +64,10 @@ TEST(Upgrade, RefusesRecordsThatAreDamaged) {
         EXPECT_EQ(failure(sealed(damaged)), tla::TLA_STATUS_VALUE_COUNT);
     }
     EXPECT_EQ(failure(file + "x"), tla::TLA_STATUS_CHECKSUM);
-    EXPECT_EQ(failure(test::version1("A,Simple;A,Simple", {"A"}, {{"a", "b"}})),
-              tla::TLA_STATUS_FIELD_LIST);
+    // Equal names are refused before the first record is looked at: there may be millions of them.
+    std::string alike = test::version1("A,Simple;A,Simple", {"A"}, {{"a", "b"}});
+    test::put(alike, test::pairs_of_first_key(alike) + 8, ~std::uint64_t{0});
+    EXPECT_EQ(failure(sealed(alike)), tla::TLA_STATUS_FIELD_LIST);
     EXPECT_EQ(failure(test::version1("A,Simple;B,What", {"A"}, {{"a", "b"}, {"c", "d"}})),
               scl::SCL_STATUS_END_OF_DATA); // as in a build with such a schema
 }

@@ -15,9 +15,9 @@ inline constexpr scl::Scl_status_code TLA_STATUS_CHECKSUM = 0xC201251A;
 inline constexpr scl::Scl_status_code TLA_STATUS_NO_DATA_SET = 0xC2012521;
 inline constexpr scl::Scl_status_code TLA_STATUS_VERSION = 0xC2012522;
 inline constexpr scl::Scl_status_code TLA_STATUS_RECORD_END = 0xC2012525;
-inline constexpr scl::Scl_status_code TLA_STATUS_RECORDS_LOST = 0x8201252A;
 inline constexpr scl::Scl_status_code TLA_STATUS_NO_TEXT = 0xC2012526;
 inline constexpr scl::Scl_status_code TLA_STATUS_NO_TOKENS = 0xC2012527;
 inline constexpr scl::Scl_status_code TLA_STATUS_EMPTY_KEY = 0xC2012528;
+inline constexpr scl::Scl_status_code TLA_STATUS_RECORDS_LOST = 0x8201252A;
 
 } // namespace tla

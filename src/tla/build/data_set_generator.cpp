@@ -7,10 +7,10 @@
 #include "tla/build/record_scanner.hpp"
 #include "tla/format/data_set_header.hpp"
 #include "tla/format/data_set_layout.hpp"
+#include "tla/format/field_list.hpp"
 
 #include <algorithm>
 #include <limits>
-#include <unordered_set>
 
 namespace tla {
 
@@ -18,13 +18,6 @@ namespace {
 
 using Key_names = std::span<const std::u16string>;
 using Schema = std::span<const Field_descriptor>;
-
-bool names_are_unique(Schema schema) {
-    std::unordered_set<std::u16string_view> names;
-    return std::ranges::all_of(schema, [&names](const Field_descriptor& field) {
-        return names.insert(field.name).second;
-    });
-}
 
 bool fits_header(std::uint64_t key_count, std::uint64_t record_count) {
     return key_count <= std::numeric_limits<decltype(Tla_header_counts::keys)>::max() &&
@@ -99,7 +92,7 @@ void write_checksum(const scl::Scl_crc64& checksum, scl::Scl_buffer& output,
 std::uint64_t write_data_set_file(Key_names key_names, Schema schema,
                                   const scl::Scl_buffer& records, Record_collector* collected,
                                   scl::Scl_buffer& output, scl::Scl_status& status) {
-    if (!names_are_unique(schema)) {
+    if (!tla_names_are_unique(schema)) {
         status = TLA_STATUS_FIELD_LIST;
         return 0;
     }
@@ -113,7 +106,7 @@ std::uint64_t write_data_set_file(Key_names key_names, Schema schema,
     scl::Scl_ostream out(checked, status, scl::Scl_eol::none);
     const Tla_header_counts counts{static_cast<std::uint16_t>(key_names.size()),
                                    static_cast<std::uint32_t>(count), records.size(false, status)};
-    const std::uint64_t header_end = write_header(schema, counts, out, status);
+    const std::uint64_t header_end = tla_write_header(schema, counts, out, status);
     write_all(key_names, schema, {records, schema.size(), count, header_end}, collected, out,
               status);
     out.detach(status);

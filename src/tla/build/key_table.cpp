@@ -76,7 +76,7 @@ void write_key_name(std::u16string_view key_name, scl::Scl_ostream& out, scl::Sc
     scl::scl_string_append(name, key_name);
     name += TLA_NAME_END;
     out.write(name, status);
-    pad_to_eight(out, status);
+    tla_pad_to_eight(out, status);
 }
 
 void write_key_pairs(Key_pairs& pairs, const Recorded& recorded, scl::Scl_ostream& out,

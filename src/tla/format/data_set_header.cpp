@@ -65,9 +65,9 @@ std::uint64_t tla_header_end(std::span<const Field_descriptor> fields) {
     return tla_aligned(TLA_FIELD_LIST_OFFSET + field_list_of(fields).size());
 }
 
-std::uint64_t write_header(std::span<const Field_descriptor> fields,
-                           const Tla_header_counts& counts, scl::Scl_ostream& out,
-                           scl::Scl_status& status) {
+std::uint64_t tla_write_header(std::span<const Field_descriptor> fields,
+                               const Tla_header_counts& counts, scl::Scl_ostream& out,
+                               scl::Scl_status& status) {
     const std::uint64_t header_end = tla_header_end(fields);
     const std::uint64_t no_checksum_yet = 0;
     out.write(TLA_DATA_SET_MAGIC, status);
@@ -77,7 +77,7 @@ std::uint64_t write_header(std::span<const Field_descriptor> fields,
     out.write_le(counts.keys, status);
     out.write_le(counts.records, status);
     out.write(field_list_of(fields), status);
-    pad_to_eight(out, status);
+    tla_pad_to_eight(out, status);
     return header_end;
 }
 

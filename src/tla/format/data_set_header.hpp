@@ -43,7 +43,7 @@ void tla_read_header(const scl::Scl_buffer& file, std::u16string_view file_name,
 // The header end, where the first record begins: it follows from the fields alone.
 [[nodiscard]] std::uint64_t tla_header_end(std::span<const Field_descriptor> fields);
 
-// What write_header() has to know besides the fields.
+// What tla_write_header() has to know besides the fields.
 struct Tla_header_counts {
     std::uint16_t keys;
     std::uint32_t records;
@@ -51,10 +51,9 @@ struct Tla_header_counts {
 };
 
 // Writes header, field list and padding to the front of a file, with 0 for the checksum, which can
-// only be known last. Returns the header end. Codes are those
-// of writing to `out`.
-[[nodiscard]] std::uint64_t write_header(std::span<const Field_descriptor> fields,
-                                         const Tla_header_counts& counts, scl::Scl_ostream& out,
-                                         scl::Scl_status& status);
+// only be known last. Returns the header end. Codes are those of writing to `out`.
+[[nodiscard]] std::uint64_t tla_write_header(std::span<const Field_descriptor> fields,
+                                             const Tla_header_counts& counts, scl::Scl_ostream& out,
+                                             scl::Scl_status& status);
 
 } // namespace tla

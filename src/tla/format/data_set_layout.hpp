@@ -32,8 +32,9 @@ inline constexpr std::uint64_t TLA_ALIGNMENT = 8;
     return (offset + TLA_ALIGNMENT - 1) / TLA_ALIGNMENT * TLA_ALIGNMENT;
 }
 
-// Zero bytes up to the next multiple of eight of the output position.
-inline void pad_to_eight(scl::Scl_ostream& out, scl::Scl_status& status) {
+// Zero bytes up to the next multiple of eight of the output position. Codes are those of writing to
+// `out`.
+inline void tla_pad_to_eight(scl::Scl_ostream& out, scl::Scl_status& status) {
     constexpr std::uint8_t ZERO = 0;
     while (out.tell() % TLA_ALIGNMENT != 0 && !status.has_failed()) {
         out.write_le(ZERO, status);

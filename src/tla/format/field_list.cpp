@@ -5,11 +5,16 @@
 #include "scl/text/scl_string.hpp"
 #include "tla/format/data_set_layout.hpp"
 
+#include <algorithm>
+#include <string_view>
+#include <unordered_set>
+
 namespace tla {
 
 namespace {
 
-// Takes the list byte by byte.
+// Takes the list byte by byte: what a byte means depends on what came before it, and a list may
+// reach over any number of windows of the stream.
 class Field_list_parser {
 public:
     explicit Field_list_parser(std::vector<Field_descriptor>& fields) : fields_(fields) {}
@@ -33,6 +38,7 @@ public:
     }
 
 private:
+    // Of several separators in a field the last one counts; what came before it is dropped.
     void end_name() {
         scl::scl_stow(gathered_, name_);
         gathered_.clear();
@@ -49,8 +55,8 @@ private:
     std::vector<Field_descriptor>& fields_;
     std::string gathered_;
     std::u16string name_;
-    bool name_pending_ = false;
-    bool after_field_ = false;
+    bool name_pending_ = false; // the name is there, its type's name not yet
+    bool after_field_ = false;  // nothing has come since the last field
 };
 
 } // namespace
@@ -75,6 +81,14 @@ std::string field_list_of(std::span<const Field_descriptor> fields) {
     }
     list += TLA_FIELD_LIST_END;
     return list;
+}
+
+// A set, as a damaged file may have millions of fields.
+bool tla_names_are_unique(std::span<const Field_descriptor> fields) {
+    std::unordered_set<std::u16string_view> names;
+    return std::ranges::all_of(fields, [&names](const Field_descriptor& field) {
+        return names.insert(field.name).second;
+    });
 }
 
 } // namespace tla

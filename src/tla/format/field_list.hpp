@@ -22,4 +22,8 @@ void read_field_list(scl::Scl_buffered_istream& in, std::vector<Field_descriptor
 // The list's bytes, the closing one included.
 [[nodiscard]] std::string field_list_of(std::span<const Field_descriptor> fields);
 
+// Whether no two fields share a name, byte for byte. What is written must be so, as a key table
+// names its field; a reader takes the first field of a name.
+[[nodiscard]] bool tla_names_are_unique(std::span<const Field_descriptor> fields);
+
 } // namespace tla

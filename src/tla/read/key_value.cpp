@@ -10,6 +10,7 @@
 
 namespace tla {
 
+// By the steps that a record's field goes through, so that equal texts come to equal values.
 void tokenise_key_value(std::u16string_view value, const Formatter_type_id& type,
                         std::vector<std::uint64_t>& values, scl::Scl_status& status) {
     const auto formatter = tla_create_formatter(type);
@@ -18,6 +19,7 @@ void tokenise_key_value(std::u16string_view value, const Formatter_type_id& type
     if (!txtdfc::txtdfc_token_values(formatted, values)) status.push(TLA_STATUS_NO_TOKENS);
 }
 
+// Value by value: no copy of the record's bytes is needed to take their checksum.
 std::uint64_t key_hash(std::span<const std::uint64_t> values) {
     scl::Scl_crc64 crc;
     for (const std::uint64_t value : values) {

@@ -1,54 +1,66 @@
 #pragma once
 
-#include "scl/io/scl_buffered_istream.hpp"
 #include "tla/read/entry_reader.hpp"
 #include "tla/read/key_index.hpp"
+#include "tla/read/pair_reader.hpp"
 #include "tla/read/tla_record_allowance.hpp"
 
 #include <cstdint>
 #include <memory>
 #include <span>
-#include <string_view>
 #include <vector>
 
 namespace tla {
 
-// What a lookup looks for.
+// What a lookup looks for. `field` is the key field's place in the field list; when the list has no
+// such field it is past its end, and nothing is found.
 struct Wanted_key {
-    std::u16string_view field_name;
-    std::uint64_t hash = 0;
-    std::vector<std::uint64_t> values; // token values
+    std::size_t field;
+    std::uint64_t hash;                    // the key hash that goes with the values
+    std::span<const std::uint64_t> values; // token values
 };
 
-// One lookup in one key table.
-class Entry_finder {
+// One lookup in one key table, by the rule of docs/reading.md: the index leads to a block, the
+// block to the pairs of the hash, each pair to a record, and a record that has the values is an
+// entry.
+class Lookup {
 public:
     using Entries = std::vector<std::unique_ptr<Tla_data_set_entry_file>>;
 
-    // Reads pairs and entries, the latter as far as the allowance goes, through `entries`. All must
-    // outlive the finder.
-    Entry_finder(Entry_reader& entries, Tla_record_allowance allowance, const Wanted_key& wanted,
-                 std::uint32_t block_size);
+    // Reads entries as far as the allowance goes. All must outlive the lookup.
+    Lookup(const Wanted_key& wanted, Pair_reader& pairs, Entry_reader& entries,
+           Tla_record_allowance allowance)
+        : wanted_(wanted), pairs_(pairs), entries_(entries), allowance_(allowance) {}
 
-    // Adds the entries found to the results. The table counts as one of `record_count` pairs; an
-    // end of the data before that is no failure. An entry that cannot be read ends the lookup.
+    // Adds the entries found to the results; `record_count` is the file's. An entry that cannot be
+    // read ends the lookup with its code, an allowance that is used up with TLA_STATUS_NO_DATA_SET,
+    // a file that cannot be read with SCL_STATUS_READ_FAILED; the end of the data among the pairs
+    // is no failure. What the lookup sees of the order of a block is noted in the index.
     void find(Key_index& index, std::uint32_t record_count, Entries& results,
               scl::Scl_status& status);
 
 private:
-    void scan_block(std::uint64_t offset, std::uint32_t first, std::uint32_t pair_count,
-                    bool runs_on, Entries& results, scl::Scl_status& status);
-    [[nodiscard]] std::uint32_t skip_other_hashes(std::uint32_t most, scl::Scl_status& status);
+    // The pairs that are looked at, as places in a block: those before `first` are known to have
+    // other hashes. A pair with another value at `runs_on_at` makes the scan go on for a pair more.
+    struct Range {
+        std::uint64_t offset; // of the block's first pair, in bytes from the start of the file
+        std::uint32_t first;
+        std::uint32_t end;
+        std::uint32_t runs_on_at;
+    };
+
+    [[nodiscard]] std::uint32_t first_candidate(const Key_block& block, Block_order& order,
+                                                scl::Scl_status& status);
+    void scan(const Range& range, Entries& results, scl::Scl_status& status);
     [[nodiscard]] bool take_entry(std::int64_t record_offset, Entries& results,
                                   scl::Scl_status& status);
 
-    Entry_reader& entries_;
-    scl::Scl_buffered_istream& pairs_;
-    Tla_record_allowance allowance_;
     const Wanted_key& wanted_;
-    std::uint32_t block_size_; // in pairs
+    Pair_reader& pairs_;
+    Entry_reader& entries_;
+    Tla_record_allowance allowance_;
     bool found_ = false;
-    bool first_pair_differs_ = false; // the hash is the wanted one, the record is not
+    bool first_pair_differs_ = false; // it has the wanted hash, but its record another value
 };
 
 } // namespace tla

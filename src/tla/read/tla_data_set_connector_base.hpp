@@ -19,7 +19,8 @@ struct Tla_lookup_value {
 };
 
 // Reads a data set and finds entries in it. Call set_parameter, open and load, in this order,
-// before anything else. Not for use by several threads.
+// before anything else. Not for use by several threads. Which status codes an operation can leave
+// the class that implements it tells.
 class Tla_data_set_connector_base {
 public:
     Tla_data_set_connector_base() = default;
@@ -44,6 +45,7 @@ public:
     virtual void set_parameter(std::string_view name, std::u16string_view value,
                                scl::Scl_status& status) = 0;
     virtual void open(scl::Scl_status& status) = 0;
+    // Entries that are still there are not to be used any more.
     virtual void close() = 0;
 
     // Checks the data and reads the index; once. Refuses other versions than the latest unless any

@@ -12,19 +12,25 @@
 #include "tla/read/key_index.hpp"
 #include "tla/read/key_value.hpp"
 #include "tla/read/lookup.hpp"
+#include "tla/read/pair_reader.hpp"
 
 #include <algorithm>
 #include <limits>
 #include <stdexcept>
+#include <utility>
 
 namespace tla {
 
 namespace {
 
 constexpr std::string_view FILE_NAME_PARAMETER = "DataFileName";
+// How these were made nobody but the program that made the file knows.
 constexpr std::uint8_t VERSION_WITH_GIVEN_HASHES = 1;
+// A sample is 8 bytes in a block of 64 KiB, a key's name seldom longer than this.
 constexpr std::size_t SAMPLE_READ_AHEAD_BYTES = 512;
 
+// A number of offsets in the width of the file's record count, which it never exceeds; should it, a
+// wrapped number would read the wrong pairs.
 std::uint32_t checked_u32(std::int64_t value) {
     if (value < 0) throw std::overflow_error("i64 too negative for u32");
     if (value > std::numeric_limits<std::uint32_t>::max()) {
@@ -34,6 +40,16 @@ std::uint32_t checked_u32(std::int64_t value) {
 }
 
 } // namespace
+
+// An open file and what it is read through, kept from one operation to the next for the buffers.
+struct Tla_data_set_connector_file::Source {
+    Source(std::unique_ptr<const scl::Scl_buffer> opened, const Tla_data_set_header& header)
+        : file(std::move(opened)), pairs(*file), entries(*file, header) {}
+
+    std::unique_ptr<const scl::Scl_buffer> file;
+    Pair_reader pairs;
+    Entry_reader entries;
+};
 
 Tla_data_set_connector_file::Tla_data_set_connector_file() = default;
 
@@ -45,28 +61,25 @@ void Tla_data_set_connector_file::set_parameter(std::string_view name, std::u16s
 }
 
 void Tla_data_set_connector_file::open(scl::Scl_status& status) {
-    entries_.reset();
-    file_ = std::make_unique<scl::Scl_file_buffer>(data_file_name_, scl::Scl_file_open::existing,
-                                                   scl::Scl_file_access::read, scl::SCL_FILE_PLAIN,
-                                                   scl::SCL_FILE_AT_RANDOM, status);
+    source_.reset();
+    auto file = std::make_unique<scl::Scl_file_buffer>(
+        data_file_name_, scl::Scl_file_open::existing, scl::Scl_file_access::read,
+        scl::SCL_FILE_PLAIN, scl::SCL_FILE_AT_RANDOM, status);
     if (status.has_failed()) {
-        file_.reset();
         status = TLA_STATUS_NOT_OPEN;
-        return;
+    } else {
+        source_ = std::make_unique<Source>(std::move(file), header_);
     }
-    opened_ = true;
-    entries_ = std::make_unique<Entry_reader>(*file_, header_);
 }
 
+// What stays is what the interface promises to keep; see there.
 void Tla_data_set_connector_file::close() {
     data_file_name_.clear();
     header_.fields.clear();
     header_.index_offset = 0;
     header_.key_count = 0;
     header_.record_count = 0;
-    opened_ = false;
-    entries_.reset();
-    file_.reset();
+    source_.reset();
     loaded_ = false;
     block_size_ = 0;
 }
@@ -77,14 +90,17 @@ void Tla_data_set_connector_file::load(scl::Scl_status& status, bool accept_any_
         status = TLA_STATUS_NOT_OPEN;
         return;
     }
-    tla_read_header(*file_, data_file_name_, accept_any_version, header_, status);
+    tla_read_header(*source_->file, data_file_name_, accept_any_version, header_, status);
     if (!status.has_failed()) check_checksum(status);
     if (status.has_failed()) return;
+    // Not before the checksum is right: what a damaged file says of its counts misleads.
     block_size_ = index_block_size(header_.record_count, header_.key_count);
     if (block_size_ == 0) {
         status = TLA_STATUS_TOO_MANY_PAIRS;
         return;
     }
+    // Names and samples grow with the file: where they take all memory, it is not the caller's
+    // fault.
     try {
         read_key_indexes(status);
     } catch (const std::exception&) {
@@ -93,13 +109,14 @@ void Tla_data_set_connector_file::load(scl::Scl_status& status, bool accept_any_
     loaded_ = !status.has_failed();
 }
 
+// The 16 bytes before are the magic, which has been compared, and the checksum itself.
 void Tla_data_set_connector_file::check_checksum(scl::Scl_status& status) const {
-    const std::uint64_t size = file_->size(false, status);
+    const std::uint64_t size = file_size();
     if (size <= TLA_CHECKED_FROM) {
         status.push(TLA_STATUS_NO_DATA_SET, scl::Scl_wstring_status_arg(data_file_name_));
         return;
     }
-    const scl::Scl_sub_buffer body(*file_, TLA_CHECKED_FROM, size, status);
+    const scl::Scl_sub_buffer body(*source_->file, TLA_CHECKED_FROM, size, status);
     scl::Scl_crc64 crc;
     crc.update(body, status);
     if (!status.has_failed() && crc.result(false) != header_.stored_checksum) {
@@ -108,7 +125,7 @@ void Tla_data_set_connector_file::check_checksum(scl::Scl_status& status) const 
 }
 
 void Tla_data_set_connector_file::read_key_indexes(scl::Scl_status& status) {
-    scl::Scl_buffered_istream in(*file_, false, status, scl::Scl_eol::none);
+    scl::Scl_buffered_istream in(*source_->file, false, status, scl::Scl_eol::none);
     in.limit_read_ahead(SAMPLE_READ_AHEAD_BYTES);
     in.set_position(header_.index_offset);
     for (std::uint16_t i = 0; i < header_.key_count && !status.has_failed(); ++i) {
@@ -128,43 +145,25 @@ Tla_data_set_connector_file::record_offsets(scl::Scl_status& status) {
     record_offsets_.reserve(
         before + std::min<std::uint64_t>(header_.record_count, file_size() / TLA_INDEX_PAIR_BYTES));
     if (key_indexes_.empty()) return record_offsets_;
-    scl::Scl_buffered_istream in(*file_, false, status, scl::Scl_eol::none);
     for (const Index_sample& sample : key_indexes_.front().samples) {
+        if (status.has_failed()) break;
         const auto collected = static_cast<std::int64_t>(record_offsets_.size() - before);
         const std::uint32_t missing = header_.record_count - checked_u32(collected);
-        in.set_position(sample.offset);
-        append_offsets(in, std::min(block_size_, missing), status);
-        if (status == scl::SCL_STATUS_END_OF_DATA) status.clear();
+        source_->pairs.append_offsets(sample.offset, std::min(block_size_, missing),
+                                      record_offsets_, status);
     }
     return record_offsets_;
 }
 
-void Tla_data_set_connector_file::append_offsets(scl::Scl_buffered_istream& in, std::uint32_t count,
-                                                 scl::Scl_status& status) {
-    for (std::uint32_t i = 0; i < count && !status.has_failed(); ++i) {
-        std::uint64_t hash = 0;
-        std::int64_t offset = 0;
-        in.read_le(hash, status);
-        in.read_le(offset, status);
-        if (!status.has_failed()) record_offsets_.push_back(offset);
-    }
-}
-
 std::unique_ptr<Tla_data_set_entry_file>
 Tla_data_set_connector_file::read_entry(std::int64_t record_offset, scl::Scl_status& status) {
-    if (is_open()) return entries_->read(record_offset, status);
+    if (is_open()) return source_->entries.read(record_offset, status);
     status = TLA_STATUS_NOT_OPEN;
     return nullptr;
 }
 
-std::unique_ptr<Tla_data_set_entry_file>
-Tla_data_set_connector_file::read_stored_entry(std::int64_t record_offset,
-                                               scl::Scl_status& status) {
-    if (is_open()) return entries_->read_stored(record_offset, status);
-    status = TLA_STATUS_NOT_OPEN;
-    return nullptr;
-}
-
+// From the value to the key hash and to the key's index; Lookup goes on from there. The field is
+// looked for by its name here and nowhere else.
 void Tla_data_set_connector_file::find_entries(
     const Tla_lookup_value& value, std::u16string_view key_name,
     std::vector<std::unique_ptr<Tla_data_set_entry_file>>& results, scl::Scl_status& status) {
@@ -174,29 +173,24 @@ void Tla_data_set_connector_file::find_entries(
     }
     const auto index = std::ranges::find(key_indexes_, key_name, &Key_index::name);
     if (index == key_indexes_.end() || status.has_failed()) return;
-    Wanted_key wanted;
-    wanted.field_name = key_name;
-    wanted.hash = wanted_hash(value, key_name, wanted.values, status);
-    if (status.has_failed()) return;
-    Entry_finder finder(*entries_, Tla_record_allowance(file_size(), data_file_name_), wanted,
-                        block_size_);
-    finder.find(*index, header_.record_count, results, status);
-}
-
-std::uint64_t Tla_data_set_connector_file::wanted_hash(const Tla_lookup_value& value,
-                                                       std::u16string_view key_name,
-                                                       std::vector<std::uint64_t>& values,
-                                                       scl::Scl_status& status) {
     const auto field = std::ranges::find(header_.fields, key_name, &Field_descriptor::name);
     const bool known = field != header_.fields.end();
+    std::vector<std::uint64_t> values;
     tokenise_key_value(value.text, known ? field->type : Tla_simple_formatter::TYPE_ID, values,
                        status);
-    return version() == VERSION_WITH_GIVEN_HASHES ? value.hash : key_hash(values);
+    if (status.has_failed()) return;
+    const bool hash_is_given = version() == VERSION_WITH_GIVEN_HASHES;
+    const Wanted_key wanted{.field = static_cast<std::size_t>(field - header_.fields.begin()),
+                            .hash = hash_is_given ? value.hash : key_hash(values),
+                            .values = values};
+    Lookup(wanted, source_->pairs, source_->entries,
+           Tla_record_allowance(file_size(), data_file_name_))
+        .find(*index, header_.record_count, results, status);
 }
 
 std::uint64_t Tla_data_set_connector_file::file_size() const {
     scl::Scl_status never_set;
-    return file_ != nullptr ? file_->size(false, never_set) : 0;
+    return is_open() ? source_->file->size(false, never_set) : 0;
 }
 
 std::vector<std::u16string> Tla_data_set_connector_file::key_names() const {

@@ -3,25 +3,29 @@
 #include "tla/format/data_set_header.hpp"
 #include "tla/read/tla_data_set_connector_base.hpp"
 
-namespace scl {
-class Scl_buffered_istream;
-class Scl_file_buffer;
-} // namespace scl
-
 namespace tla {
 
-class Entry_reader;
 struct Key_index;
 
 // Reads a data set file of version 1 or 2. What a file claims costs no more time or memory than its
-// own size warrants. Status codes are errors; those marked * carry the file's name:
+// own size warrants. Status codes are errors; those marked * carry the file's name, + its name and
+// the system's reason:
+//   set_parameter   none
 //   open            TLA_STATUS_NOT_OPEN
 //   load            TLA_STATUS_NOT_OPEN, _NO_DATA_SET*, _VERSION*, _FIELD_LIST, _CHECKSUM,
-//                   _TOO_MANY_PAIRS; SCL_STATUS_END_OF_DATA for a key table outside the file
-//   record_offsets  TLA_STATUS_NOT_OPEN, also when the status has failed before
+//                   _TOO_MANY_PAIRS; SCL_STATUS_END_OF_DATA for a key table that begins outside the
+//                   file; SCL_STATUS_READ_FAILED+
+//   record_offsets  TLA_STATUS_NOT_OPEN, also when the status has failed before;
+//                   SCL_STATUS_READ_FAILED+
 //   read_entry      TLA_STATUS_NOT_OPEN, and those of an entry
 //   find_entries    the same; TLA_STATUS_NO_TOKENS for a value of which nothing is left;
 //                   TLA_STATUS_NO_DATA_SET* when the entries read are longer than the file
+// SCL_STATUS_READ_FAILED also tells that the file has become shorter since it was opened.
+//
+// Exceptions: find_entries throws std::runtime_error for a value, or a text of version 1, of more
+// than 15,000,000 tokens; each operation that has to take memory throws std::bad_alloc when there
+// is none, but for load, which reports TLA_STATUS_NO_DATA_SET* when the index takes it all.
+//
 // Entries use the connector's fields and its file: it must outlive them, open.
 class Tla_data_set_connector_file final : public Tla_data_set_connector_base {
 public:
@@ -41,16 +45,16 @@ public:
     // Forgets the file's name, its fields and counts, but not the key indexes and record offsets: a
     // file that is loaded afterwards adds to them. Use a connector of its own for each file.
     void close() override;
+    // To be called once. After a failure, what was read stays: another call adds the fields and the
+    // key indexes to it once more. Begin again with a new connector.
     void load(scl::Scl_status& status, bool accept_any_version) override;
     const std::vector<std::int64_t>& record_offsets(scl::Scl_status& status) override;
     [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file>
     read_entry(std::int64_t record_offset, scl::Scl_status& status) override;
 
-    // As read_entry, without the token values of version 1, which cost more than its texts.
-    [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file>
-    read_stored_entry(std::int64_t record_offset, scl::Scl_status& status);
-
+    // What the file says of itself; known once loaded.
     [[nodiscard]] std::uint8_t version() const { return header_.version(); }
+    // In bytes, as it was opened; 0 when closed.
     [[nodiscard]] std::uint64_t file_size() const;
     // Of the first record, in bytes from the start of the file.
     [[nodiscard]] std::uint64_t data_start() const { return header_.data_start; }
@@ -59,22 +63,16 @@ public:
     [[nodiscard]] std::vector<std::u16string> key_names() const;
 
 private:
-    [[nodiscard]] bool is_open() const { return opened_ && file_ != nullptr; }
+    struct Source;
+
+    [[nodiscard]] bool is_open() const { return source_ != nullptr; }
     void check_checksum(scl::Scl_status& status) const;
     void read_key_indexes(scl::Scl_status& status);
-    void append_offsets(scl::Scl_buffered_istream& in, std::uint32_t count,
-                        scl::Scl_status& status);
-    [[nodiscard]] std::uint64_t wanted_hash(const Tla_lookup_value& value,
-                                            std::u16string_view key_name,
-                                            std::vector<std::uint64_t>& values,
-                                            scl::Scl_status& status);
 
     Tla_data_set_header header_;
     std::u16string data_file_name_;
-    bool opened_ = false;
-    std::unique_ptr<scl::Scl_file_buffer> file_; // null when closed
-    std::unique_ptr<Entry_reader> entries_;      // likewise
-    std::uint32_t block_size_ = 0;               // pairs a sample; 0 when not loaded
+    std::unique_ptr<Source> source_; // null when closed
+    std::uint32_t block_size_ = 0;   // pairs a sample; 0 when not loaded
     std::vector<Key_index> key_indexes_;
     bool loaded_ = false;
     std::vector<std::int64_t> record_offsets_;

@@ -2,13 +2,13 @@
 
 #include "records/record_layout.hpp"
 #include "records/tla_status_codes.hpp"
+#include "scl/io/scl_buffered_istream.hpp"
 #include "scl/text/scl_string.hpp"
 #include "tla/format/data_set_layout.hpp"
-#include "tla/read/entry_reader.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
 #include <algorithm>
-#include <utility>
+#include <array>
 
 namespace tla {
 
@@ -16,19 +16,26 @@ namespace {
 
 constexpr std::uint8_t VERSION_WITH_TEXTS = 1;
 
-std::vector<std::uint64_t> read_token_list(scl::Scl_buffered_istream& in, scl::Scl_status& status) {
-    Tla_token_count count = 0;
-    in.read_be(count, status);
-    // The file may claim more than it holds.
-    const std::uint64_t left = in.size(status) - std::min(in.tell(), in.size(status));
-    std::vector<std::uint64_t> values;
-    values.reserve(std::min<std::uint64_t>(count, left / TLA_TOKEN_VALUE_BYTES));
-    for (Tla_token_count i = 0; i < count && !status.has_failed(); ++i) {
-        Tla_token_value value = 0;
-        in.read_be(value, status);
-        if (!status.has_failed()) values.push_back(value);
-    }
-    return values;
+std::span<const std::byte> bytes_of(const std::string& record) {
+    return std::as_bytes(std::span(record));
+}
+
+std::uint64_t value_at(std::span<const std::byte> values, std::size_t index) {
+    return scl::scl_load_be<Tla_token_value>(&values[index * TLA_TOKEN_VALUE_BYTES]);
+}
+
+std::uint64_t bytes_left(const scl::Scl_buffered_istream& in, scl::Scl_status& status) {
+    const std::uint64_t size = in.size(status);
+    return size - std::min(in.tell(), size);
+}
+
+// Takes the first text, with what ends it, from the rest of a record.
+std::string_view next_text(std::string_view& rest) {
+    constexpr std::array ENDS = {TLA_TEXT_END, TLA_TEXT_RECORD_END};
+    const std::string_view text =
+        rest.substr(0, rest.find_first_of(std::string_view(ENDS.data(), ENDS.size())));
+    rest.remove_prefix(text.size() + 1);
+    return text;
 }
 
 } // namespace
@@ -46,106 +53,157 @@ Tla_data_set_entry_file::Tla_data_set_entry_file(const std::vector<Field_descrip
 bool Tla_data_set_entry_file::token_values(std::u16string_view field_name,
                                            std::vector<std::uint64_t>& values,
                                            Formatter_type_id& type) const {
-    const std::size_t field = find_field(field_name);
-    if (field >= token_lists_.size()) return false;
-    type = fields_[field].type;
-    values = token_lists_[field];
+    const std::optional<std::size_t> field = find_field(field_name);
+    if (!field) return false;
+    type = fields_[*field].type;
+    values_of(*field, values);
     return true;
 }
 
 bool Tla_data_set_entry_file::text_value(std::u16string_view field_name, std::u16string& text,
                                          Formatter_type_id& type) const {
-    const std::size_t field = find_field(field_name);
-    std::string_view stored;
-    if (!stored_text(field, stored)) return false;
-    type = fields_[field].type;
-    scl::scl_stow(stored, text);
+    const std::optional<std::size_t> field = find_field(field_name);
+    if (!field || !has_texts()) return false;
+    type = fields_[*field].type;
+    scl::scl_stow(text_of(*field), text);
     return true;
 }
 
-bool Tla_data_set_entry_file::stored_text(std::size_t field, std::string_view& text) const {
-    if (version_ != VERSION_WITH_TEXTS || field >= std::min(texts_.size(), fields_.size())) {
-        return false;
+// All at once: to look for each by itself would go through the record from its front every time.
+bool Tla_data_set_entry_file::texts(std::vector<std::string_view>& texts) const {
+    if (!has_texts()) return false;
+    texts.clear();
+    std::string_view rest = record_;
+    while (texts.size() < field_count_) {
+        texts.push_back(next_text(rest));
     }
-    text = texts_[field];
     return true;
+}
+
+bool Tla_data_set_entry_file::holds(std::size_t field,
+                                    std::span<const std::uint64_t> values) const {
+    if (field >= field_count_) return false;
+    if (has_texts()) {
+        std::vector<std::uint64_t> own;
+        values_of(field, own);
+        return std::ranges::equal(own, values);
+    }
+    // In place: every record that a lookup comes upon is asked.
+    const auto own = tla_field_values(bytes_of(record_), field);
+    std::size_t i = 0;
+    return own.size() == values.size_bytes() && std::ranges::all_of(values, [own, &i](auto value) {
+               return value_at(own, i++) == value;
+           });
 }
 
 void Tla_data_set_entry_file::read(scl::Scl_status& status) {
-    Record_source source(file_);
-    read(source, status);
+    scl::Scl_buffered_istream in(file_, false, status, scl::Scl_eol::none);
+    read_from(in, status);
 }
 
-void Tla_data_set_entry_file::read(Record_source& source, scl::Scl_status& status) {
-    read_stored(source, status);
-    if (version_ == VERSION_WITH_TEXTS && !status.has_failed()) tokenise_texts();
-}
-
-void Tla_data_set_entry_file::read_stored(Record_source& source, scl::Scl_status& status) {
-    const auto offset = static_cast<std::uint64_t>(record_offset_);
-    scl::Scl_buffered_istream& in = source.stream_at(offset);
+void Tla_data_set_entry_file::read_from(scl::Scl_buffered_istream& in, scl::Scl_status& status) {
+    if (status.has_failed()) return;
+    in.set_position(static_cast<std::uint64_t>(record_offset_));
     if (version_ == VERSION_WITH_TEXTS) {
         read_texts(in, status);
     } else {
-        read_token_lists(in, status);
+        read_values(in, status);
     }
-    record_size_ = in.tell() - offset;
 }
 
-// The number of fields when there is none of that name.
-std::size_t Tla_data_set_entry_file::find_field(std::u16string_view name) const {
+// Within both bounds: a connector that was closed has no fields any more, one that has opened
+// another file may have more than the record.
+std::optional<std::size_t> Tla_data_set_entry_file::find_field(std::u16string_view name) const {
     const auto found = std::ranges::find(fields_, name, &Field_descriptor::name);
-    return static_cast<std::size_t>(found - fields_.begin());
+    const auto field = static_cast<std::size_t>(found - fields_.begin());
+    if (field >= std::min(fields_.size(), field_count_)) return std::nullopt;
+    return field;
 }
 
-void Tla_data_set_entry_file::read_token_lists(scl::Scl_buffered_istream& in,
-                                               scl::Scl_status& status) {
-    while (token_lists_.size() != fields_.size() && !status.has_failed()) {
-        token_lists_.push_back(read_token_list(in, status));
+bool Tla_data_set_entry_file::has_texts() const {
+    return version_ == VERSION_WITH_TEXTS;
+}
+
+std::string_view Tla_data_set_entry_file::text_of(std::size_t field) const {
+    std::string_view rest = record_;
+    for (; field > 0; --field) {
+        (void)next_text(rest);
     }
-    if (status.has_failed()) return;
-    std::uint8_t end = TLA_RECORD_END;
-    in.read(sizeof end, &end, status);
-    if (end != TLA_RECORD_END && !status.has_failed()) status.push(TLA_STATUS_RECORD_END);
+    return next_text(rest);
 }
 
+// Made when asked for. Most entries are asked for one field, and those of an upgrade for none: a
+// text's tokens cost more than its reading.
+void Tla_data_set_entry_file::values_of(std::size_t field,
+                                        std::vector<std::uint64_t>& values) const {
+    if (has_texts()) {
+        std::u16string text;
+        scl::scl_stow(text_of(field), text);
+        (void)txtdfc::txtdfc_token_values(text, values); // without text, none
+        return;
+    }
+    const auto own = tla_field_values(bytes_of(record_), field);
+    values.resize(own.size() / TLA_TOKEN_VALUE_BYTES);
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        values[i] = value_at(own, i);
+    }
+}
+
+// Count by count, as nothing tells a record's size in advance.
+void Tla_data_set_entry_file::read_values(scl::Scl_buffered_istream& in, scl::Scl_status& status) {
+    // Most records are at hand whole: their bytes then take memory once.
+    record_.reserve(std::min<std::uint64_t>(
+        tla_measure_record(in.window(status), fields_.size()).size, bytes_left(in, status)));
+    while (field_count_ != fields_.size() && take(TLA_COUNT_BYTES, in, status)) {
+        const std::size_t at = record_.size() - TLA_COUNT_BYTES;
+        const std::size_t size = tla_field_size(bytes_of(record_).subspan(at).data());
+        if (take(size - TLA_COUNT_BYTES, in, status)) ++field_count_;
+    }
+    if (status.has_failed() || !take(TLA_RECORD_END_BYTES, in, status)) return;
+    if (record_.back() != TLA_RECORD_END) status.push(TLA_STATUS_RECORD_END);
+}
+
+// Adds the stream's next bytes to the record. No memory is taken for what the file does not have,
+// whatever the record claims.
+bool Tla_data_set_entry_file::take(std::uint64_t size, scl::Scl_buffered_istream& in,
+                                   scl::Scl_status& status) {
+    if (size > bytes_left(in, status)) {
+        status.push(scl::SCL_STATUS_END_OF_DATA);
+        return false;
+    }
+    const std::size_t at = record_.size();
+    record_.resize(at + size);
+    in.read(size, &record_[at], status);
+    return !status.has_failed();
+}
+
+// Up to its closing byte, however far that is: the length of a record is known when it is read.
 void Tla_data_set_entry_file::read_texts(scl::Scl_buffered_istream& in, scl::Scl_status& status) {
-    std::string text;
     bool ended = false;
     while (!ended && !status.has_failed()) {
         const std::span<const std::byte> window = in.window(status);
-        in.skip(take_texts(window, in.tell() - data_start_, text, ended));
+        in.skip(take_texts(window, in.tell() - data_start_));
+        ended = record_.ends_with(TLA_TEXT_RECORD_END);
         if (window.empty() && !status.has_failed()) status.push(scl::SCL_STATUS_END_OF_DATA);
     }
-    const bool read_failed = status.has_failed() && !(status == scl::SCL_STATUS_END_OF_DATA);
-    if (texts_.size() != fields_.size() && !read_failed) status = TLA_STATUS_VALUE_COUNT;
+    // Where the data ended first, the number of texts decides; a read failure is told as it is.
+    const bool told = status.has_failed() && !(status == scl::SCL_STATUS_END_OF_DATA);
+    if (field_count_ != fields_.size() && !told) status = TLA_STATUS_VALUE_COUNT;
+    if (status.has_failed()) field_count_ = 0; // which text belongs to which field is not known
 }
 
-// Returns how many of the bytes, which stand at `position` after the first record's start, belong
-// to the record. `text` carries what was gathered of a text from one call to the next.
+// Returns how many of the bytes, the first of which is `position` bytes behind the first record's
+// start, belong to the record.
 std::size_t Tla_data_set_entry_file::take_texts(std::span<const std::byte> bytes,
-                                                std::uint64_t position, std::string& text,
-                                                bool& ended) {
+                                                std::uint64_t position) {
     std::size_t taken = 0;
-    while (taken < bytes.size() && !ended) {
+    for (bool ended = false; taken < bytes.size() && !ended; ++taken) {
         const char byte = tla_scrambled(std::to_integer<char>(bytes[taken]), position + taken);
-        ++taken;
         ended = byte == TLA_TEXT_RECORD_END;
-        if (ended || byte == TLA_TEXT_END) {
-            texts_.push_back(std::exchange(text, {}));
-        } else {
-            text += byte;
-        }
+        if (ended || byte == TLA_TEXT_END) ++field_count_;
+        record_ += byte;
     }
     return taken;
-}
-
-void Tla_data_set_entry_file::tokenise_texts() {
-    std::u16string wide;
-    for (const std::string& text : texts_) {
-        scl::scl_stow(text, wide);
-        (void)txtdfc::txtdfc_token_values(wide, token_lists_.emplace_back()); // without text, none
-    }
 }
 
 } // namespace tla

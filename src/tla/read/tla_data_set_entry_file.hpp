@@ -4,6 +4,7 @@
 #include "tla/read/tla_data_set_entry_base.hpp"
 
 #include <cstddef>
+#include <optional>
 #include <span>
 
 namespace scl {
@@ -13,14 +14,11 @@ class Scl_buffered_istream;
 
 namespace tla {
 
-class Record_source;
-
-// A record read from a file of either version. Comes from a connector, which must outlive it.
+// A record read from a file of either version. Comes from a connector, which must outlive it, open.
 //
-// Reading pushes TLA_STATUS_RECORD_END when a record of version 2 does not end with 0x00, sets
-// TLA_STATUS_VALUE_COUNT when one of version 1 has more or fewer texts than the file has fields,
-// and leaves SCL_STATUS_END_OF_DATA or SCL_STATUS_READ_FAILED as the file reports them. A text of
-// version 1 with more tokens than there may be throws std::runtime_error.
+// It keeps the record's bytes and makes of them what is asked for. Of version 1 that means that
+// token values are made when they are asked for: token_values() and holds() throw
+// std::runtime_error for a text of more than 15,000,000 tokens.
 class Tla_data_set_entry_file final : public Tla_data_set_entry_base {
 public:
     // Offsets in bytes from the start of the file; `data_start` is that of the first record.
@@ -33,36 +31,42 @@ public:
                                     Formatter_type_id& type) const override;
     [[nodiscard]] bool text_value(std::u16string_view field_name, std::u16string& text,
                                   Formatter_type_id& type) const override;
+
+    // Pushes TLA_STATUS_RECORD_END when a record of version 2 does not end with 0x00; its values
+    // can be asked for all the same. Sets TLA_STATUS_VALUE_COUNT when one of version 1 has more or
+    // fewer texts than the file has fields. Leaves SCL_STATUS_END_OF_DATA, SCL_STATUS_READ_FAILED
+    // as the file reports them.
     void read(scl::Scl_status& status) override;
+    // The same through a stream that is shared with other records; its position does not matter.
+    void read_from(scl::Scl_buffered_istream& in, scl::Scl_status& status);
 
-    // The same by means that are shared with other records.
-    void read(Record_source& source, scl::Scl_status& status);
-    // Leaves out what version 1 has to make of the texts, their token values.
-    void read_stored(Record_source& source, scl::Scl_status& status);
-
-    // The stored text, in UTF-8, of the field at a position of the field list; false as above. It
-    // lies in the entry.
-    [[nodiscard]] bool stored_text(std::size_t field, std::string_view& text) const;
+    // Whether the field at a place of the field list has these token values; false past its end.
+    [[nodiscard]] bool holds(std::size_t field, std::span<const std::uint64_t> values) const;
+    // Replaces `texts` by those of all fields, in UTF-8, which last as long as the entry. False,
+    // and nothing replaced, for every version but 1.
+    [[nodiscard]] bool texts(std::vector<std::string_view>& texts) const;
 
     [[nodiscard]] std::int64_t record_offset() const { return record_offset_; }
     // In bytes, as far as it was read.
-    [[nodiscard]] std::uint64_t record_size() const { return record_size_; }
+    [[nodiscard]] std::uint64_t record_size() const { return record_.size(); }
 
 private:
-    [[nodiscard]] std::size_t find_field(std::u16string_view name) const;
-    void read_token_lists(scl::Scl_buffered_istream& in, scl::Scl_status& status);
+    [[nodiscard]] std::optional<std::size_t> find_field(std::u16string_view name) const;
+    [[nodiscard]] bool has_texts() const;
+    [[nodiscard]] std::string_view text_of(std::size_t field) const;
+    void values_of(std::size_t field, std::vector<std::uint64_t>& values) const;
+    void read_values(scl::Scl_buffered_istream& in, scl::Scl_status& status);
+    [[nodiscard]] bool take(std::uint64_t size, scl::Scl_buffered_istream& in,
+                            scl::Scl_status& status);
     void read_texts(scl::Scl_buffered_istream& in, scl::Scl_status& status);
-    [[nodiscard]] std::size_t take_texts(std::span<const std::byte> bytes, std::uint64_t position,
-                                         std::string& text, bool& ended);
-    void tokenise_texts();
+    [[nodiscard]] std::size_t take_texts(std::span<const std::byte> bytes, std::uint64_t position);
 
     const scl::Scl_buffer& file_;
     const std::vector<Field_descriptor>& fields_;
     std::int64_t record_offset_;
     std::uint64_t data_start_;
-    std::uint64_t record_size_ = 0;
-    std::vector<std::string> texts_;                      // of version 1, one a field
-    std::vector<std::vector<std::uint64_t>> token_lists_; // one a field
+    std::string record_;          // its bytes, those of version 1 unscrambled
+    std::size_t field_count_ = 0; // whole fields in them
     std::uint8_t version_;
 };
 

@@ -7,6 +7,7 @@
 #include "tla/build/data_set_generator.hpp"
 #include "tla/build/scratch_file.hpp"
 #include "tla/format/data_set_layout.hpp"
+#include "tla/format/field_list.hpp"
 #include "tla/read/tla_data_set_connector_file.hpp"
 #include "tla/read/tla_record_allowance.hpp"
 
@@ -29,20 +30,21 @@ std::vector<Formatter_type_id> types_of(const std::vector<Field_descriptor>& fie
     return types;
 }
 
-// By position: two fields of one name, which the generator refuses anyway, would not matter.
 void gather_texts(const Tla_data_set_entry_file& entry, const std::vector<Field_descriptor>& fields,
-                  Tla_kept_fields& texts, scl::Scl_status& status) {
+                  std::vector<std::string_view>& stored, Tla_kept_fields& texts,
+                  scl::Scl_status& status) {
+    if (!entry.texts(stored)) {
+        status.assign(TLA_STATUS_NO_TEXT, scl::Scl_wstring_status_arg(fields.front().name));
+        return;
+    }
     texts.clear();
-    for (std::size_t i = 0; i < fields.size() && !status.has_failed(); ++i) {
-        std::string_view text;
-        if (entry.stored_text(i, text)) {
-            texts.add(text);
-        } else {
-            status.assign(TLA_STATUS_NO_TEXT, scl::Scl_wstring_status_arg(fields[i].name));
-        }
+    for (const std::string_view text : stored) {
+        texts.add(text);
     }
 }
 
+// In the order of their places in the old file, as the new one keeps it; so the file is read from
+// front to back, too.
 void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_file,
                      scl::Scl_ostream& out, scl::Scl_status& status) {
     const std::vector<Field_descriptor>& fields = old_file.field_descriptors();
@@ -50,12 +52,13 @@ void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_
     std::ranges::sort(offsets);
     Tla_record_allowance allowance(old_file.file_size(), path);
     Tla_record_processor processor(types_of(fields), {}, nullptr);
+    std::vector<std::string_view> stored;
     Tla_kept_fields texts;
     for (const std::int64_t offset : offsets) {
         if (status.has_failed()) return;
-        const auto entry = old_file.read_stored_entry(offset, status);
+        const auto entry = old_file.read_entry(offset, status);
         if (entry == nullptr) continue;
-        gather_texts(*entry, fields, texts, status);
+        gather_texts(*entry, fields, stored, texts, status);
         allowance.take(entry->record_size(), status);
         if (status.has_failed()) return;
         processor.process({texts.fields()}, out, status);
@@ -82,6 +85,11 @@ void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
     Tla_data_set_connector_file old_file;
     load_old_file(path, old_file, status);
     if (status.has_failed() || old_file.version() >= TLA_DATA_SET_VERSION) return;
+    // A new file may not have such names. Told at once: converting takes memory for each field.
+    if (!tla_names_are_unique(old_file.field_descriptors())) {
+        status = TLA_STATUS_FIELD_LIST;
+        return;
+    }
     scl::Scl_file_buffer records;
     tla_open_scratch_file(records, status);
     if (status.has_failed()) return;

@@ -10,10 +10,11 @@ namespace tla {
 // they stand in the old one, with its fields and key fields; empty key fields are carried over. A
 // file of the latest version is left alone, and nothing is written.
 //
-// Codes are those of a connector's open and load and of reading an entry, those of making the
-// scratch file, of processing a record and of the generator; TLA_STATUS_NO_TEXT with the field's
-// name for a record that stores no text, TLA_STATUS_NO_DATA_SET with the file's name for records
-// that are together longer than their file, and for far more keys than its size warrants.
+// Codes are those of a connector's operations but lookups, those of making the scratch file, of
+// processing a record and of the generator; TLA_STATUS_FIELD_LIST for two fields of one name,
+// TLA_STATUS_NO_TEXT with the field's name for a record that stores no text, TLA_STATUS_NO_DATA_SET
+// with the file's name for records that are together longer than their file, and for far more keys
+// than its size warrants. Throws std::runtime_error for a text of more than 15,000,000 tokens.
 void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
                       scl::Scl_status& status);
 
