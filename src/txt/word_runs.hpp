@@ -41,7 +41,6 @@ template <typename Unit>
     return scl::impl::SCL_UNICODE_BIT_TABLE[unit];
 }
 
-// A block of text side by side. Signed, which is what processors compare in one step.
 using Block_mask [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = std::uint64_t;
 
 // How many bytes of a block, from the first on, are all ones.
@@ -59,15 +58,18 @@ using Block_mask [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = std::uint64_t;
 // How many units of a block, from the first on, are ASCII letters, digits or underscores.
 template <typename Unit>
 [[nodiscard]] std::size_t leading_word_units(const Unit* from) {
-    using Lane = std::conditional_t<sizeof(Unit) == 1, std::int8_t, std::int16_t>;
+    using Lane = std::conditional_t<sizeof(Unit) == 1, std::uint8_t, std::uint16_t>;
+    using Signed_lane = std::make_signed_t<Lane>;
     using Block [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = Lane;
+    using Signed_block [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = Signed_lane;
     Block units;
     std::memcpy(&units, from, sizeof units);
-    // A range moved down to the least number needs one comparison, with its upper end.
-    constexpr Lane LEAST = std::numeric_limits<Lane>::min();
+    // A range moved down to the least signed number needs one comparison, with its upper end.
+    constexpr Signed_lane LEAST = std::numeric_limits<Signed_lane>::min();
     const auto from_to = [](const Block& lanes, char first, char last) {
-        return lanes + static_cast<Lane>(LEAST - first) <
-               static_cast<Lane>(LEAST + (last - first + 1));
+        const Block moved = lanes + static_cast<Lane>(LEAST - first);
+        return std::bit_cast<Signed_block>(moved) <
+               static_cast<Signed_lane>(LEAST + last - first + 1);
     };
     const Block folded = units | Lane{0x20};
     const auto word = from_to(folded, 'a', 'z') | from_to(units, '0', '9') | (units == Lane{'_'});
