@@ -44,8 +44,7 @@ public:
     struct Entry {
         Scl_status_code code;
         std::shared_ptr<const Scl_status_arg> argument; // null when the code came without one
-        std::uint64_t
-            count; // how often it was pushed in a row: neighbours that are equal share one
+        std::uint64_t count; // pushes in a row: a million equal warnings take one entry
     };
 
     Scl_status() = default;
@@ -55,18 +54,21 @@ public:
     Scl_status& operator=(Scl_status_code code);
     void assign(Scl_status_code code, Scl_wstring_status_arg argument);
 
+    // Adds an entry on top. Memory exhausted is thrown (std::bad_alloc); the status stays as it
+    // was.
     void push(Scl_status_code code);
     void push(Scl_status_code code, Scl_wstring_status_arg argument);
-    // Adds the top entry of `other`, if it has one.
+    // Adds the top entry of `other`, if it has one: what a local status of a sub-step came to.
     void push_top(const Scl_status& other);
 
+    // Removes every entry, warnings too.
     void clear();
 
     [[nodiscard]] Scl_status_code value() const { return value_; }
     [[nodiscard]] bool operator==(Scl_status_code code) const { return value_ == code; }
     [[nodiscard]] bool contains_value(Scl_status_code code) const;
 
-    // True when no entry is an error.
+    // True when no entry is an error: what a run as a whole is judged by.
     [[nodiscard]] bool ok() const { return !holds_error_; }
     // True when the value, the top entry alone, is an error; every loop's test.
     [[nodiscard]] bool has_failed() const { return scl_is_error(value_); }
