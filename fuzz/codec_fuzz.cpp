@@ -111,6 +111,20 @@ private:
         check(std::ranges::equal(values, tokens_, {}, {}, [](const auto* token) {
             return token->crc(txt::Txt_text_form::whole);
         }));
+        check_bytes(values);
+    }
+
+    // ASCII has the same values as the bytes it comes in.
+    void check_bytes(const std::vector<std::uint64_t>& expected) {
+        const auto is_ascii = [](char16_t unit) { return unit < 0x80; };
+        if (!std::ranges::all_of(content_, is_ascii)) return;
+        std::string bytes(content_.begin(), content_.end());
+        bytes.append(scl::SCL_BLOCK_BYTES, 'x');
+        std::vector<std::uint64_t> values;
+        txtdfc::txtdfc_each_token_value(
+            scl::Scl_text_span<char>{bytes.data(), bytes.data() + content_.size()},
+            [&values](std::uint64_t value) { values.push_back(value); });
+        check(values == expected);
     }
 
     bool edit(const txtdfc::Txtdfc_physical_token& token, std::size_t begin, std::size_t length,

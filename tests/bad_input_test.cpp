@@ -92,6 +92,10 @@ TEST_F(Bad_input, TheScratchFileIsNeitherInputNorOutput) {
     place.remove("mid_buf");
     expect_refused("-o", {"mid_buf", "./mid_buf", whole_path});
     EXPECT_FALSE(place.exists("mid_buf"));
+    place.write("in", "a\tb\n");
+    fs::create_directory(place.path("sub"));
+    EXPECT_EQ(place.shell(BUILD + "sub/mid_buf").exit_status, 0) << "another folder's is no other";
+    EXPECT_FALSE(place.read("sub/mid_buf").empty());
 }
 
 TEST_F(Bad_input, AStaleOrHostileScratchFileDoesNoHarm) {

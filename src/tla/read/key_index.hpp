@@ -45,7 +45,7 @@ struct Key_block {
 struct Key_index {
     std::u16string name;               // of the key field
     std::vector<Index_sample> samples; // in file order
-    std::vector<Block_order> orders;   // one a sample: what lookups have seen so far
+    std::vector<Block_order> orders;   // of the blocks, as far as lookups have seen them
     std::uint32_t block_size = 0;      // in pairs
     std::uint32_t pair_count = 0;      // whole pairs, as far as the file has them
     bool samples_ascend = true;        // not so in a crafted file only
