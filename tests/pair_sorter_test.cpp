@@ -61,7 +61,8 @@ TEST(Pair_sorter, KeepsTheOrderOfHashesThatComeAgain) {
     for (const std::size_t distinct : {3U, 40U, 1700U}) {
         for (const std::uint64_t varying : {~std::uint64_t{0}, std::uint64_t{0xFFFFFFFF}}) {
             std::vector<std::uint64_t> hashes(distinct);
-            std::ranges::generate(hashes, [&] { return 0x5DEECE66D0000000 ^ (random() & varying); });
+            std::ranges::generate(hashes,
+                                  [&] { return 0x5DEECE66D0000000 ^ (random() & varying); });
             const auto any = [&](std::size_t) { return hashes[random() % distinct]; };
             expect_sorted(5000, 5000, any);
             expect_sorted(60000, 5000, any);

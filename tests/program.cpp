@@ -44,8 +44,8 @@ Outcome Workplace::run(const std::vector<std::string>& arguments,
 Outcome Workplace::shell(const std::string& command) const {
     const std::string out = folder_.string() + ".out";
     const std::string err = folder_.string() + ".err";
-    const std::string in_folder = "cd" + quoted(folder_) + " && DSMAKE=" +
-                                  quoted(DSMAKE_PROGRAM).substr(1) + " && { ";
+    const std::string in_folder =
+        "cd" + quoted(folder_) + " && DSMAKE=" + quoted(DSMAKE_PROGRAM).substr(1) + " && { ";
     const int status =
         std::system((in_folder + command + "\n} >" + quoted(out) + " 2>" + quoted(err)).c_str());
     if (!WIFEXITED(status)) throw std::runtime_error("no child");

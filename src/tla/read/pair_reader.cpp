@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ranges>
+#include <span>
 
 namespace tla {
 
@@ -32,10 +32,17 @@ std::size_t count_of(std::span<const std::byte> pairs) {
 // How many of the pairs, whose hashes ascend, have a lower hash. Halving touches a few of the cache
 // lines that the kernel has just filled, not all.
 std::uint32_t count_below(std::span<const std::byte> pairs, std::uint64_t hash) {
-    const auto places = std::views::iota(std::size_t{0}, count_of(pairs));
-    const auto first = std::ranges::lower_bound(
-        places, hash, {}, [pairs](std::size_t place) { return hash_at(pairs, place); });
-    return static_cast<std::uint32_t>(first - places.begin());
+    std::size_t begin = 0;
+    std::size_t end = count_of(pairs);
+    while (begin < end) {
+        const std::size_t middle = begin + (end - begin) / 2;
+        if (hash_at(pairs, middle) < hash) {
+            begin = middle + 1;
+        } else {
+            end = middle;
+        }
+    }
+    return static_cast<std::uint32_t>(begin);
 }
 
 // Hashes are checksums and so spread evenly: where one is among those of a block can be guessed.
