@@ -66,8 +66,10 @@ template <typename Unit>
     // A range moved down to the least number needs one comparison, with its upper end.
     constexpr Lane LEAST = std::numeric_limits<Lane>::min();
     const auto from_to = [](const Block& lanes, char first, char last) {
-        return lanes + static_cast<Lane>(LEAST - first) <
-               static_cast<Lane>(LEAST + (last - first + 1));
+        using Wrapping [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = std::make_unsigned_t<Lane>;
+        const Wrapping moved =
+            std::bit_cast<Wrapping>(lanes) + static_cast<std::make_unsigned_t<Lane>>(LEAST - first);
+        return std::bit_cast<Block>(moved) < static_cast<Lane>(LEAST + (last - first + 1));
     };
     const Block folded = units | Lane{0x20};
     const auto word = from_to(folded, 'a', 'z') | from_to(units, '0', '9') | (units == Lane{'_'});
