@@ -20,7 +20,8 @@ std::string bytes_in(const scl::Scl_buffer& buffer) {
 
 // A build in memory.
 struct Build {
-    Build(const std::string& lines, std::vector<std::string_view> type_names, const Keys& keys) {
+    Build(const std::string& lines, const std::vector<std::string_view>& type_names,
+          const Keys& keys) {
         for (const std::string_view name : type_names) {
             types.push_back(tla::tla_formatter_type_id_from_name(name));
             fields.push_back(

@@ -1,7 +1,7 @@
 // A library to preload: makes the Nth file operation of a program fail, N from FAIL_AT; only that
 // one, or with FAIL_ON=1 all from there on. It counts opening, examining, reading, writing,
 // removing and closing files, and creates FAIL_REPORT when it has made one fail. With FAIL_EMPTY=1
-// a read that fails brings nothing, as at the end of a file.
+// only reads count, and the one that fails brings nothing, as at the end of a file.
 #include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
@@ -17,11 +17,13 @@ Function* next_of(const char* name) {
     return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
 }
 
-bool fails(int error) {
+const bool EMPTY_READS = std::getenv("FAIL_EMPTY") != nullptr;
+
+bool fails(int error, bool reading = false) {
     static const char* const at = std::getenv("FAIL_AT");
     static const bool on = std::getenv("FAIL_ON") != nullptr;
     static long count = 0;
-    if (at == nullptr) return false;
+    if (at == nullptr || (EMPTY_READS && !reading)) return false;
     ++count;
     const bool failing = on ? count >= std::atol(at) : count == std::atol(at);
     if (failing) {
@@ -54,8 +56,7 @@ int lstat(const char* name, struct stat* facts) {
 }
 
 ssize_t pread(int file, void* bytes, size_t count, off_t offset) {
-    static const ssize_t failed = std::getenv("FAIL_EMPTY") != nullptr ? 0 : -1;
-    if (fails(EIO)) return failed;
+    if (fails(EIO, true)) return EMPTY_READS ? 0 : -1;
     return next_of<ssize_t(int, void*, size_t, off_t)>("pread")(file, bytes, count, offset);
 }
 

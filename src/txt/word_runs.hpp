@@ -37,7 +37,7 @@ inline constexpr Run_units RUN_UNITS = make_run_units();
 template <typename Unit>
 [[nodiscard]] std::uint8_t unit_bits(const Unit* from) {
     std::make_unsigned_t<Unit> unit = 0;
-    std::memcpy(&unit, from, sizeof unit);
+    std::memcpy(&unit, from, sizeof unit); // NOLINT: never null where there is a unit
     return scl::impl::SCL_UNICODE_BIT_TABLE[unit];
 }
 
@@ -63,7 +63,7 @@ template <typename Unit>
     using Block [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = Lane;
     using Signed_block [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = Signed_lane;
     Block units;
-    std::memcpy(&units, from, sizeof units);
+    std::memcpy(&units, from, sizeof units); // NOLINT: never null where there is a block
     // A range moved down to the least signed number needs one comparison, with its upper end.
     constexpr Signed_lane LEAST = std::numeric_limits<Signed_lane>::min();
     const auto from_to = [](const Block& lanes, char first, char last) {
