@@ -71,7 +71,7 @@ void prepare_for_signals() {
     struct sigaction action {};
     action.sa_handler = clean_up_and_end;
     action.sa_mask = ending_signals(); // a second one waits, and finds everything gone
-    action.sa_flags = SA_RESETHAND;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
     for (const int signal : ENDING_SIGNALS) {
         struct sigaction before {};
         const bool ignored =

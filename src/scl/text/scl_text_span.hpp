@@ -51,7 +51,7 @@ struct Scl_text_span {
 template <typename Unit>
 [[nodiscard]] Scl_text_span<Unit> scl_trimmed(Scl_text_span<Unit> text) {
     const auto is_space = [](Unit unit) {
-        const std::make_unsigned_t<Unit> code_point = unit;
+        const auto code_point = static_cast<std::make_unsigned_t<Unit>>(unit);
         return (sizeof(Unit) > 1 || code_point <= ' ') && scl_is_white_space(code_point);
     };
     while (!text.empty() && is_space(text.end[-1])) {
