@@ -208,7 +208,8 @@ bool Txt_text_view::purge() {
 }
 
 char32_t Txt_text_view::get_redaction_character() const {
-    return extras_ != nullptr ? extras_->redaction_character : REDACTION_CHARACTER;
+    const auto* const extras = extras_.get(); // the linter loses sight of the pointer otherwise
+    return extras != nullptr ? extras->redaction_character : REDACTION_CHARACTER;
 }
 
 void Txt_text_view::set_redaction_character(char32_t character) {
