@@ -16,6 +16,7 @@ target_sources(dsmake_reader PUBLIC
         src/tla/format/data_set_header.hpp
         src/records/field_descriptor.hpp
         src/records/tla_status_codes.hpp
+        src/records/tla_text_in_form.hpp
         src/scl/status/scl_status.hpp
         src/scl/status/scl_status_codes.hpp
         src/scl/status/scl_status_lookup.hpp
