@@ -56,8 +56,7 @@ bool Tla_data_set_entry_file::token_values(std::u16string_view field_name,
     const std::optional<std::size_t> field = find_field(field_name);
     if (!field) return false;
     type = fields_[*field].type;
-    values_of(*field, values);
-    return true;
+    return values_of(*field, values);
 }
 
 bool Tla_data_set_entry_file::text_value(std::u16string_view field_name, std::u16string& text,
@@ -85,8 +84,7 @@ bool Tla_data_set_entry_file::holds(std::size_t field,
     if (field >= field_count_) return false;
     if (has_texts()) {
         std::vector<std::uint64_t> own;
-        values_of(field, own);
-        return std::ranges::equal(own, values);
+        return values_of(field, own) && std::ranges::equal(own, values);
     }
     // In place: every record that a lookup comes upon is asked.
     const auto own = tla_field_values(bytes_of(record_), field);
@@ -134,19 +132,21 @@ std::string_view Tla_data_set_entry_file::text_of(std::size_t field) const {
 
 // Made when asked for. Most entries are asked for one field, and those of an upgrade for none: a
 // text's tokens cost more than its reading.
-void Tla_data_set_entry_file::values_of(std::size_t field,
+bool Tla_data_set_entry_file::values_of(std::size_t field,
                                         std::vector<std::uint64_t>& values) const {
+    if (field >= field_count_) return false;
     if (has_texts()) {
         std::u16string text;
         scl::scl_stow(text_of(field), text);
         (void)txtdfc::txtdfc_token_values(text, values); // without text, none
-        return;
+        return true;
     }
     const auto own = tla_field_values(bytes_of(record_), field);
     values.resize(own.size() / TLA_TOKEN_VALUE_BYTES);
     for (std::size_t i = 0; i < values.size(); ++i) {
         values[i] = value_at(own, i);
     }
+    return true;
 }
 
 // Count by count, as nothing tells a record's size in advance.

@@ -17,8 +17,8 @@ namespace tla {
 // A record read from a file of either version. Comes from a connector, which must outlive it, open.
 //
 // It keeps the record's bytes and makes of them what is asked for. Of version 1 that means that
-// token values are made when they are asked for: token_values() and holds() throw
-// std::runtime_error for a text of more than 15,000,000 tokens.
+// token values are made when they are asked for: token_values(), values_of() and holds()
+// throw std::runtime_error for a text of more than 15,000,000 tokens.
 class Tla_data_set_entry_file final : public Tla_data_set_entry_base {
 public:
     // Offsets in bytes from the start of the file; `data_start` is that of the first record.
@@ -40,6 +40,9 @@ public:
     // The same through a stream that is shared with other records; its position does not matter.
     void read_from(scl::Scl_buffered_istream& in, scl::Scl_status& status);
 
+    // Replaces `values` by the token values of the field at a place of the field list. False, and
+    // nothing replaced, past its end.
+    [[nodiscard]] bool values_of(std::size_t field, std::vector<std::uint64_t>& values) const;
     // Whether the field at a place of the field list has these token values; false past its end.
     [[nodiscard]] bool holds(std::size_t field, std::span<const std::uint64_t> values) const;
     // Replaces `texts` by those of all fields, in UTF-8, which last as long as the entry. False,
@@ -54,7 +57,6 @@ private:
     [[nodiscard]] std::optional<std::size_t> find_field(std::u16string_view name) const;
     [[nodiscard]] bool has_texts() const;
     [[nodiscard]] std::string_view text_of(std::size_t field) const;
-    void values_of(std::size_t field, std::vector<std::uint64_t>& values) const;
     void read_values(scl::Scl_buffered_istream& in, scl::Scl_status& status);
     [[nodiscard]] bool take(std::uint64_t size, scl::Scl_buffered_istream& in,
                             scl::Scl_status& status);
