@@ -1,0 +1,104 @@
+#include "key_search.hpp"
+
+#include <algorithm>
+#include <tuple>
+#include <unordered_set>
+
+namespace scan {
+
+namespace {
+
+bool is_number(const tla::Formatter_type_id& type) {
+    return type == tla::Tla_ccnum_formatter::TYPE_ID;
+}
+
+// The search for one key's values.
+class Key_search {
+public:
+    Key_search(Data_set& data_set, std::size_t key, const Text_forms& forms, Key_hits& results)
+        : data_set_(data_set),
+          key_(key),
+          original_(forms.original),
+          type_(data_set.fields()[data_set.keys()[key].field].type),
+          tokens_(forms.of(type_)),
+          results_(results) {}
+
+    void run() {
+        const std::size_t longest = data_set_.keys()[key_].longest;
+        search_tokens(is_number(type_) ? std::min<std::size_t>(longest, 1) : longest);
+        if (is_number(type_) && longest > 0) search_numbers();
+    }
+
+private:
+    void search_tokens(std::size_t longest) {
+        const std::size_t count = tokens_.values.size();
+        data_set_.expect(count * std::min(longest, count));
+        Sequence_walk(tokens_.values, longest)
+            .run([this](std::uint64_t hash) { return data_set_.begins_so(key_, hash); },
+                 [this](std::uint64_t, std::size_t first, std::size_t length) {
+                     const std::span<const std::uint64_t> values(tokens_.values);
+                     look_up(values.subspan(first, length), first, first + length - 1);
+                 });
+    }
+
+    // A number that stands both in groups and as one token is looked up twice, as either may come
+    // first.
+    void search_numbers() {
+        std::uint64_t count = 0;
+        tokens_.numbers.each_value([&](std::uint64_t, std::size_t, std::size_t) { ++count; });
+        data_set_.expect(count);
+        std::unordered_set<std::uint64_t> known;
+        tokens_.numbers.each_value([&](std::uint64_t value, std::size_t first, std::size_t last) {
+            const std::uint64_t hash = extended_hash(HASH_OF_NOTHING, value);
+            if (data_set_.begins_so(key_, hash) && known.insert(hash).second) {
+                look_up({&value, 1}, first, last);
+            }
+        });
+    }
+
+    void look_up(std::span<const std::uint64_t> values, std::size_t first, std::size_t last) {
+        offsets_.clear();
+        data_set_.find(values, key_, offsets_);
+        if (offsets_.empty()) return;
+        const auto hit = static_cast<std::uint32_t>(results_.hits.size());
+        results_.hits.push_back({tokens_.places[first], tokens_.end_of(last, original_), key_});
+        for (const std::int64_t offset : offsets_) {
+            results_.candidates.push_back({offset, hit});
+        }
+    }
+
+    Data_set& data_set_;
+    std::size_t key_;
+    std::u16string_view original_;
+    tla::Formatter_type_id type_;
+    const Text_tokens& tokens_;
+    Key_hits& results_;
+    std::vector<std::int64_t> offsets_;
+};
+
+// Keeps of each record the hit that stands first, of equal places that of the first key.
+void keep_first_hits(Key_hits& results) {
+    const auto order = [&results](const Candidate& candidate) {
+        const Key_hit& hit = results.hits[candidate.hit];
+        return std::tuple(candidate.record_offset, hit.place, hit.key);
+    };
+    std::ranges::sort(results.candidates, {}, order);
+    const auto rest = std::ranges::unique(results.candidates, {}, &Candidate::record_offset);
+    results.candidates.erase(rest.begin(), rest.end());
+}
+
+} // namespace
+
+Key_hits search_keys(Data_set& data_set, const Text_forms& forms) {
+    Key_hits results;
+    for (std::size_t key = 0; key < data_set.keys().size(); ++key) {
+        Key_search(data_set, key, forms, results).run();
+    }
+    keep_first_hits(results);
+    std::ranges::sort(results.candidates, {}, [&results](const Candidate& candidate) {
+        return std::pair(results.hits[candidate.hit].place, candidate.record_offset);
+    });
+    return results;
+}
+
+} // namespace scan
