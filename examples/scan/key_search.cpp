@@ -95,9 +95,6 @@ Key_hits search_keys(Data_set& data_set, const Text_forms& forms) {
         Key_search(data_set, key, forms, results).run();
     }
     keep_first_hits(results);
-    std::ranges::sort(results.candidates, {}, [&results](const Candidate& candidate) {
-        return std::pair(results.hits[candidate.hit].place, candidate.record_offset);
-    });
     return results;
 }
 

@@ -24,7 +24,7 @@ struct Candidate {
 
 struct Key_hits {
     std::vector<Key_hit> hits;
-    // Each record once, with the hit that stands first; in the order of places, then offsets.
+    // Each record once, with the hit that stands first; by offset, as they stand in the file.
     std::vector<Candidate> candidates;
 };
 

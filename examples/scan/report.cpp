@@ -9,7 +9,9 @@
 #include <cstdio>
 #include <cstring>
 #include <map>
+#include <span>
 #include <utility>
+#include <vector>
 
 namespace scan {
 
@@ -46,7 +48,8 @@ public:
           forms_(forms),
           found_(search_keys(data_set, forms)) {}
 
-    // Records are read twice, to ask and to tell: there may be any number of them.
+    // Records are read again and not kept, as there may be any number of them; in the order of the
+    // file until few are left.
     bool run(std::size_t least) {
         for (const Candidate& candidate : found_.candidates) {
             ask(candidate);
@@ -54,11 +57,16 @@ public:
         for (auto& [id, search] : searches_) {
             search.answer();
         }
-        bool any = false;
+        std::erase_if(found_.candidates, [this, least](const Candidate& candidate) {
+            return occurring_fields(candidate).size() < least;
+        });
+        std::ranges::sort(found_.candidates, {}, [this](const Candidate& candidate) {
+            return std::pair(found_.hits[candidate.hit].place, candidate.record_offset);
+        });
         for (const Candidate& candidate : found_.candidates) {
-            any = tell(candidate, least) || any;
+            print_line(candidate);
         }
-        return any;
+        return !found_.candidates.empty();
     }
 
 private:
@@ -76,18 +84,15 @@ private:
         }
     }
 
-    bool tell(const Candidate& candidate, std::size_t least) {
+    // Replaced by the next call.
+    std::span<const std::size_t> occurring_fields(const Candidate& candidate) {
         const auto entry = data_set_.read(candidate.record_offset);
-        std::size_t count = 0;
-        std::string names;
+        occurring_.clear();
         for (std::size_t field = 0; field < data_set_.fields().size(); ++field) {
-            if (field != key_field(candidate) && !occurs(*entry, field)) continue;
-            ++count;
-            names += ' ' + shown(data_set_.fields()[field].name);
+            const bool is_key = field == key_field(candidate);
+            if (is_key || occurs(*entry, field)) occurring_.push_back(field);
         }
-        if (count < least) return false;
-        print_line(candidate, count, names);
-        return true;
+        return occurring_;
     }
 
     bool occurs(const tla::Tla_data_set_entry_file& entry, std::size_t field) {
@@ -96,17 +101,27 @@ private:
                search->second.occurs(values_);
     }
 
-    void print_line(const Candidate& candidate, std::size_t count, const std::string& names) {
+    void print_line(const Candidate& candidate) {
+        const auto& fields = data_set_.fields();
         const Key_hit& hit = found_.hits[candidate.hit];
-        const std::u16string_view text = forms_.original;
-        const auto passed = text.substr(line_place_, hit.place - line_place_);
+        const std::string quote = quoted(forms_.original.substr(hit.place, hit.end - hit.place));
+        std::string line = name_ + ':' + std::to_string(line_of(hit.place)) + ": " +
+                           shown(fields[key_field(candidate)].name) + " \"" + quote + "\", ";
+        const std::span<const std::size_t> occurring = occurring_fields(candidate);
+        line +=
+            std::to_string(occurring.size()) + " of " + std::to_string(fields.size()) + " fields:";
+        for (const std::size_t field : occurring) {
+            line += ' ' + shown(fields[field].name);
+        }
+        print(line + " (record " + std::to_string(candidate.record_offset) + ")\n");
+    }
+
+    // Places ascend from call to call.
+    std::size_t line_of(std::size_t place) {
+        const auto passed = forms_.original.substr(line_place_, place - line_place_);
         line_ += static_cast<std::size_t>(std::ranges::count(passed, u'\n'));
-        line_place_ = hit.place;
-        print(name_ + ':' + std::to_string(line_) + ": " +
-              shown(data_set_.fields()[key_field(candidate)].name) + " \"" +
-              quoted(text.substr(hit.place, hit.end - hit.place)) + "\", " + std::to_string(count) +
-              " of " + std::to_string(data_set_.fields().size()) + " fields:" + names +
-              " (record " + std::to_string(candidate.record_offset) + ")\n");
+        line_place_ = place;
+        return line_;
     }
 
     Data_set& data_set_;
@@ -115,6 +130,7 @@ private:
     Key_hits found_;
     std::map<Id, Field_search> searches_;
     std::vector<std::uint64_t> values_;
+    std::vector<std::size_t> occurring_;
     std::size_t line_ = 1;
     std::size_t line_place_ = 0;
 };
