@@ -59,11 +59,12 @@ test "$(scan data - <'a text')" = '-:1: Name "A B7", 2 of 2 fields: Name Place (
 exits 1 scan -m 3 data 'a text'
 
 echo 'Faults are told, each with its file, and other texts are scanned all the same'
-printf 'A B7 c, cut: \303' >cut
+printf 'A B7 c, cut: \303' >half
 awk 'BEGIN { for (i = 0; i <= 15000000; ++i) printf "a " }' >long
 for command in 'lookup data Place c' 'lookup input' 'lookup none Name x' 'lookup' 'scan data' \
     'scan -m 0 data long' 'scan -x data long' 'scan input long' 'scan none long' \
-    'scan data long cut none .'; do
+    'scan data long half none .'; do
+    # shellcheck disable=SC2086  # words
     exits 2 $command >out 2>>message
     test ! -s out
 done
@@ -80,7 +81,7 @@ usage: scan [-m N] DATASET TEXT...
 input: 0xC2012521: 'input' is no data set file, or it is cut short. Check the name, or build the file again.
 none: 0xC2012515: The data set file is not open or cannot be opened. Check its name and that you may read it.
 long: more than 15,000,000 words and marks; split it
-cut: no UTF-8 in line 1
+half: no UTF-8 in line 1
 none: No such file or directory
 .: Is a directory
 none: No such file or directory

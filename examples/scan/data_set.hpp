@@ -34,9 +34,13 @@ public:
     // best for few; for many, all records are gone through once, for begins_so() to be sharp.
     void expect(std::uint64_t sequences);
     // Whether a value of the key may begin with the sequence of that hash; always true before the
-    // records were gone through.
+    // records were gone through. Who has many hashes at hand prepares them first: the answers lie
+    // all over a large table.
     [[nodiscard]] bool begins_so(std::size_t key, std::uint64_t hash) const {
         return !beginnings_ || beginnings_->may_hold(extended_hash(hash, key));
+    }
+    void prepare(std::size_t key, std::uint64_t hash) const {
+        if (beginnings_) beginnings_->prepare(extended_hash(hash, key));
     }
 
     // Adds the offsets of all records that have the values in a key.

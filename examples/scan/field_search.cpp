@@ -12,9 +12,7 @@ constexpr std::size_t MOST_ENTRIES_A_TOKEN = 8;
 
 std::size_t entries_of(const Text_tokens& tokens, bool is_number) {
     std::size_t entries = 2 * tokens.values.size();
-    if (is_number) {
-        tokens.numbers.each_value([&](std::uint64_t, std::size_t, std::size_t) { ++entries; });
-    }
+    if (is_number) entries += tokens.numbers.most_values();
     return std::min(entries, MOST_ENTRIES_A_TOKEN * tokens.values.size());
 }
 

@@ -44,16 +44,23 @@ private:
     // A number that stands both in groups and as one token is looked up twice, as either may come
     // first.
     void search_numbers() {
-        std::uint64_t count = 0;
-        tokens_.numbers.each_value([&](std::uint64_t, std::size_t, std::size_t) { ++count; });
-        data_set_.expect(count);
-        std::unordered_set<std::uint64_t> known;
-        tokens_.numbers.each_value([&](std::uint64_t value, std::size_t first, std::size_t last) {
-            const std::uint64_t hash = extended_hash(HASH_OF_NOTHING, value);
-            if (data_set_.begins_so(key_, hash) && known.insert(hash).second) {
-                look_up({&value, 1}, first, last);
-            }
-        });
+        data_set_.expect(tokens_.numbers.most_values());
+        tokens_.numbers.each_value(
+            [this](std::uint64_t value, std::size_t first, std::size_t last) {
+                numbers_.push_back({value, extended_hash(HASH_OF_NOTHING, value), first, last});
+                data_set_.prepare(key_, numbers_.back().hash);
+                if (numbers_.size() == BATCH) look_up_numbers();
+            });
+        look_up_numbers();
+    }
+
+    void look_up_numbers() {
+        for (const Number& number : numbers_) {
+            const bool is_new =
+                data_set_.begins_so(key_, number.hash) && known_numbers_.insert(number.hash).second;
+            if (is_new) look_up({&number.value, 1}, number.first, number.last);
+        }
+        numbers_.clear();
     }
 
     void look_up(std::span<const std::uint64_t> values, std::size_t first, std::size_t last) {
@@ -67,6 +74,14 @@ private:
         }
     }
 
+    struct Number {
+        std::uint64_t value;
+        std::uint64_t hash;
+        std::size_t first;
+        std::size_t last;
+    };
+    static constexpr std::size_t BATCH = 64; // as many as memory can be asked for together
+
     Data_set& data_set_;
     std::size_t key_;
     std::u16string_view original_;
@@ -74,6 +89,8 @@ private:
     const Text_tokens& tokens_;
     Key_hits& results_;
     std::vector<std::int64_t> offsets_;
+    std::vector<Number> numbers_; // the batch at hand
+    std::unordered_set<std::uint64_t> known_numbers_;
 };
 
 // Keeps of each record the hit that stands first, of equal places that of the first key.

@@ -61,6 +61,10 @@ bool Hash_filter::may_hold(std::uint64_t hash) const {
     return (~words_[word_of(spread)] & bits_of(spread)) == 0;
 }
 
+void Hash_filter::prepare(std::uint64_t hash) const {
+    __builtin_prefetch(&words_[word_of(mixed(hash))]);
+}
+
 void Sequence_walk::sum_up() {
     sums_.reserve(values_.size() + 1);
     sums_.push_back(HASH_OF_NOTHING);

@@ -22,6 +22,8 @@ public:
 
     void add(std::uint64_t hash);
     [[nodiscard]] bool may_hold(std::uint64_t hash) const;
+    // Has memory bring what may_hold() will look at.
+    void prepare(std::uint64_t hash) const;
 
 private:
     [[nodiscard]] std::size_t word_of(std::uint64_t mixed) const;

@@ -81,6 +81,16 @@ std::size_t Number_runs::end_of_run(std::size_t group) const {
     return group;
 }
 
+std::uint64_t Number_runs::most_values() const {
+    std::uint64_t count = 0;
+    for (std::size_t run = 0; run < groups_.size();) {
+        const std::size_t groups = end_of_run(run) - run;
+        count += groups * std::min(groups, MOST_DIGITS) + 1; // the run itself may be longer
+        run += groups;
+    }
+    return count;
+}
+
 Text_tokens::Text_tokens(std::u16string_view original, Form form) {
     const tla::Tla_text_in_form in_form(original, type_of(form));
     const char16_t* const start = in_form.text().data();

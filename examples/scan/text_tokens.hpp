@@ -33,6 +33,8 @@ public:
     // for every other token; a single group is a token like others and need not come.
     template <typename Take>
     void each_value(Take take) const;
+    // No fewer than each_value gives.
+    [[nodiscard]] std::uint64_t most_values() const;
 
 private:
     struct Group {
