@@ -74,6 +74,7 @@ struct Tla_data_set_connector_file::Source {
     std::unique_ptr<const scl::Scl_buffer> file;
     Pair_reader pairs;
     Entry_reader entries;
+    Key_tokeniser tokeniser;
 };
 
 Tla_data_set_connector_file::Tla_data_set_connector_file() = default;
@@ -211,10 +212,10 @@ void Tla_data_set_connector_file::find_entries(
     if (index == key_indexes_.end() || status.has_failed()) return;
     const std::size_t field = field_of(key_name);
     std::vector<std::uint64_t> values;
-    tokenise_key_value(value.text,
-                       field < header_.fields.size() ? header_.fields[field].type
-                                                     : Tla_simple_formatter::TYPE_ID,
-                       values, status);
+    source_->tokeniser.tokenise(value.text,
+                                field < header_.fields.size() ? header_.fields[field].type
+                                                              : Tla_simple_formatter::TYPE_ID,
+                                values, status);
     if (status.has_failed()) return;
     const bool hash_is_given = version() == VERSION_WITH_GIVEN_HASHES;
     const Wanted_key wanted{
@@ -240,8 +241,9 @@ void Tla_data_set_connector_file::find_records(std::span<const std::uint64_t> va
                                                scl::Scl_status& status) {
     if (!has_token_values(status) || key >= key_indexes_.size()) return;
     Key_index& index = key_indexes_[key];
-    const Wanted_key wanted{
-        .field = field_of(index.name), .hash = key_hash(values), .values = values};
+    const std::size_t field = field_of(index.name);
+    if (field == header_.fields.size()) return;
+    const Wanted_key wanted{.field = field, .hash = key_hash(values), .values = values};
     Record_finder(wanted, source_->pairs, source_->entries,
                   Tla_record_allowance(file_size(), data_file_name_))
         .find(index, record_offsets, status);
