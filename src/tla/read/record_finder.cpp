@@ -1,6 +1,7 @@
 #include "tla/read/record_finder.hpp"
 
 #include "tla/format/data_set_layout.hpp"
+#include "tla/read/record_bytes.hpp"
 
 #include <algorithm>
 
@@ -39,7 +40,13 @@ void Record_finder::scan(const Key_block& block, Block_order& order,
     }
 }
 
+// Most records are looked at where they lie.
 bool Record_finder::is_wanted(std::int64_t record_offset, scl::Scl_status& status) {
+    const auto record = entries_.record_at_hand(record_offset, status);
+    if (!record.empty()) {
+        allowance_.take(record.size(), status);
+        return !status.has_failed() && field_holds(record, wanted_.field, wanted_.values);
+    }
     const auto entry = entries_.read(record_offset, status);
     if (entry == nullptr) return false;
     // Before the record is looked at: a crafted file may lead here for each of its pairs.

@@ -16,7 +16,8 @@ namespace tla {
 // docs/reading.md and may miss some.
 class Record_finder {
 public:
-    // Reads records as far as the allowance goes. All must outlive the finder.
+    // For a file of version 2 that has the wanted field. Reads records as far as the allowance
+    // goes. All must outlive the finder.
     Record_finder(const Wanted_key& wanted, Pair_reader& pairs, Entry_reader& entries,
                   Tla_record_allowance allowance)
         : wanted_(wanted), pairs_(pairs), entries_(entries), allowance_(allowance) {}

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "tla/format/data_set_header.hpp"
 #include "tla/read/tla_data_set_connector_base.hpp"
 
-namespace tla {
+#include <span>
 
-struct Key_index;
+namespace tla {
 
 // Reads a data set file of version 1 or 2. What a file claims costs no more time or memory than its
 // own size warrants. Status codes are errors; those marked * carry the file's name, + its name and
@@ -36,9 +35,7 @@ public:
     Tla_data_set_connector_file();
     ~Tla_data_set_connector_file() override;
 
-    [[nodiscard]] const std::vector<Field_descriptor>& field_descriptors() const override {
-        return header_.fields;
-    }
+    [[nodiscard]] const std::vector<Field_descriptor>& field_descriptors() const override;
     void find_entries(const Tla_lookup_value& value, std::u16string_view key_name,
                       std::vector<std::unique_ptr<Tla_data_set_entry_file>>& results,
                       scl::Scl_status& status) override;
@@ -59,7 +56,7 @@ public:
     // Lets `load` hold the whole file in memory: lookups then make no system call, and what becomes
     // of the file afterwards makes no difference. To be called before load; close() takes it back.
     // docs/reading.md says when it pays.
-    void hold_in_memory() { held_ = true; }
+    void hold_in_memory();
 
     // Adds the offsets of every record whose key field has these token values and that has a pair
     // in the key table, ascending and each once; unlike find_entries also on both sides of a
@@ -74,34 +71,27 @@ public:
     [[nodiscard]] std::uint32_t largest_token_count(std::size_t key, scl::Scl_status& status);
 
     // What the file says of itself; known once loaded.
-    [[nodiscard]] std::uint8_t version() const { return header_.version(); }
+    [[nodiscard]] std::uint8_t version() const;
     // In bytes, as it was opened; 0 when closed.
     [[nodiscard]] std::uint64_t file_size() const;
     // Of the first record, in bytes from the start of the file.
-    [[nodiscard]] std::uint64_t data_start() const { return header_.data_start; }
-    [[nodiscard]] std::uint16_t key_count() const { return header_.key_count; }
-    [[nodiscard]] std::uint32_t record_count() const { return header_.record_count; }
+    [[nodiscard]] std::uint64_t data_start() const;
+    [[nodiscard]] std::uint16_t key_count() const;
+    [[nodiscard]] std::uint32_t record_count() const;
     // Of the key tables, in file order.
     [[nodiscard]] std::vector<std::u16string> key_names() const;
 
 private:
     struct Source;
+    struct State;
 
-    [[nodiscard]] bool is_open() const { return source_ != nullptr; }
+    [[nodiscard]] bool is_open() const;
     void read_body(scl::Scl_status& status);
     [[nodiscard]] bool has_token_values(scl::Scl_status& status) const;
     [[nodiscard]] std::size_t field_of(std::u16string_view name) const;
     void read_key_indexes(scl::Scl_status& status);
 
-    Tla_data_set_header header_;
-    std::u16string data_file_name_;
-    std::unique_ptr<Source> source_; // null when closed
-    std::uint32_t block_size_ = 0;   // pairs a sample; 0 when not loaded
-    std::vector<Key_index> key_indexes_;
-    std::vector<std::uint16_t> largest_counts_; // of the fields; empty until asked for
-    bool held_ = false;                         // the file is to be held in memory
-    bool loaded_ = false;
-    std::vector<std::int64_t> record_offsets_;
+    std::unique_ptr<State> state_;
 };
 
 } // namespace tla
