@@ -51,6 +51,14 @@ private:
     std::u16string form_;
 };
 
+// But for the one of no length that stands for the blanks which a text begins with.
+template <typename Take>
+void each_token(std::u16string_view text, Take take) {
+    txt::txt_walk_tokens(scl::scl_span_of(text), [&](const char16_t* begin, const char16_t* end) {
+        if (begin != end) take(begin, end);
+    });
+}
+
 tla::Formatter_type_id type_of(Text_tokens::Form form) {
     return form == Text_tokens::Form::lower_case ? tla::Tla_simplenc_formatter::TYPE_ID
                                                  : tla::Tla_simple_formatter::TYPE_ID;
@@ -94,17 +102,24 @@ std::uint64_t Number_runs::most_values() const {
 Text_tokens::Text_tokens(std::u16string_view original, Form form) {
     const tla::Tla_text_in_form in_form(original, type_of(form));
     const char16_t* const start = in_form.text().data();
+    make_room(in_form.text());
     Number_reader reader(numbers);
-    txt::txt_walk_tokens(
-        scl::scl_span_of(in_form.text()), [&](const char16_t* begin, const char16_t* end) {
-            if (begin == end) return; // stands for nothing but the blanks that a text begins with
-            if (values.size() == MOST_TOKENS) throw std::length_error("too many tokens");
-            if (form == Form::simple_with_numbers) {
-                reader.take(static_cast<std::uint32_t>(values.size()), begin, end);
-            }
-            values.push_back(txt::txt_token_value(scl::Scl_text_span<char16_t>{begin, end}));
-            places.push_back(in_form.original_place(static_cast<std::size_t>(begin - start)));
-        });
+    each_token(in_form.text(), [&](const char16_t* begin, const char16_t* end) {
+        if (form == Form::simple_with_numbers) {
+            reader.take(static_cast<std::uint32_t>(values.size()), begin, end);
+        }
+        values.push_back(txt::txt_token_value(scl::Scl_text_span<char16_t>{begin, end}));
+        places.push_back(in_form.original_place(static_cast<std::size_t>(begin - start)));
+    });
+}
+
+// Counted first: lists that grow would take up to three times their memory for a moment.
+void Text_tokens::make_room(std::u16string_view text) {
+    std::size_t count = 0;
+    each_token(text, [&count](const char16_t*, const char16_t*) { ++count; });
+    if (count > MOST_TOKENS) throw std::length_error("too many tokens");
+    values.reserve(count);
+    places.reserve(count);
 }
 
 std::size_t Text_tokens::end_of(std::size_t token, std::u16string_view original) const {

@@ -69,6 +69,9 @@ struct Text_tokens {
 
     // Where a token ends in the original: no token holds white space.
     [[nodiscard]] std::size_t end_of(std::size_t token, std::u16string_view original) const;
+
+private:
+    void make_room(std::u16string_view text);
 };
 
 template <typename Take>
