@@ -38,7 +38,7 @@ public:
         std::size_t end;
     };
 
-    Model_text(std::u16string text, const std::string& type)
+    Model_text(std::u16string_view text, const std::string& type)
         : is_number_(type == "CCNUMBER"), form_(form_of(text, is_number_ ? "Simple" : type)) {
         for (std::size_t size = 0; size <= text.size(); ++size) {
             sizes_.push_back(form_of(text.substr(0, size), is_number_ ? "Simple" : type).size());

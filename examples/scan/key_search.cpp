@@ -100,8 +100,10 @@ void keep_first_hits(Key_hits& results) {
         return std::tuple(candidate.record_offset, hit.place, hit.key);
     };
     std::ranges::sort(results.candidates, {}, order);
-    const auto rest = std::ranges::unique(results.candidates, {}, &Candidate::record_offset);
-    results.candidates.erase(rest.begin(), rest.end());
+    const auto rest = std::unique(
+        results.candidates.begin(), results.candidates.end(),
+        [](const Candidate& a, const Candidate& b) { return a.record_offset == b.record_offset; });
+    results.candidates.erase(rest, results.candidates.end());
 }
 
 } // namespace
