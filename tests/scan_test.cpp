@@ -213,7 +213,7 @@ public:
         return std::string(PIECES[below(std::size(PIECES))]);
     }
     std::string joint() {
-        static constexpr std::string_view JOINTS[] = {"", " ", " ", " ", "-", "  ", "\u00A0"};
+        static constexpr std::string_view JOINTS[] = {"", " ", " ", "-", "-", "  ", "\u00A0"};
         return std::string(JOINTS[below(std::size(JOINTS))]);
     }
     std::string value(std::size_t most) {
@@ -287,6 +287,24 @@ TEST(Scan, FindsWhatAModelFinds) {
         found += expected.empty() ? 0 : 1;
     }
     EXPECT_GT(found, 50U) << "the test has something to compare";
+}
+
+// A number of more digits than a stretch may have counts as a whole row of groups alone.
+TEST(Scan, LimitsStretchesOfGroups) {
+    const test::Workplace place;
+    const std::string in_groups = "1111 2222-3333 4444 5555 6666 7777 8888 9999";
+    std::string half = in_groups;
+    std::erase_if(half, [](char c) { return c == ' ' || c == '-'; });
+    place.write("in", half + half + "\n" + (half + half).substr(0, 64) + "\n");
+    ASSERT_EQ(place.run(test::build_arguments("N,CCNUMBER", {"N"})).exit_status, 0);
+    const std::string row = in_groups + ' ' + in_groups;
+    const std::string short_line =
+        "N \"" + row.substr(0, row.size() - 10) + "\", 1 of 1 fields: N (record 59)\n";
+    place.write("text", "9 " + row);
+    EXPECT_EQ(place.shell(SCAN + "out text").out, "text:1: " + short_line);
+    place.write("text", "9  " + row);
+    EXPECT_EQ(place.shell(SCAN + "out text").out,
+              "text:1: N \"" + row + "\", 1 of 1 fields: N (record 48)\ntext:1: " + short_line);
 }
 
 } // namespace
