@@ -11,6 +11,7 @@ set(DSMAKE_READER_HEADERS
     src/records/scratch_text.hpp
     src/records/tla_formatters.hpp
     src/records/tla_status_codes.hpp
+    src/records/tla_text_in_form.hpp
     src/txtdfc/dfc_facets.hpp
     src/txtdfc/dfc_format_codec.hpp
     src/txtdfc/line_ends.hpp
