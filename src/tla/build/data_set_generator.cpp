@@ -114,6 +114,13 @@ std::uint64_t write_data_set_file(Key_names key_names, Schema schema,
     return count;
 }
 
+void tla_warn_of_lost_records(std::uint64_t readable, std::uint64_t taken,
+                              scl::Scl_status& status) {
+    if (readable == taken) return;
+    const std::string numbers = std::to_string(readable) + " of " + std::to_string(taken);
+    status.push(TLA_STATUS_RECORDS_LOST, scl::Scl_wstring_status_arg(std::string_view(numbers)));
+}
+
 std::uint64_t count_records(std::size_t field_count, scl::Scl_buffered_istream& records,
                             scl::Scl_status& status) {
     if (field_count == 0) return 0;
