@@ -10,7 +10,6 @@
 #include "tla/format/field_list.hpp"
 
 #include <algorithm>
-#include <limits>
 
 namespace tla {
 
@@ -18,11 +17,6 @@ namespace {
 
 using Key_names = std::span<const std::u16string>;
 using Schema = std::span<const Field_descriptor>;
-
-bool fits_header(std::uint64_t key_count, std::uint64_t record_count) {
-    return key_count <= std::numeric_limits<decltype(Tla_header_counts::keys)>::max() &&
-           record_count <= std::numeric_limits<decltype(Tla_header_counts::records)>::max();
-}
 
 void copy_records(const scl::Scl_buffer& records, scl::Scl_ostream& out, scl::Scl_status& status) {
     scl::Scl_buffered_istream in(records, false, status, scl::Scl_eol::none);
@@ -98,7 +92,7 @@ std::uint64_t write_data_set_file(Key_names key_names, Schema schema,
     }
     const std::uint64_t count = count_all(schema.size(), records, collected, status);
     if (status.has_failed()) return 0;
-    if (!fits_header(key_names.size(), count)) {
+    if (!Tla_header_counts::can_hold(key_names.size(), count)) {
         status = TLA_STATUS_TOO_MANY_PAIRS;
         return 0;
     }
@@ -127,8 +121,7 @@ std::uint64_t count_records(std::size_t field_count, scl::Scl_buffered_istream& 
     Record_scanner scanner(records, field_count);
     std::uint64_t count = 0;
     while (!status.has_failed()) {
-        const bool is_there = !scanner.next(status).empty();
-        if (is_there && !(status == TLA_STATUS_RECORD_END)) ++count;
+        if (!scanner.next(status).empty()) ++count;
     }
     if (status.contains_value(scl::SCL_STATUS_END_OF_DATA)) status.clear();
     return count;

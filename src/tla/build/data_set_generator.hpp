@@ -34,7 +34,7 @@ void tla_warn_of_lost_records(std::uint64_t readable, std::uint64_t taken, scl::
 
 // The number of complete records from the stream's position to its end. One that lacks only its
 // closing byte counts; one cut short before that does not. The end of the data is cleared from the
-// status; TLA_STATUS_RECORD_END and SCL_STATUS_READ_FAILED stay.
+// status; TLA_STATUS_RECORD_END and SCL_STATUS_READ_FAILED stay, and the number is of no use then.
 [[nodiscard]] std::uint64_t
 count_records(std::size_t field_count, scl::Scl_buffered_istream& records, scl::Scl_status& status);
 
