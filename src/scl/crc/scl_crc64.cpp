@@ -73,7 +73,7 @@ std::uint64_t impl::crc64_widened_by_table(std::string_view text) {
         reg = crc64_by_table(reg, std::span(widened).first(2 * count));
         text.remove_prefix(count);
     }
-    return reg;
+    return ~reg;
 }
 
 std::uint64_t Scl_crc64::calculate(const void* data, std::size_t size, std::uint64_t initial) {
@@ -81,9 +81,9 @@ std::uint64_t Scl_crc64::calculate(const void* data, std::size_t size, std::uint
 }
 
 std::uint64_t Scl_crc64::calculate_widened(const char* text, std::size_t size) {
-    if (!impl::has_carryless_multiply()) return ~impl::crc64_widened_by_table({text, size});
-    return size <= WIDENED_BLOCK ? ~impl::crc64_widened_16(text, size)
-                                 : ~impl::crc64_widened_long(text, size);
+    if (!impl::has_carryless_multiply()) return impl::crc64_widened_by_table({text, size});
+    return size <= WIDENED_BLOCK ? impl::crc64_widened_16(text, size)
+                                 : impl::crc64_widened_long(text, size);
 }
 
 void Scl_crc64::update(std::span<const std::byte> bytes) {

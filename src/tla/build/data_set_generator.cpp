@@ -29,28 +29,25 @@ void copy_records(const scl::Scl_buffer& records, scl::Scl_ostream& out, scl::Sc
 }
 
 // The pairs are read in a status of their own: only its last word is passed on.
-void write_read_pairs(std::size_t key_field, const Recorded& recorded, scl::Scl_ostream& out,
-                      scl::Scl_status& status) {
+void fill(Key_pairs& pairs, std::size_t key_field, const Recorded& recorded,
+          scl::Scl_status& status) {
     scl::Scl_status local;
-    Key_pairs pairs = read_key_pairs(key_field, recorded, local);
+    read_key_pairs(key_field, recorded, pairs, local);
     status.push_top(local);
-    if (!status.has_failed()) write_key_pairs(pairs, recorded, out, status);
 }
 
-// `known` holds the key's pairs, or is null. The name is written even when no field has it: that is
-// where the file then ends.
-void write_key_table(std::u16string_view key_name, Schema schema, Key_pairs* known,
+// The name is written even when no field has it: that is where the file then ends.
+void write_key_table(std::u16string_view key_name, Schema schema, Key_pairs& pairs, bool are_known,
                      const Recorded& recorded, scl::Scl_ostream& out, scl::Scl_status& status) {
     write_key_name(key_name, out, status);
     if (status.has_failed()) return;
     const auto field = std::ranges::find(schema, key_name, &Field_descriptor::name);
     if (field == schema.end()) {
-        status.assign(TLA_STATUS_KEY_NAME, scl::Scl_wstring_status_arg(key_name));
-    } else if (known != nullptr) {
-        write_key_pairs(*known, recorded, out, status);
-    } else {
-        write_read_pairs(static_cast<std::size_t>(field - schema.begin()), recorded, out, status);
+        return status.assign(TLA_STATUS_KEY_NAME, scl::Scl_wstring_status_arg(key_name));
     }
+    const auto key_field = static_cast<std::size_t>(field - schema.begin());
+    if (!are_known) fill(pairs, key_field, recorded, status);
+    if (!status.has_failed()) write_key_pairs(pairs, recorded, out, status);
 }
 
 std::uint64_t count_all(std::size_t field_count, const scl::Scl_buffer& records,
@@ -63,12 +60,13 @@ std::uint64_t count_all(std::size_t field_count, const scl::Scl_buffer& records,
 void write_all(Key_names key_names, Schema schema, const Recorded& recorded,
                Record_collector* collected, scl::Scl_ostream& out, scl::Scl_status& status) {
     copy_records(recorded.records, out, status);
-    Key_pairs* known =
-        collected != nullptr && collected->knows_all() ? &collected->pairs() : nullptr;
+    bool are_known = collected != nullptr && collected->knows_all(); // the pairs of the first key
+    Key_pairs read(recorded.count, recorded.header_end + recorded.records.size(false, status));
+    Key_pairs& pairs = are_known ? collected->pairs() : read;
     for (const std::u16string& name : key_names) {
         if (status.has_failed()) return;
-        write_key_table(name, schema, known, recorded, out, status);
-        known = nullptr; // they are those of the first key
+        write_key_table(name, schema, pairs, are_known, recorded, out, status);
+        are_known = false;
     }
 }
 
