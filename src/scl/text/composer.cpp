@@ -59,7 +59,7 @@ const Decomposition& decomposition(char32_t code_point) {
 } // namespace
 
 void Composer::compose(std::u16string_view segment, std::u16string& out) {
-    characters_.clear();
+    characters_.clear(); // its memory serves all segments of a text
     characters_.reserve(USUAL_CHARACTERS);
     for (std::size_t at = 0; at < segment.size();) {
         decompose(scl_utf16_next(segment, at));
@@ -83,6 +83,7 @@ void Composer::decompose(char32_t code_point) {
         add(VOWEL_BASE + index / TAILS % VOWELS);
         if (index % TAILS != 0) add(TAIL_BASE + index % TAILS);
     } else if (properties_of(code_point).decomposes) {
+        // The tables hold one step each; the full decomposition comes by taking them in turn.
         const Decomposition& parts = decomposition(code_point);
         // The second part never decomposes further; the generator makes sure of it.
         decompose(parts.first);

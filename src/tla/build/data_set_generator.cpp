@@ -18,6 +18,8 @@ namespace {
 using Key_names = std::span<const std::u16string>;
 using Schema = std::span<const Field_descriptor>;
 
+// As they are: records were put into their final form when they were made, and they go into the
+// file in the order of the input, so that equal inputs give equal files.
 void copy_records(const scl::Scl_buffer& records, scl::Scl_ostream& out, scl::Scl_status& status) {
     scl::Scl_buffered_istream in(records, false, status, scl::Scl_eol::none);
     const std::uint64_t size = in.size(status);
@@ -50,6 +52,8 @@ void write_key_table(std::u16string_view key_name, Schema schema, Key_pairs& pai
     if (!status.has_failed()) write_key_pairs(pairs, recorded, out, status);
 }
 
+// What was counted while records were made is right where each could be told from its bytes; else
+// the file is read as a reader would, and only what that finds counts.
 std::uint64_t count_all(std::size_t field_count, const scl::Scl_buffer& records,
                         const Record_collector* collected, scl::Scl_status& status) {
     if (collected != nullptr && collected->knows_all()) return collected->record_count();
@@ -90,6 +94,7 @@ std::uint64_t write_data_set_file(Key_names key_names, Schema schema,
     }
     const std::uint64_t count = count_all(schema.size(), records, collected, status);
     if (status.has_failed()) return 0;
+    // Before anything is written: the header could only hold a wrapped number.
     if (!Tla_header_counts::can_hold(key_names.size(), count)) {
         status = TLA_STATUS_TOO_MANY_PAIRS;
         return 0;
@@ -115,12 +120,13 @@ void tla_warn_of_lost_records(std::uint64_t readable, std::uint64_t taken,
 
 std::uint64_t count_records(std::size_t field_count, scl::Scl_buffered_istream& records,
                             scl::Scl_status& status) {
-    if (field_count == 0) return 0;
+    if (field_count == 0) return 0; // records of no fields could not be told from one another
     Record_scanner scanner(records, field_count);
     std::uint64_t count = 0;
     while (!status.has_failed()) {
         if (!scanner.next(status).empty()) ++count;
     }
+    // How counting ends when all is well.
     if (status.contains_value(scl::SCL_STATUS_END_OF_DATA)) status.clear();
     return count;
 }
