@@ -18,6 +18,7 @@ void Scl_buffered_istream::refill(std::size_t wanted, Scl_status& status) {
     // Beyond the end there is nothing to read, and the buffer would call it out of bounds.
     if (buffer() == nullptr || position >= size(status)) return;
     const std::span<const std::byte> contents = buffer()->contents();
+    // All of it at once: this is the last refill unless the position goes back.
     if (!contents.empty()) {
         set_window(contents.subspan(position), position);
         return;

@@ -59,6 +59,8 @@ public:
     // Of the first record, in bytes from the start of the file.
     [[nodiscard]] std::uint64_t data_start() const { return header_.data_start; }
     [[nodiscard]] std::uint16_t key_count() const { return header_.key_count; }
+    // What the header claims: the first key table may have fewer pairs.
+    [[nodiscard]] std::uint32_t record_count() const { return header_.record_count; }
     // Of the key tables, in file order.
     [[nodiscard]] std::vector<std::u16string> key_names() const;
 
