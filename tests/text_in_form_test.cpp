@@ -50,7 +50,7 @@ std::u16string any_text(std::mt19937& random) {
 
 // Where the text can be cut, the form of what is before the cut ends at a place that leads to it,
 // or behind what was removed there.
-void expect_places(const std::u16string& text, std::string_view type) {
+void expect_places(const std::u16string& text, std::string_view type, std::size_t every) {
     const tla::Tla_text_in_form in_form(text, tla::tla_formatter_type_id_from_name(type));
     const std::u16string form(in_form.text());
     ASSERT_EQ(form, form_of(text, type)) << type;
@@ -64,6 +64,7 @@ void expect_places(const std::u16string& text, std::string_view type) {
     }
     if (!scl::scl_can_normalize(text)) return;
     for (std::size_t at = 0; at < text.size(); at += scl::scl_joined_length(text, at)) {
+        if (at % every != 0) continue; // few are enough of each text
         const std::size_t place = form_of(std::u16string_view(text).substr(0, at), type).size();
         const std::size_t removed = type == "CCNUMBER" ? text.find_first_not_of(u" -", at) : at;
         ASSERT_GE(in_form.original_place(place), at) << type;
@@ -73,10 +74,10 @@ void expect_places(const std::u16string& text, std::string_view type) {
 
 TEST(Text_in_form, IsWhatTheFormatterMakesAndLeadsBack) {
     std::mt19937 random(12); // NOLINT: the same numbers each time
-    for (int round = 0; round < 200; ++round) {
+    for (int round = 0; round < 1000; ++round) {
         const std::u16string text = any_text(random);
         for (const std::string_view type : TYPES) {
-            expect_places(text, type);
+            expect_places(text, type, 1 + random() % 100);
             if (testing::Test::HasFatalFailure()) return;
         }
     }

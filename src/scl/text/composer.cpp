@@ -62,6 +62,7 @@ void decompose(char32_t code_point, Use& use) {
         use(VOWEL_BASE + index / TAILS % VOWELS);
         if (index % TAILS != 0) use(TAIL_BASE + index % TAILS);
     } else if (properties_of(code_point).decomposes) {
+        // The tables hold one step each; the full decomposition comes by taking them in turn.
         const Decomposition& parts = decomposition(code_point);
         // The second part never decomposes further; the generator makes sure of it.
         decompose(parts.first, use);

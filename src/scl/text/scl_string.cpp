@@ -43,6 +43,7 @@ void scl_stow(std::string_view narrow, std::u16string& wide) {
     wide.resize(scl_convert(narrow, wide.data()));
 }
 
+// Appending is the one conversion there is: file names and messages are put together from pieces.
 void scl_wtos(std::u16string_view wide, std::string& narrow, bool replace) {
     if (replace) narrow.clear();
     scl_string_append(narrow, wide);
@@ -70,12 +71,15 @@ void scl_trim(std::u16string& text) {
     text.erase(0, before);
 }
 
+// No code point tells the end apart, as U+0000 is one: the index does.
 char32_t scl_utf16_to_utf32_char(std::u16string_view text, std::size_t& index) {
     if (index < text.size()) return impl::scl_utf16_next(text, index);
     index = SCL_NPOS;
     return 0;
 }
 
+// A separator at the end leaves an empty last piece, dropped like any other: a schema may end in
+// one.
 void Scl_tokeniser::tokenise(std::u16string_view text, std::vector<std::u16string>& pieces) const {
     pieces.clear();
     for (;;) {

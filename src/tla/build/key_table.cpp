@@ -34,6 +34,7 @@ public:
     }
 
 private:
+    // The hash is compared first: most pairs differ in it, and everything else costs more.
     [[nodiscard]] bool may_repeat_last(const Index_pair& pair) const {
         return pair.key_hash == last_.key_hash && any_ &&
                tagger_.same_tag(pair.record_offset, last_.record_offset);
@@ -53,7 +54,7 @@ private:
         any_ = true;
     }
 
-    Record_comparer comparer_;
+    Record_comparer comparer_; // one for all: it has what lies near the last records at hand
     const Offset_tagger& tagger_;
     std::uint64_t header_end_;
     scl::Scl_ostream& out_;
@@ -77,6 +78,8 @@ void read_key_pairs(std::size_t key_field, const Recorded& recorded, Key_pairs& 
     }
 }
 
+// The name tells a reader which field the table is of, so that tables need no order of their own.
+// Pairs are aligned, and so can be taken eight bytes at a time where they lie.
 void write_key_name(std::u16string_view key_name, scl::Scl_ostream& out, scl::Scl_status& status) {
     std::string name;
     scl::scl_string_append(name, key_name);

@@ -37,7 +37,7 @@ Record_collector::Record_collector(std::span<const Field_descriptor> fields,
 void Record_collector::record_made(std::span<const std::byte> record) {
     ++count_;
     const bool fits = !record.empty() && next_offset_ <= largest_offset_;
-    if (!fits) pairs_.reset();
+    if (!fits) pairs_.reset(); // for good: every later offset depends on this record's size
     if (!pairs_) return;
     pairs_->add(record.first(record.size() - TLA_RECORD_END_BYTES), next_offset_);
     next_offset_ += record.size();

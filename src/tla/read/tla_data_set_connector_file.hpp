@@ -84,6 +84,7 @@ public:
     // Of the first record, in bytes from the start of the file.
     [[nodiscard]] std::uint64_t data_start() const;
     [[nodiscard]] std::uint16_t key_count() const;
+    // What the header claims: a key table may have fewer pairs.
     [[nodiscard]] std::uint32_t record_count() const;
     // Of the key tables, in file order.
     [[nodiscard]] std::vector<std::u16string> key_names() const;
