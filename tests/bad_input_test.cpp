@@ -40,7 +40,7 @@ protected:
         EXPECT_FALSE(place.exists("out") || place.exists("mid_buf"));
     }
 
-    const std::string BUILD = "$DSMAKE -s 'A,Simple;B,SimpleNC' -k B -i in -o ";
+    const std::string BUILD = "\"$DSMAKE\" -s 'A,Simple;B,SimpleNC' -k B -i in -o ";
     Workplace place;
 };
 
@@ -130,7 +130,7 @@ TEST_F(Bad_input, RunsInOneFolderDoNotMeetAndNeedNoStandardStreams) {
 // open would go into it.
 TEST_F(Bad_input, AnOutputTakesNoNumberOfAClosedStream) {
     for (const std::string closing : {"<&-", ">&-", "2>&-", "<&- >&-", "<&- >&- 2>&-"}) {
-        EXPECT_EQ(place.shell("$DSMAKE -o out -x " + closing).exit_status, 255);
+        EXPECT_EQ(place.shell("\"$DSMAKE\" -o out -x " + closing).exit_status, 255);
         EXPECT_TRUE(place.exists("out") && place.read("out").empty()) << closing;
         place.remove("out");
     }

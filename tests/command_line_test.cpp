@@ -34,7 +34,8 @@ TEST_F(Command_line, AloneItShowsItsUsage) {
     EXPECT_EQ(outcome.out.size(), 1069U);
     EXPECT_TRUE(outcome.out.starts_with(USAGE_START.substr(1)));
     expect_usage_error(place.run({"-hu"}), "");
-    EXPECT_TRUE(place.shell("$DSMAKE -x 2>&1").out.starts_with("Commmand line invalid.\n\ndsmake"))
+    EXPECT_TRUE(
+        place.shell("\"$DSMAKE\" -x 2>&1").out.starts_with("Commmand line invalid.\n\ndsmake"))
         << "both streams into one place keep their order";
 }
 

@@ -1,8 +1,10 @@
 // A library to preload: makes the Nth file operation of a program fail, N from FAIL_AT; only that
 // one, or with FAIL_ON=1 all from there on. It counts opening, examining, reading, writing,
 // removing and closing files, and creates FAIL_REPORT when it has made one fail. With FAIL_EMPTY=1
-// only reads count, and the one that fails brings nothing, as at the end of a file.
+// only reads count, and the one that fails brings nothing, as at the end of a file. With
+// FAIL_STOP=1 none fails: the process stops (SIGSTOP) before the Nth.
 #include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <cstdlib>
 #include <dlfcn.h>
@@ -25,7 +27,9 @@ bool fails(int error, bool reading = false) {
     static long count = 0;
     if (at == nullptr || (EMPTY_READS && !reading)) return false;
     ++count;
-    const bool failing = on ? count >= std::atol(at) : count == std::atol(at);
+    static const bool stops = std::getenv("FAIL_STOP") != nullptr;
+    if (stops && count == std::atol(at)) std::raise(SIGSTOP);
+    const bool failing = stops ? false : on ? count >= std::atol(at) : count == std::atol(at);
     if (failing) {
         static const char* const report = std::getenv("FAIL_REPORT");
         static const int reported = report != nullptr ? ::creat(report, 0600) : -1;

@@ -43,7 +43,7 @@ public:
     // Runs dsmake here with these arguments, and with "NAME=value" added to the environment.
     [[nodiscard]] Outcome run(const std::vector<std::string>& arguments,
                               const std::vector<std::string>& environment = {}) const;
-    // Runs a shell command here; $DSMAKE is the program.
+    // Runs a shell command here; "$DSMAKE" is the program, with a space in its path.
     [[nodiscard]] Outcome shell(const std::string& command) const;
 
 private:

@@ -57,6 +57,11 @@ TEST(String, BytesSurviveTheRoundTrip) {
         for (char& byte : bytes)
             byte = static_cast<char>(random() % 4 == 0 ? random() : 0x80 | (random() % 0x78));
         ASSERT_EQ(narrow_of(wide_of(bytes)), bytes);
+        if (round % 100 != 0) continue;
+        // The same in the middle of a long text, which is converted in pieces.
+        const std::string before(8192 - random() % 40, 'x');
+        const std::u16string expected = std::u16string(before.size(), u'x') + wide_of(bytes);
+        ASSERT_EQ(wide_of(before + bytes), expected);
     }
 }
 

@@ -9,6 +9,7 @@ using test::sealed;
 const std::string SCHEMA = "Name,SimpleNC;City,Simple;Card,CCNUMBER";
 const test::Keys KEYS = {"Card", "Name"};
 constexpr std::size_t VERSION_PLACE = 24;
+constexpr std::size_t RECORD_COUNT_PLACE = 28;
 
 const Rows ROWS = {{"  Zo\xc3\xab ", "New  York", "4111-1111"},
                    {"", "", ""},
@@ -32,8 +33,29 @@ scl::Scl_status_code failure(std::string_view file, std::string_view argument = 
 
 TEST(Upgrade, GivesTheFileThatTheSameTextsBuild) {
     EXPECT_EQ(upgraded(test::version1(SCHEMA, KEYS, ROWS)), test::version2(SCHEMA, KEYS, ROWS));
-    EXPECT_EQ(upgraded(test::version1(SCHEMA, {}, ROWS)), test::version2(SCHEMA, {}, {}));
     EXPECT_EQ(upgraded(test::version1(SCHEMA, KEYS, {})), test::version2(SCHEMA, KEYS, {}));
+}
+
+TEST(Upgrade, WarnsOfRecordsThatItDoesNotFindOrCannotTellApart) {
+    const auto expect_warning = [](const std::string& file, const Rows& left,
+                                   std::string_view numbers, const test::Keys& keys) {
+        scl::Scl_status status;
+        EXPECT_EQ(test::upgraded(file, status), test::version2(SCHEMA, keys, left));
+        ASSERT_EQ(status.value(), tla::TLA_STATUS_RECORDS_LOST);
+        EXPECT_EQ(test::argument_of(status), numbers);
+    };
+    expect_warning(test::version1(SCHEMA, {}, ROWS), {}, "0 of 5", {});
+    std::string claims_more = test::version1(SCHEMA, {"Name"}, ROWS);
+    for (const std::uint32_t claimed : {6U, 9000U}) { // in the same block and in further ones
+        test::put(claims_more, RECORD_COUNT_PLACE, claimed);
+        expect_warning(sealed(claims_more), ROWS, "5 of " + std::to_string(claimed), {"Name"});
+    }
+    scl::Scl_status status; // its count wraps to 0, and the first value is no end of a record
+    (void)test::upgraded(test::version1("A,Simple;B,Simple;C,Simple", {"A"},
+                                        {{"a", "b", "c"}, {std::string(65536, '!'), "b", "c"}}),
+                         status);
+    ASSERT_EQ(status.value(), tla::TLA_STATUS_RECORDS_LOST);
+    EXPECT_EQ(test::argument_of(status), "1 of 2");
 }
 
 TEST(Upgrade, KeepsTheOrderOfTheRecordsWhateverTheirHashes) {
@@ -95,6 +117,9 @@ TEST(Upgrade_command, WritesAFileOrRemovesIt) {
     };
     EXPECT_EQ(upgrade(test::version1(SCHEMA, KEYS, ROWS)).exit_status, 0);
     EXPECT_EQ(place.read("out"), test::version2(SCHEMA, KEYS, ROWS));
+    const test::Outcome warned = upgrade(test::version1(SCHEMA, {}, ROWS));
+    EXPECT_EQ(warned.exit_status, 0);
+    EXPECT_TRUE(warned.err.starts_with("0x8201252A: Records that can be read: 0 of 5 lines. "));
     expect_refused("KQZVDaSe and no more", "0xC2012521: 'in' is no data set file, or it is cut "
                                            "short. Check the name, or build the file again.");
     EXPECT_FALSE(place.exists("mid_buf"));

@@ -5,6 +5,7 @@
 #include "driver/option_scanner.hpp"
 #include "records/tla_status_codes.hpp"
 #include "scl/text/scl_string.hpp"
+#include "tla/build/data_set_generator.hpp"
 #include "tla/build/scratch_file.hpp"
 #include "tla/upgrade/upgrade_data_set.hpp"
 
@@ -123,8 +124,11 @@ int Driver::upgrade() {
     input_.close(status_);
     tla::upgrade_data_set(input_name_, output_, status_);
     close_output();
+    // Duplicates are not reported in this mode. Records that are missing are: nobody would know.
+    if (!status_.ok() || status_.contains_value(tla::TLA_STATUS_RECORDS_LOST)) {
+        print_status(status_);
+    }
     if (status_.ok()) return EXIT_OK;
-    print_status(status_);
     remove_output();
     return EXIT_FAULT;
 }
@@ -146,7 +150,11 @@ int Driver::build() {
         break;
     }
     close_output();
-    warn_of_lost_records(result);
+    // A column of unknown type, or a value of more tokens than a count can say, makes a file that
+    // is read differently from how it was written. It is kept, but not without a word.
+    if (status_.ok()) {
+        tla::tla_warn_of_lost_records(result.record_count, result.line_count, status_);
+    }
     return report_generation();
 }
 
@@ -159,16 +167,6 @@ tla::Tla_build_result Driver::build_from(scl::Scl_buffered_istream& in,
                                    .key_names = key_names_,
                                    .key_positions = key_positions};
     return tla::build_data_set(plan, in, records, output_, status_);
-}
-
-// A column of unknown type, or a value of more tokens than a count can say, makes a file that is
-// read differently from how it was written. It is kept, but not without a word.
-void Driver::warn_of_lost_records(const tla::Tla_build_result& result) {
-    if (!status_.ok() || result.record_count == result.line_count) return;
-    const std::string numbers =
-        std::to_string(result.record_count) + " of " + std::to_string(result.line_count);
-    status_.push(tla::TLA_STATUS_RECORDS_LOST,
-                 scl::Scl_wstring_status_arg(std::string_view(numbers)));
 }
 
 int Driver::report_generation() {

@@ -41,7 +41,6 @@ private:
     [[nodiscard]] int build();
     [[nodiscard]] tla::Tla_build_result build_from(scl::Scl_buffered_istream& in,
                                                    scl::Scl_file_buffer& records);
-    void warn_of_lost_records(const tla::Tla_build_result& result);
     [[nodiscard]] int report_generation();
     void close_output();
     void remove_output();

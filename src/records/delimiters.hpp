@@ -10,15 +10,13 @@ namespace tla {
 inline constexpr char FIELD_SEPARATOR = '\t';
 inline constexpr char LINE_FEED = '\n';
 inline constexpr char CARRIAGE_RETURN = '\r';
-inline constexpr unsigned char MARK_START = 0xEF; // of a byte order mark, EF BB BF
 
 // What of 64 bytes the reader has to look at, a bit for each byte: what may end a field or a line,
-// what may start a byte order mark, what is not ASCII. The other bytes are passed over together.
+// and what is not ASCII. The other bytes are passed over together.
 struct Delimiters {
     static constexpr std::size_t BLOCK = 64;
 
     std::uint64_t ends = 0;
-    std::uint64_t marks = 0;
     std::uint64_t not_ascii = 0;
 };
 
@@ -28,10 +26,9 @@ struct Delimiters {
     for (std::size_t i = 0; i < Delimiters::BLOCK; ++i) {
         const char byte = block[i];
         const bool ends = byte == FIELD_SEPARATOR || byte == LINE_FEED || byte == CARRIAGE_RETURN;
+        const bool is_ascii = static_cast<unsigned char>(byte) < 0x80;
         found.ends |= static_cast<std::uint64_t>(ends) << i;
-        const auto code = static_cast<unsigned char>(byte);
-        found.marks |= static_cast<std::uint64_t>(code == MARK_START) << i;
-        found.not_ascii |= static_cast<std::uint64_t>(code >= 0x80) << i;
+        found.not_ascii |= static_cast<std::uint64_t>(!is_ascii) << i;
     }
     return found;
 }
@@ -53,7 +50,6 @@ struct Delimiters {
         };
         found.ends |= bits(_mm_or_si128(_mm_or_si128(equal(FIELD_SEPARATOR), equal(LINE_FEED)),
                                         equal(CARRIAGE_RETURN)));
-        found.marks |= bits(equal(static_cast<char>(MARK_START)));
         found.not_ascii |= bits(bytes);
     }
     return found;

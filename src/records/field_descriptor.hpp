@@ -3,6 +3,8 @@
 #include <cstdint>
 #include <string>
 
+#pragma GCC visibility push(default) // installed
+
 namespace tla {
 
 // Names a formatter type: 16 bytes in GUID layout, as two little-endian halves. All zero stands
@@ -20,3 +22,5 @@ struct Field_descriptor {
 };
 
 } // namespace tla
+
+#pragma GCC visibility pop

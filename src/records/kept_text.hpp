@@ -4,8 +4,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <memory>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 namespace tla {
 
@@ -17,21 +18,27 @@ public:
     // size for a moment.
     void append(std::string_view piece) {
         const std::size_t needed = size_ + piece.size() + scl::SCL_BLOCK_BYTES;
-        if (needed > bytes_.size()) {
-            bytes_.reserve(std::max(needed, bytes_.size() + bytes_.size() / 2));
-            bytes_.resize(bytes_.capacity());
-        }
-        std::ranges::copy(piece, bytes_.begin() + static_cast<std::ptrdiff_t>(size_));
+        if (needed > capacity_) grow(std::max(needed, capacity_ + capacity_ / 2));
+        std::ranges::copy(piece, bytes_.get() + size_);
         size_ += piece.size();
     }
     void clear() { size_ = 0; }
 
     [[nodiscard]] bool empty() const { return size_ == 0; }
-    [[nodiscard]] std::string_view view() const { return {bytes_.data(), size_}; }
-    [[nodiscard]] char* data() { return bytes_.data(); }
+    [[nodiscard]] std::string_view view() const { return {bytes_.get(), size_}; }
+    [[nodiscard]] char* data() { return bytes_.get(); }
 
 private:
-    std::vector<char> bytes_;
+    // Not filled: what is not used yet takes no memory of the machine's.
+    void grow(std::size_t capacity) {
+        auto bytes = std::make_unique_for_overwrite<char[]>(capacity);
+        std::ranges::copy(view(), bytes.get());
+        bytes_ = std::move(bytes);
+        capacity_ = capacity;
+    }
+
+    std::unique_ptr<char[]> bytes_;
+    std::size_t capacity_ = 0;
     std::size_t size_ = 0;
 };
 

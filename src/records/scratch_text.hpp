@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <memory>
 
+#pragma GCC visibility push(default) // installed
+
 namespace tla {
 
 // Memory for one text after another, kept from each to the next: a field takes no allocation once
@@ -39,3 +41,5 @@ private:
 };
 
 } // namespace tla
+
+#pragma GCC visibility pop

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 namespace tla {
 
 // Brings a field's value into the form that its tokens are made from, so that values that should
@@ -95,3 +97,5 @@ tla_create_formatter(const Formatter_type_id& id);
 [[nodiscard]] Tla_ascii_formatter tla_ascii_formatter(const Formatter_type_id& id);
 
 } // namespace tla
+
+#pragma GCC visibility pop

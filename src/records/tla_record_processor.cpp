@@ -50,9 +50,12 @@ private:
         const auto count = static_cast<std::size_t>(at_ - values) / TLA_TOKEN_VALUE_BYTES;
         scl::scl_store_le(count_at, scl::scl_byte_swapped(static_cast<Tla_token_count>(count)));
     }
+    // What follows something that found no place may find one; that does no harm.
     std::byte* take(std::size_t bytes) {
-        is_full_ = is_full_ || static_cast<std::size_t>(end_ - at_) < bytes;
-        if (is_full_) return nullptr;
+        if (static_cast<std::size_t>(end_ - at_) < bytes) {
+            is_full_ = true;
+            return nullptr;
+        }
         at_ += bytes;
         return at_ - bytes;
     }
@@ -62,6 +65,12 @@ private:
     std::byte* end_;
     bool is_full_ = false;
 };
+
+// A key of an unknown type must not be empty either: the look at the key comes first.
+bool refuse_empty_key(scl::Scl_status& status) {
+    status.push(TLA_STATUS_EMPTY_KEY);
+    return false;
+}
 
 // Goes over the text twice, so that memory need not hold its values.
 template <typename Unit>
@@ -93,8 +102,11 @@ void Tla_record_processor::process(const Tla_record_text& record, scl::Scl_ostre
                                    scl::Scl_status& status) {
     if (record.fields.empty() || record.fields.size() != columns_.size()) return;
     Record_assembly assembly(out.room(ROOM_BYTES, status));
-    format_fields(record, status, [&](auto text) { assembly.add_field(text); });
-    if (status.has_failed()) return;
+    const auto add = [&](auto text) {
+        assembly.add_field(text);
+        return true;
+    };
+    if (status.has_failed() || !format_fields(record, status, add)) return;
     if (ends_with_byte()) assembly.add_end();
     if (assembly.is_full()) return process_large(record, out, status);
     out.advance(assembly.record().size());
@@ -103,44 +115,49 @@ void Tla_record_processor::process(const Tla_record_text& record, scl::Scl_ostre
 
 void Tla_record_processor::process_large(const Tla_record_text& record, scl::Scl_ostream& out,
                                          scl::Scl_status& status) {
-    format_fields(record, status, [&](auto text) { write_large_field(text, out, status); });
-    if (!status.has_failed() && ends_with_byte()) out.write_le(TLA_RECORD_END, status);
+    const auto write = [&](auto text) {
+        write_large_field(text, out, status);
+        return !status.has_failed();
+    };
+    if (format_fields(record, status, write) && ends_with_byte()) {
+        out.write_le(TLA_RECORD_END, status);
+    }
     if (listener_ != nullptr) listener_->record_made({});
 }
 
-// Hands the formatted texts to `use`: ASCII as the bytes it is, anything else as UTF-16.
+// Hands the formatted texts to `use`: ASCII as the bytes it is, anything else as UTF-16. False when
+// a field or `use` had a fault; that ends it.
 template <typename Use>
-void Tla_record_processor::format_fields(const Tla_record_text& record, scl::Scl_status& status,
-                                         Use&& use) {
+bool Tla_record_processor::format_fields(const Tla_record_text& record, scl::Scl_status& status,
+                                         Use& use) {
     const Column* column = columns_.data();
     for (const Tla_field_text field : record.fields) {
-        if (status.has_failed()) return;
-        if (record.is_ascii || scl::scl_is_ascii(field)) {
-            format_ascii(*column++, field, status, use);
-        } else {
-            format_other(*column++, field, status, use);
-        }
+        const bool is_ascii = record.is_ascii || scl::scl_is_ascii(field);
+        const bool is_good = is_ascii ? format_ascii(*column, field, status, use)
+                                      : format_other(*column, field, status, use);
+        if (!is_good) return false;
+        ++column;
     }
+    return true;
 }
 
-// A key of an unknown type must not be empty either: the look at the key comes first.
 template <typename Use>
-void Tla_record_processor::format_ascii(const Column& column, const Tla_field_text& field,
+bool Tla_record_processor::format_ascii(const Column& column, const Tla_field_text& field,
                                         scl::Scl_status& status, Use& use) {
     const Tla_field_text value = scl::scl_trimmed(field);
-    if (value.empty() && column.is_key) return status.push(TLA_STATUS_EMPTY_KEY);
-    if (column.format_ascii != nullptr) use(column.format_ascii(value, ascii_));
+    if (value.empty() && column.is_key) return refuse_empty_key(status);
+    return column.format_ascii == nullptr || use(column.format_ascii(value, ascii_));
 }
 
 template <typename Use>
-void Tla_record_processor::format_other(const Column& column, const Tla_field_text& field,
+bool Tla_record_processor::format_other(const Column& column, const Tla_field_text& field,
                                         scl::Scl_status& status, Use& use) {
     scl::scl_stow(field.view(), wide_);
     const std::u16string_view value = scl::scl_trimmed(wide_);
-    if (value.empty() && column.is_key) return status.push(TLA_STATUS_EMPTY_KEY);
-    if (column.formatter == nullptr) return;
+    if (value.empty() && column.is_key) return refuse_empty_key(status);
+    if (column.formatter == nullptr) return true;
     column.formatter->format(value, wide_, false);
-    use(scl::scl_span_of(wide_));
+    return use(scl::scl_span_of(wide_));
 }
 
 } // namespace tla

@@ -62,13 +62,14 @@ private:
     };
 
     template <typename Use>
-    void format_fields(const Tla_record_text& record, scl::Scl_status& status, Use&& use);
+    [[nodiscard]] bool format_fields(const Tla_record_text& record, scl::Scl_status& status,
+                                     Use& use);
     template <typename Use>
-    void format_ascii(const Column& column, const Tla_field_text& field, scl::Scl_status& status,
-                      Use& use);
+    [[nodiscard]] bool format_ascii(const Column& column, const Tla_field_text& field,
+                                    scl::Scl_status& status, Use& use);
     template <typename Use>
-    void format_other(const Column& column, const Tla_field_text& field, scl::Scl_status& status,
-                      Use& use);
+    [[nodiscard]] bool format_other(const Column& column, const Tla_field_text& field,
+                                    scl::Scl_status& status, Use& use);
     [[nodiscard]] bool ends_with_byte() const { return columns_.back().formatter != nullptr; }
     void process_large(const Tla_record_text& record, scl::Scl_ostream& out,
                        scl::Scl_status& status);

@@ -80,33 +80,39 @@ void Tla_record_reader::check_returns(std::string_view text) {
 // Takes the whole lines that the piece begins with; returns how much of it they are.
 std::size_t Tla_record_reader::take_lines(std::string_view text, scl::Scl_status& status) {
     const char* done = text.data();
-    field_begin_ = done;
-    field_count_ = 0;
+    begin_line(done);
     for (std::size_t at = 0; at < text.size(); at += Delimiters::BLOCK) {
-        const Delimiters found = find_next_delimiters(text.substr(at));
-        may_hold_mark_ = may_hold_mark_ || found.marks != 0;
-        is_ascii_ = is_ascii_ && found.not_ascii == 0;
+        Delimiters found = find_next_delimiters(text.substr(at));
         for (std::uint64_t ends = found.ends; ends != 0; ends &= ends - 1) {
             const char* const end = text.data() + at + std::countr_zero(ends);
             if (*end == FIELD_SEPARATOR) {
                 end_field(end);
             } else if (*end == LINE_FEED) {
+                const std::uint64_t before = ~ends & (ends - 1);
+                is_ascii_ = is_ascii_ && (found.not_ascii & before) == 0;
+                found.not_ascii &= ~before; // the next line's
                 end_line(end, text.data(), status);
                 if (!goes_on(status)) return 0;
                 done = end + 1;
-                may_hold_mark_ = found.marks != 0; // of this block, which may hold the next line
-                is_ascii_ = found.not_ascii == 0;
+                begin_line(done);
             } else if (end + 1 != text.data() + text.size() && end[1] != LINE_FEED) {
                 result_ = Tla_read_result::invalid_line_ending;
                 return 0;
             }
         }
+        is_ascii_ = is_ascii_ && found.not_ascii == 0;
     }
     return static_cast<std::size_t>(done - text.data());
 }
 
+void Tla_record_reader::begin_line(const char* at) {
+    field_begin_ = at;
+    field_count_ = 0;
+    is_ascii_ = true;
+}
+
 void Tla_record_reader::end_field(const char* at) {
-    if (field_count_ < fields_.size()) fields_[field_count_] = {field_begin_, at};
+    if (field_count_ < column_count_) fields_[field_count_] = {field_begin_, at};
     ++field_count_;
     field_begin_ = at + 1;
 }
@@ -115,14 +121,14 @@ void Tla_record_reader::end_field(const char* at) {
 void Tla_record_reader::end_line(const char* at, const char* text, scl::Scl_status& status) {
     const bool after_return = at != text && at[-1] == CARRIAGE_RETURN;
     end_field(after_return ? at - 1 : at);
-    if (field_count_ != fields_.size()) {
+    if (field_count_ != column_count_) {
         result_ = Tla_read_result::field_count_mismatch;
         return;
     }
-    if (may_hold_mark_) drop_marks();
+    const std::string_view line(fields_.front().begin,
+                                static_cast<std::size_t>(at - fields_.front().begin));
+    if (!is_ascii_ && line.find(BYTE_ORDER_MARK.front()) != std::string_view::npos) drop_marks();
     processor_.process({fields_, is_ascii_}, out_, status);
-    field_begin_ = at + 1;
-    field_count_ = 0;
 }
 
 // From front to back, so that bytes which a dropped mark brings together are no mark themselves. A

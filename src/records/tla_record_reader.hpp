@@ -26,7 +26,10 @@ class Tla_record_reader {
 public:
     // Both must outlive the reader.
     Tla_record_reader(Tla_record_processor& processor, scl::Scl_ostream& out)
-        : processor_(processor), out_(out), fields_(processor.column_count()) {}
+        : processor_(processor),
+          out_(out),
+          column_count_(processor.column_count()),
+          fields_(column_count_) {}
 
     // Reads to the end. Leaves SCL_STATUS_READ_FAILED when the input cannot be read to its end, and
     // what processing a record leaves; throws as that does. To be called once.
@@ -37,6 +40,7 @@ private:
     void take_window(std::string_view window, scl::Scl_status& status);
     [[nodiscard]] std::size_t complete_line(std::string_view window, scl::Scl_status& status);
     [[nodiscard]] std::size_t take_lines(std::string_view text, scl::Scl_status& status);
+    void begin_line(const char* at);
     void end_field(const char* at);
     void end_line(const char* at, const char* text, scl::Scl_status& status);
     void check_returns(std::string_view text);
@@ -47,6 +51,7 @@ private:
 
     Tla_record_processor& processor_;
     scl::Scl_ostream& out_;
+    const std::size_t column_count_;
     Tla_read_result result_ = Tla_read_result::finished;
 
     Kept_text open_line_;                // what earlier windows hold of the line that has not ended
@@ -57,7 +62,6 @@ private:
     std::size_t field_count_ = 0;        // fields beyond the last column are only counted
     std::vector<Tla_field_text> fields_; // one for each column
     Kept_text unmarked_;                 // fields that lost a byte order mark
-    bool may_hold_mark_ = false;
     bool is_ascii_ = true;
 };
 

@@ -2,6 +2,8 @@
 
 #include "scl/status/scl_status_codes.hpp"
 
+#pragma GCC visibility push(default) // installed
+
 namespace tla {
 
 // Codes of data sets; their texts stand in util_status.msg.
@@ -21,3 +23,5 @@ inline constexpr scl::Scl_status_code TLA_STATUS_EMPTY_KEY = 0xC2012528;
 inline constexpr scl::Scl_status_code TLA_STATUS_RECORDS_LOST = 0x8201252A;
 
 } // namespace tla
+
+#pragma GCC visibility pop

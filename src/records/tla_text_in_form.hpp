@@ -7,6 +7,8 @@
 #include <string_view>
 #include <vector>
 
+#pragma GCC visibility push(default) // installed
+
 namespace tla {
 
 class Tla_formatter_base;
@@ -44,3 +46,5 @@ private:
 };
 
 } // namespace tla
+
+#pragma GCC visibility pop

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txt {
 
 class Txt_token;
@@ -54,3 +56,5 @@ private:
 };
 
 } // namespace txt
+
+#pragma GCC visibility pop

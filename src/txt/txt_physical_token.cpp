@@ -36,6 +36,7 @@ std::size_t Txt_physical_token::position() const {
     return position_;
 }
 
+// A token's size counts, and no pool holds as many tokens as 32 bits can number.
 void Txt_physical_token::position(std::size_t position) {
     position_ = static_cast<std::uint32_t>(position);
 }
@@ -72,6 +73,7 @@ bool Txt_physical_token::replace_run(const Txt_physical_token& /*back*/,
     return false;
 }
 
+// By the one operation that knows where the content is: whoever overrides that has this as well.
 bool Txt_physical_token::make_safe() {
     return replace_run(*this, safe_text());
 }
@@ -88,6 +90,7 @@ const Txt_physical_token& Txt_physical_token::back() const {
     return *this;
 }
 
+// The cheap question first: trailers that stand alone are never looked for.
 bool Txt_physical_token::is_text(const Txt_association_kind& kind) const {
     return is_text() && view_->has_association(*this, kind);
 }

@@ -8,6 +8,8 @@
 #include <iterator>
 #include <vector>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txt {
 
 class Txt_virtual_token;
@@ -127,3 +129,5 @@ private:
 };
 
 } // namespace txt
+
+#pragma GCC visibility pop

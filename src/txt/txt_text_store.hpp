@@ -9,6 +9,8 @@
 #include <unordered_set>
 #include <vector>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txt {
 
 // Keeps texts at addresses that stay, each with a zero unit after its end. One text, the newest, is
@@ -86,3 +88,5 @@ private:
 };
 
 } // namespace txt
+
+#pragma GCC visibility pop

@@ -51,12 +51,13 @@ void Txt_text_view::destroy_tokens() {
     }
 }
 
-std::uint32_t Txt_text_view::type() const {
-    return type_;
-}
-
+// Not in the header's inline code: a throw there would be part of the loop that adds tokens.
 void Txt_text_view::throw_not_started() {
     throw std::logic_error("Txt_text_view::add_content() - content not started");
+}
+
+std::uint32_t Txt_text_view::type() const {
+    return type_;
 }
 
 void Txt_text_view::check_not_locked() const {
@@ -72,6 +73,7 @@ Txt_text_view::Extras& Txt_text_view::extras() {
     return *extras_;
 }
 
+// With the last token at hand, so that an iterator past the end can walk back.
 Txt_token_iterator Txt_text_view::cbegin() const {
     return {front_, back_};
 }
@@ -130,6 +132,8 @@ Txt_text_view::Virtual_iterator Txt_text_view::vend() {
     return extras().virtual_tokens.end();
 }
 
+// A virtual token that is unlinked lives on in the other list: whoever took it out may hold on to
+// it and put it back.
 bool Txt_text_view::link_virtual(const Txt_virtual_token& token) {
     return !is_locked() &&
            move_token(token, extras().unlinked_virtual_tokens, extras().virtual_tokens);
@@ -164,6 +168,7 @@ bool Txt_text_view::link(Txt_physical_token& token) {
     return true;
 }
 
+// Its own links stay as they are: they say where it goes back to.
 bool Txt_text_view::unlink(Txt_physical_token& token) {
     if (is_locked() || is_open_ || !is_linked(token)) return false;
     forget(token);
@@ -173,7 +178,7 @@ bool Txt_text_view::unlink(Txt_physical_token& token) {
 
 // A run that lost one of its ends is no run any more, and what was attached to it means nothing.
 void Txt_text_view::forget(const Txt_physical_token& token) {
-    if (extras_ == nullptr) return;
+    if (extras_ == nullptr) return; // as most views, and then there is nothing to search
     remove_associations(token);
     const auto ends_there = [&](const Txt_virtual_token& run) {
         if (&run.front() != &token && &run.back() != &token) return false;
@@ -184,6 +189,8 @@ void Txt_text_view::forget(const Txt_physical_token& token) {
     extras_->unlinked_virtual_tokens.remove_if(ends_there);
 }
 
+// All at once, and again only after the order has changed: to compare every token with every other
+// would else take a walk for each.
 void Txt_text_view::number_tokens() {
     if (is_numbered_) return;
     std::size_t position = 0;
@@ -201,7 +208,7 @@ bool Txt_text_view::purge() {
         extras_->unlinked_virtual_tokens.clear();
         extras_->associations.clear();
     }
-    destroy_tokens();
+    destroy_tokens(); // in place: their memory is their maker's
     front_ = nullptr;
     back_ = nullptr;
     return true;
@@ -242,6 +249,8 @@ std::size_t Txt_text_view::symbol_token_count() const {
     return count(TXT_TOKEN_SYMBOL);
 }
 
+// A table that was given is shared between views, whose texts repeat; one of the view's own is made
+// when the first text needs it, as the texts of most tokens stay in the store.
 std::u16string_view Txt_text_view::insert_text(std::u16string_view text) {
     return (table_ != nullptr ? *table_ : extras().table).insert(text);
 }

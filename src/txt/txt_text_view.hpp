@@ -14,6 +14,8 @@
 #include <string_view>
 #include <vector>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txt {
 
 // The tokens of a text in their order. The view destroys them in place; their memory belongs to
@@ -192,3 +194,5 @@ inline Txt_physical_token* Txt_text_view::cback() {
 }
 
 } // namespace txt
+
+#pragma GCC visibility pop

@@ -78,6 +78,7 @@ const char16_t* Txt_token::trailer_text() const {
     return trailer.empty() ? view().empty_text() : trailer.data();
 }
 
+// Counted in place: redaction asks every token of a run for it, and needs no copy.
 std::size_t Txt_token::length(Txt_text_form form) const {
     const std::u16string_view whole = text_entry();
     return form == Txt_text_form::whole ? whole.size() : count_characters(whole, is_visible);
@@ -95,6 +96,7 @@ bool Txt_token::is_trailer() const {
     return !is_text() && !trailer_entry().empty();
 }
 
+// Kept in the view's table: callers get a pointer, and nobody says how long they need it.
 const char16_t* Txt_token::formatted_text() const {
     std::u16string formatted(text_entry());
     formatted += trailer_entry();

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txt {
 
 class Txt_physical_token;
@@ -105,3 +107,5 @@ protected:
 };
 
 } // namespace txt
+
+#pragma GCC visibility pop

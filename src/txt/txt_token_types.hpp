@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txt {
 
 // Which text of a token is meant.
@@ -52,3 +54,5 @@ static_assert(txt_token_type(scl::Scl_unicode_code_point_type::punctuation) ==
 }
 
 } // namespace txt
+
+#pragma GCC visibility pop

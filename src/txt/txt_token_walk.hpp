@@ -8,6 +8,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txt {
 
 namespace impl {
@@ -134,3 +136,5 @@ void txt_walk_tokens(scl::Scl_text_span<Unit> text, Take&& take) {
 }
 
 } // namespace txt
+
+#pragma GCC visibility pop

@@ -14,7 +14,7 @@ std::size_t Txt_tokeniser::take_run(std::span<const std::byte> units, Txt_text_s
     const auto* const begin = reinterpret_cast<const char16_t*>(units.data());
     const auto* const end = begin + units.size() / sizeof(char16_t);
     const std::size_t found = impl::run_length<char16_t>({begin, end}, begin);
-    if (found == 0) return 0;
+    if (found == 0) return 0; // the tables of rules decide, a character at a time
     operation = state_.is_open() ? Txt_parse_operation::go_on : Txt_parse_operation::start;
     if (!state_.is_open()) {
         text.clear();
@@ -25,6 +25,7 @@ std::size_t Txt_tokeniser::take_run(std::span<const std::byte> units, Txt_text_s
     if (count == 0) return 0;
     std::memcpy(room.data(), begin, count * sizeof(char16_t));
     text.grown(count);
+    // What follows the run only needs to know how it ended.
     state_.take_run(impl::unit_bits(begin + count - 1));
     return count * sizeof(char16_t);
 }

@@ -45,10 +45,14 @@ bool Txt_virtual_token::redact(std::size_t skip, std::size_t count) {
     return true;
 }
 
+// One edit from the first token's text to the last one's: with one for each token, the trailers
+// between would tell how many words there were and how long.
 bool Txt_virtual_token::make_safe() {
     return front_->replace_run(*back_, safe_text());
 }
 
+// The new text goes where the first token is, and the others' texts go; the trailers between stay,
+// as a token's edits never touch those. What is put behind belongs behind the last token.
 bool Txt_virtual_token::replace_text(std::u16string_view text, std::u16string_view before,
                                      std::u16string_view after) {
     const bool is_first_concerned = !text.empty() || !before.empty();

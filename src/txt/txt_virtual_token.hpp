@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txt {
 
 // A token over a run of a view's physical tokens, such as a name of several words. Its text is that
@@ -53,3 +55,5 @@ private:
 };
 
 } // namespace txt
+
+#pragma GCC visibility pop

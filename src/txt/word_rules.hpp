@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#pragma GCC visibility push(default) // installed
+
 // The word boundary rules of Unicode Standard Annex #29 (15.0, default rules), compiled into a
 // table of steps. The rules themselves stand in txt_word_rules.cpp.
 namespace txt::impl {
@@ -45,3 +47,5 @@ inline constexpr std::array WORD_RUN_PROPERTIES{scl::Scl_word_break::aletter,
 extern const std::array<bool, WORD_ROWS> WORD_RUNS;
 
 } // namespace txt::impl
+
+#pragma GCC visibility pop

@@ -13,6 +13,8 @@
 #include <limits>
 #include <type_traits>
 
+#pragma GCC visibility push(default) // installed
+
 // Runs of letters, digits and connectors, which nearly all words are. Whatever of them comes first,
 // the next one joins it, so that a run needs no step of the rules for each character.
 namespace txt::impl {
@@ -105,3 +107,5 @@ template <typename Unit>
 }
 
 } // namespace txt::impl
+
+#pragma GCC visibility pop

@@ -5,6 +5,8 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txt::impl {
 
 // Where the rules are in a text: what they need to know of it up to a position, and whether the
@@ -57,3 +59,5 @@ private:
 };
 
 } // namespace txt::impl
+
+#pragma GCC visibility pop

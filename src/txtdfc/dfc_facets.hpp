@@ -6,6 +6,8 @@
 #include <set>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 namespace dfc {
 
 // Names a facet: 16 bytes in GUID layout (the first three groups little-endian), ordered as bytes.
@@ -72,3 +74,5 @@ public:
 };
 
 } // namespace dff
+
+#pragma GCC visibility pop

@@ -7,6 +7,8 @@
 #include <memory>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 namespace dfc {
 
 // Gives the content of one format its facets. Through them changes are queued, which show in the
@@ -70,3 +72,5 @@ private:
 };
 
 } // namespace dfc
+
+#pragma GCC visibility pop

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txtdfc {
 
 // How the lines of a content end.
@@ -50,3 +52,5 @@ private:
 };
 
 } // namespace txtdfc
+
+#pragma GCC visibility pop

@@ -57,6 +57,7 @@ private:
     Txtdfc_token_pool& pool_;
 };
 
+// No set at all asks for everything: callers that edit need not name what there is.
 bool is_granted(const dfc::Dfc_facet_set* requested, const dfc::Dfc_facet_id& id) {
     return requested == nullptr || requested->contains(id);
 }
@@ -82,9 +83,13 @@ Txtdfc_format_codec::Txtdfc_format_codec(const dfc::Dfc_facet_set* requested,
       annotation_facet_granted_(is_granted(requested, dff::DFF_ANNOTATION_FACET_ID)),
       view_of_empty_(view_of_empty) {}
 
+// The parts go in the reverse order of their declaration: the view first, as its tokens lie in the
+// pool.
 Txtdfc_format_codec::~Txtdfc_format_codec() = default;
 
 dfc::Dfc_format_facet* Txtdfc_format_codec::query_facet(const dfc::Dfc_facet_id& id) {
+    // The facets are bases that only this class can convert to: what was not granted cannot be had
+    // by a cast either.
     if (text_facet_granted_ && id == dff::DFF_TEXT_FACET_ID) {
         return static_cast<dff::Dff_text_facet*>(this);
     }
@@ -97,7 +102,7 @@ dfc::Dfc_format_facet* Txtdfc_format_codec::query_facet(const dfc::Dfc_facet_id&
 // Setting a single code allocates nothing, so no handler can throw.
 void Txtdfc_format_codec::attach(const scl::Scl_buffer* content, scl::Scl_status& status) {
     try {
-        status.clear();
+        status.clear(); // of the last content: each attachment is judged by itself
         take_content(content, status);
     } catch (const std::bad_alloc&) {
         status = scl::SCL_STATUS_NO_MEMORY;
@@ -129,12 +134,15 @@ void Txtdfc_format_codec::analyse(scl::Scl_status& status) {
     cerc::Cerc_utf16_reader reader;
     reader.attach(*content_, status, false);
     if (status.has_failed()) return;
+    // The mark is no part of the text, and what is added at the front comes behind it.
     const bool has_mark = reader.read() == cerc::Cerc_reader_base::BYTE_ORDER_MARK;
     const std::uint64_t begin = has_mark ? reader.tell() : 0;
     extent_ = Extent{begin, content_->size(false, status)};
     if (annotation_facet_granted_ && !status.has_failed()) analyse_line_ends(status);
 }
 
+// Only for who may add lines: a value that is just looked at can do without the read at its end. A
+// content without text needs no line end before a line.
 void Txtdfc_format_codec::analyse_line_ends(scl::Scl_status& status) {
     Content_analyser analyser;
     analyser.scan(*content_, status);
@@ -144,7 +152,7 @@ void Txtdfc_format_codec::analyse_line_ends(scl::Scl_status& status) {
 
 Txtdfc_text_view* Txtdfc_format_codec::text_view(int index, unsigned& cursor) {
     const bool is_first = index == 0 && cursor == 0;
-    cursor = dfc::DFC_CURSOR_END;
+    cursor = dfc::DFC_CURSOR_END; // whatever comes of it, there is no view after this one
     if (!is_first) return nullptr;
     const bool has_text = extent_ && !extent_->empty();
     if (!has_text && !view_of_empty_) return nullptr;
@@ -172,7 +180,7 @@ void Txtdfc_format_codec::fill_view(Txtdfc_text_view& view) {
     if (extent_) {
         cerc::Cerc_utf16_reader reader;
         reader.attach(*content_, status, false);
-        reader.seek(extent_->begin, status);
+        reader.seek(extent_->begin, status); // past a mark, which would be a token of its own
         txt::Txt_tokeniser tokeniser;
         view.start_content();
         View_filler filler(view, pool());
@@ -220,7 +228,7 @@ std::unique_ptr<scl::Scl_buffer> Txtdfc_format_codec::compose(scl::Scl_status& s
     if (in_transaction_) {
         throw std::logic_error("Txtdfc_format_codec::compose() - transaction in progress");
     }
-    status.clear();
+    status.clear(); // so that null with a good status says that nothing was changed
     if (!modified()) return nullptr;
     auto composed = std::make_unique<scl::Scl_heap_buffer>();
     patcher_.apply(*content_, *composed, status);
@@ -240,6 +248,7 @@ bool Txtdfc_format_codec::may_insert(const char* operation, std::size_t length) 
     return modifiable() && length != 0 && extent_;
 }
 
+// Behind a byte order mark, which has to stay the first of all.
 bool Txtdfc_format_codec::insert_content_front(const char16_t* data, std::size_t length) {
     if (!may_insert("insert_content_front", length)) return false;
     std::u16string lines;

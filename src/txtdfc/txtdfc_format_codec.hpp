@@ -12,6 +12,8 @@
 #include <optional>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txtdfc {
 
 // The codec of plain UTF-16 text (little-endian; a byte order mark at the front is not part of the
@@ -108,3 +110,5 @@ private:
 };
 
 } // namespace txtdfc
+
+#pragma GCC visibility pop

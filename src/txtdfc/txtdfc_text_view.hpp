@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txtdfc {
 
 class Txtdfc_format_codec;
@@ -63,3 +65,5 @@ private:
 };
 
 } // namespace txtdfc
+
+#pragma GCC visibility pop

@@ -8,6 +8,8 @@
 #include <new>
 #include <vector>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txtdfc {
 
 // How many tokens a text may have.
@@ -79,3 +81,5 @@ private:
 };
 
 } // namespace txtdfc
+
+#pragma GCC visibility pop

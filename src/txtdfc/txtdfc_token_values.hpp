@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#pragma GCC visibility push(default) // installed
+
 namespace txtdfc {
 
 // A byte order mark at the front is no part of the text.
@@ -43,3 +45,5 @@ void txtdfc_each_token_value(scl::Scl_text_span<Unit> text, Take&& take) {
                                        std::vector<std::uint64_t>& values);
 
 } // namespace txtdfc
+
+#pragma GCC visibility pop

@@ -11,6 +11,8 @@
 #include <string_view>
 #include <vector>
 
+#pragma GCC visibility push(default) // installed
+
 namespace ucl {
 
 // Queues changes of a UTF-16 content and writes the content changed by them. All offsets and
@@ -106,3 +108,5 @@ private:
 };
 
 } // namespace ucl
+
+#pragma GCC visibility pop

@@ -13,7 +13,7 @@ namespace scl::impl {
 // Only where has_carryless_multiply() is true.
 [[nodiscard]] std::uint64_t crc64_by_multiply(std::uint64_t reg, std::span<const std::byte> bytes);
 
-// The register, from all ones, over the UTF-16 form of an ASCII text, which is not made for it.
+// The CRC-64/XZ of the UTF-16 form of an ASCII text, which is not made for it.
 [[nodiscard]] std::uint64_t crc64_widened_by_table(std::string_view text);
 
 // The same where has_carryless_multiply() is true: for texts of up to 16 characters, of which 16

@@ -142,6 +142,8 @@ SCL_WITH_MULTIPLY std::uint64_t step_blocks(const Head& head, const std::byte* a
 }
 
 SCL_WITH_MULTIPLY std::uint64_t step(std::uint64_t reg, const std::byte* at, std::size_t count) {
+    // The hash of a field of one token, which most key fields are: no more than it needs.
+    if (count == 8) return reduce(pair(0, scl_load_le<std::uint64_t>(at) ^ reg));
     const std::size_t head_bytes = (count - 1) % BLOCK + 1;
     const Head head = make_head(reg, at, head_bytes);
     if (head_bytes == count) return reduce(pair(head.low, head.high)) ^ head.left;
@@ -160,17 +162,16 @@ constexpr std::array<std::uint8_t, 2 * BLOCK> make_moves() {
 }
 constexpr std::array MOVES = make_moves();
 
-// The register, from all ones, after 2n zero bytes. The register is linear in its start and in the
-// message, so this, and the text from zero, make up the whole.
+// The CRC of 2n zero bytes: the register, from all ones, complemented. The register is linear in
+// its start and in the message, so this, and the text from zero, make up the whole.
 constexpr std::array<std::uint64_t, BLOCK + 1> make_after_zeros() {
     std::array<std::uint64_t, BLOCK + 1> after{};
-    after[0] = ~std::uint64_t{0};
     for (std::size_t n = 1; n <= BLOCK; ++n) {
-        std::uint64_t reg = after[n - 1];
+        std::uint64_t reg = ~after[n - 1];
         for (int bit = 0; bit < 16; ++bit) {
             reg = (reg >> 1) ^ ((reg & 1) != 0 ? CRC64_POLYNOMIAL : 0);
         }
-        after[n] = reg;
+        after[n] = ~reg;
     }
     return after;
 }
@@ -221,7 +222,7 @@ SCL_WITH_MULTIPLY std::uint64_t crc64_widened_long(const char* text, std::size_t
     std::array<std::byte, BLOCK> widened;
     _mm_storeu_si128(reinterpret_cast<__m128i*>(widened.data()), Widened_text::block(at));
     const Head head = make_head(~std::uint64_t{0}, widened.data(), 2 * head_size);
-    return step_blocks<Widened_text>(head, at + head_size, at + size);
+    return ~step_blocks<Widened_text>(head, at + head_size, at + size);
 }
 
 } // namespace scl::impl

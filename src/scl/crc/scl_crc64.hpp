@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <span>
 
+#pragma GCC visibility push(default) // installed
+
 namespace scl {
 
 // CRC-64/XZ of the CRC catalogue: polynomial 0x42F0E1EBA9EA3693, reflected in and out, register
@@ -40,3 +42,5 @@ private:
 };
 
 } // namespace scl
+
+#pragma GCC visibility pop

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <span>
 
+#pragma GCC visibility push(default) // installed
+
 namespace scl {
 
 // What a stream does to line ends. Both modes hand every byte through unchanged: `text` says that
@@ -47,3 +49,5 @@ public:
 };
 
 } // namespace scl
+
+#pragma GCC visibility pop

@@ -18,8 +18,9 @@ void Scl_buffered_istream::refill(std::size_t wanted, Scl_status& status) {
     // Beyond the end there is nothing to read, and the buffer would call it out of bounds.
     if (buffer() == nullptr || position >= size(status)) return;
     const std::span<const std::byte> contents = buffer()->contents();
+    // All of it, so that no later position leads out of the window: this is the only refill.
     if (!contents.empty()) {
-        set_window(contents, 0); // whole, so that no later position leads out of it
+        set_window(contents, 0);
         set_position(position);
         return;
     }

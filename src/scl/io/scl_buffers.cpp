@@ -12,6 +12,7 @@ std::uint64_t Scl_memory_buffer::size(bool in_units, Scl_status& /*status*/) con
 std::size_t Scl_memory_buffer::read_at(std::uint64_t offset, std::span<std::byte> bytes,
                                        Scl_status& status) const {
     const std::span<const std::byte> all = contents();
+    // The end itself is a place like any other, with nothing behind it.
     if (offset > all.size()) {
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
         return 0;
@@ -54,6 +55,7 @@ std::uint64_t Scl_sub_buffer::size(bool in_units, Scl_status& /*status*/) const 
 
 std::size_t Scl_sub_buffer::read_at(std::uint64_t offset, std::span<std::byte> bytes,
                                     Scl_status& status) const {
+    // By what is left of this part, so that no sum of untrusted numbers can wrap.
     if (offset > end_ - begin_) {
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
         return 0;

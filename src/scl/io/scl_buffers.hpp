@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#pragma GCC visibility push(default) // installed
+
 namespace scl {
 
 // What the kinds of buffer that lie in memory share: reading and size, from contents(). A read
@@ -68,3 +70,5 @@ private:
 };
 
 } // namespace scl
+
+#pragma GCC visibility pop

@@ -6,6 +6,8 @@
 #include <concepts>
 #include <cstddef>
 
+#pragma GCC visibility push(default) // installed
+
 namespace scl {
 
 static_assert(std::endian::native == std::endian::little,
@@ -43,3 +45,5 @@ void scl_store_le(std::byte* to, T value) {
 }
 
 } // namespace scl
+
+#pragma GCC visibility pop

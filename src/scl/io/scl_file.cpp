@@ -41,6 +41,8 @@ bool fits_offset(std::uint64_t offset, std::size_t count) {
     return offset <= LIMIT && count <= LIMIT - offset;
 }
 
+// The system has a number for a folder that is opened as a file; for pipes and devices it has none,
+// and EINVAL is as near as any.
 int refusal(const struct stat& facts) {
     if (S_ISREG(facts.st_mode)) return 0;
     return S_ISDIR(facts.st_mode) ? EISDIR : EINVAL;
@@ -146,7 +148,7 @@ int scl_identify_file(const std::string& name, bool follow, Scl_file_identity& i
 }
 
 void scl_prefer_large_pages(std::span<std::byte> memory) {
-#if defined(MADV_HUGEPAGE)
+#if defined(MADV_HUGEPAGE) // Linux alone has it
     (void)::madvise(memory.data(), memory.size(), MADV_HUGEPAGE);
 #else
     (void)memory;

@@ -38,7 +38,7 @@ Scl_file_buffer::~Scl_file_buffer() {
 void Scl_file_buffer::open(std::u16string_view path, Scl_file_open mode, Scl_file_access access,
                            unsigned flags, unsigned pattern, Scl_status& status) {
     close(status);
-    if (status.has_failed()) return;
+    if (status.has_failed()) return; // what was lost of another file must not be forgotten
     scl_wtos(path, name_, true);
     const bool creates = mode == Scl_file_open::create;
     writable_ = creates && access == Scl_file_access::read_write;
@@ -71,6 +71,7 @@ void Scl_file_buffer::close(Scl_status& status) {
     if (!file_.is_open()) return;
     if (scratch_) remove_scratch(); // while it is open, so that its identity is nobody else's
     const int error = file_.close();
+    // Network file systems report here what they could not write.
     if (error != 0) report(SCL_STATUS_CLOSE_FAILED, scl_system_reason(error), status);
     size_ = 0;
 }
@@ -94,6 +95,7 @@ std::size_t Scl_file_buffer::read_at(std::uint64_t offset, std::span<std::byte> 
         return 0;
     }
     std::size_t done = 0;
+    // Never beyond the known size, so that whatever is missing is missing from the file.
     const std::size_t wanted = std::min<std::uint64_t>(bytes.size(), size_ - offset);
     const int error = file_.read_at(offset, bytes.first(wanted), done);
     if (error != 0) {
@@ -107,6 +109,7 @@ std::size_t Scl_file_buffer::read_at(std::uint64_t offset, std::span<std::byte> 
 
 void Scl_file_buffer::write_at(std::uint64_t offset, std::span<const std::byte> bytes,
                                Scl_status& status) {
+    // A gap would be filled with zeros by the system, and they would pass for data.
     if (!is_open() || !writable_ || offset > size_) {
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
         return;

@@ -5,12 +5,15 @@
 
 namespace scl {
 
+// The size is asked for once: it bounds every read and seek, and a file's does not change while it
+// is read.
 void Scl_istream::attach(const Scl_buffer& buffer, Scl_status& status) {
     buffer_ = &buffer;
     size_ = buffer.size(false, status);
     set_window({}, 0);
 }
 
+// With a size of 0 every read ends before it comes to a buffer that may be gone.
 void Scl_istream::detach() {
     buffer_ = nullptr;
     size_ = 0;
@@ -21,6 +24,7 @@ std::size_t Scl_istream::read(std::size_t count, void* destination, Scl_status& 
     if (count == 0) return 0;
     const std::span<std::byte> bytes(static_cast<std::byte*>(destination), count);
     const std::size_t from_window = std::min(count, at_hand());
+    // An empty window has no address, which memcpy may not be given even for nothing.
     if (from_window != 0) std::memcpy(bytes.data(), take(from_window), from_window);
     std::size_t done = from_window;
     // A stream's data ends wherever its position is; the buffer would speak of bounds instead.
@@ -30,6 +34,8 @@ std::size_t Scl_istream::read(std::size_t count, void* destination, Scl_status& 
     return done;
 }
 
+// Lookups and scans step back and forth over a few bytes: what is at hand stays at hand, and
+// anything else is read when it is asked for, not before.
 void Scl_istream::set_position(std::uint64_t position) {
     const auto length = static_cast<std::uint64_t>(window_end_ - window_begin_);
     const std::uint64_t begin = window_end_offset_ - length;
@@ -73,6 +79,7 @@ std::size_t Scl_unbuffered_istream::read_at(std::uint64_t offset, std::size_t co
     return buffer()->read_at(offset, {static_cast<std::byte*>(destination), count}, status);
 }
 
+// There never is a window here, so setting the position does no more than that.
 std::size_t Scl_unbuffered_istream::read_beyond_window(std::span<std::byte> bytes,
                                                        Scl_status& status) {
     const std::size_t count = buffer()->read_at(tell(), bytes, status);

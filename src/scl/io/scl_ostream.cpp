@@ -4,6 +4,8 @@
 
 namespace scl {
 
+// The storage is kept from one attachment to the next, and not cleared: all of it is written before
+// it is read.
 void Scl_ostream::init(Scl_buffer& buffer, Scl_status& /*status*/, Scl_eol /*eol*/) {
     if (storage_ == nullptr) storage_ = std::make_unique_for_overwrite<std::byte[]>(STORAGE_BYTES);
     buffer_ = &buffer;
@@ -23,7 +25,7 @@ void Scl_ostream::flush(Scl_status& status) {
     if (used_ != 0 && !status.has_failed()) {
         buffer_->write_at(begin_offset_, {storage_.get(), used_}, status);
     }
-    begin_offset_ += used_;
+    begin_offset_ += used_; // after a failure, too: tell() counts what was handed over
     used_ = 0;
 }
 
@@ -46,6 +48,8 @@ void Scl_ostream::write_past_storage(std::size_t count, const void* source, Scl_
     begin_offset_ += count;
 }
 
+// What is larger than the storage goes to the buffer in one piece: cut up, it would take more calls
+// and a copy. What is stored goes there first, as it comes before it.
 void Scl_ostream::write(std::size_t count, const void* source, Scl_status& status) {
     if (count > capacity_ - used_ && !flush_attached(status)) return;
     if (count > capacity_) {
@@ -56,6 +60,7 @@ void Scl_ostream::write(std::size_t count, const void* source, Scl_status& statu
     }
 }
 
+// What is stored belongs to where the position was.
 void Scl_ostream::set_position(std::uint64_t position, Scl_status& status) {
     flush(status);
     begin_offset_ = position;

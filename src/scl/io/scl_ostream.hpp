@@ -8,6 +8,8 @@
 #include <span>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 namespace scl {
 
 // A buffered writer with a position over a buffer, which must outlive the attachment. What the
@@ -81,3 +83,5 @@ private:
 };
 
 } // namespace scl
+
+#pragma GCC visibility pop

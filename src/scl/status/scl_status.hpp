@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#pragma GCC visibility push(default) // installed
+
 namespace scl {
 
 // What a message text shows in its argument's place: a file name, a field name, an exception's
@@ -90,3 +92,5 @@ private:
 };
 
 } // namespace scl
+
+#pragma GCC visibility pop

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#pragma GCC visibility push(default) // installed
+
 namespace scl {
 
 // A status code's two top bits are its severity: both set is an error, the top bit alone a warning.
@@ -37,3 +39,5 @@ inline constexpr Scl_status_code SCL_STATUS_UNKNOWN_EXCEPTION = 0xC200006A;
 inline constexpr Scl_status_code SCL_STATUS_EXCEPTION = 0xC200006B;
 
 } // namespace scl
+
+#pragma GCC visibility pop

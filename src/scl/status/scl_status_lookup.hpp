@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 namespace scl {
 
 // The message files' names; they are source files of the project and compiled into the program.
@@ -27,3 +29,5 @@ public:
 };
 
 } // namespace scl
+
+#pragma GCC visibility pop

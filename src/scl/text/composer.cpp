@@ -10,9 +10,6 @@ namespace scl::impl {
 
 namespace {
 
-// Segments hardly ever have more characters, so that most texts need one allocation only.
-constexpr std::size_t USUAL_CHARACTERS = 16;
-
 // The numbers of section 3.12. Hangul syllables are computed: a table would have 11,172 rows.
 constexpr char32_t HANGUL_BASE = 0xAC00;
 constexpr char32_t LEAD_BASE = 0x1100;
@@ -56,77 +53,119 @@ const Decomposition& decomposition(char32_t code_point) {
         [](const Decomposition& a, char32_t composed) { return a.composed < composed; });
 }
 
-} // namespace
-
-void Composer::compose(std::u16string_view segment, std::u16string& out) {
-    characters_.clear();
-    characters_.reserve(USUAL_CHARACTERS);
-    for (std::size_t at = 0; at < segment.size();) {
-        decompose(scl_utf16_next(segment, at));
-    }
-    order_marks();
-    recompose();
-    for (const Character& each : characters_) {
-        char16_t units[2] = {};
-        out.append(units, scl_utf16_put(units, each.code_point));
-    }
-}
-
-void Composer::add(char32_t code_point) {
-    characters_.push_back({code_point, properties_of(code_point).combining_class});
-}
-
-void Composer::decompose(char32_t code_point) {
+// Hands the parts of a code point's canonical decomposition to `use`, in order.
+template <typename Use>
+void decompose(char32_t code_point, Use& use) {
     if (is_hangul_syllable(code_point)) {
         const char32_t index = code_point - HANGUL_BASE;
-        add(LEAD_BASE + index / (VOWELS * TAILS));
-        add(VOWEL_BASE + index / TAILS % VOWELS);
-        if (index % TAILS != 0) add(TAIL_BASE + index % TAILS);
+        use(LEAD_BASE + index / (VOWELS * TAILS));
+        use(VOWEL_BASE + index / TAILS % VOWELS);
+        if (index % TAILS != 0) use(TAIL_BASE + index % TAILS);
     } else if (properties_of(code_point).decomposes) {
+        // The tables hold one step each; the full decomposition comes by taking them in turn.
         const Decomposition& parts = decomposition(code_point);
         // The second part never decomposes further; the generator makes sure of it.
-        decompose(parts.first);
-        if (parts.second != 0) add(parts.second);
+        decompose(parts.first, use);
+        if (parts.second != 0) use(parts.second);
     } else {
-        add(code_point);
+        use(code_point);
     }
 }
 
-// The canonical ordering: each run of marks is sorted by combining class, equal ones in the order
-// they have. A run is seldom out of order, and a stable sort takes memory.
-void Composer::order_marks() {
-    const auto is_starter = [](const Character& c) { return c.combining_class == 0; };
-    const auto is_lower = [](const Character& a, const Character& b) {
-        return a.combining_class < b.combining_class;
-    };
-    for (auto run = characters_.begin(); run != characters_.end();) {
-        run = std::find_if_not(run, characters_.end(), is_starter);
-        const auto end = std::find_if(run, characters_.end(), is_starter);
-        if (!std::is_sorted(run, end, is_lower)) std::stable_sort(run, end, is_lower);
-        run = end;
+template <typename Use>
+void decompose_all(std::u16string_view text, Use use) {
+    for (std::size_t at = 0; at < text.size();) {
+        decompose(scl_utf16_next(text, at), use);
     }
 }
 
-// The canonical composition, in place: a character goes into the last starter when the two form a
-// composite and no character kept between them is a starter or of an equal or higher class.
-void Composer::recompose() {
-    std::size_t kept = 0;
-    std::size_t after_starter = 0; // the place after the last starter; 0 while there is none
-    for (const Character each : characters_) {
-        const bool reaches_starter =
-            after_starter != 0 &&
-            (kept == after_starter || characters_[kept - 1].combining_class < each.combining_class);
-        if (reaches_starter) {
-            char32_t& starter = characters_[after_starter - 1].code_point;
-            if (const char32_t composed = compose_pair(starter, each.code_point)) {
-                starter = composed;
-                continue;
-            }
+// Whether a character decomposes into marks only.
+bool is_mark(char32_t code_point) {
+    const Properties& properties = properties_of(code_point);
+    if (!properties.decomposes) return properties.combining_class != 0;
+    return is_mark(decomposition(code_point).first);
+}
+
+// The end of the character at `at` and of the marks behind it, which its own may have to be sorted
+// with. A decomposition has its starters in front.
+std::size_t group_end(std::u16string_view text, std::size_t at) {
+    std::size_t after = at;
+    (void)scl_utf16_next(text, after);
+    do {
+        at = after;
+    } while (at < text.size() && is_mark(scl_utf16_next(text, after)));
+    return at;
+}
+
+} // namespace
+
+void Composer::compose(std::u16string_view segment) {
+    has_starter_ = false;
+    for (std::size_t at = 0; at < segment.size();) {
+        const std::size_t end = group_end(segment, at);
+        compose_group(segment.substr(at, end - at));
+        at = end;
+    }
+}
+
+std::size_t Composer::most_units(std::u16string_view text) {
+    std::size_t units = 0;
+    decompose_all(text, [&](char32_t part) { units += part > 0xFFFF ? 2 : 1; });
+    return units;
+}
+
+// The canonical ordering: marks by their combining class, equal ones in the order they have. One
+// pass for each class that there is takes no memory, however many marks a hostile text has.
+void Composer::compose_group(std::u16string_view group) {
+    std::uint8_t next = put_class(group, 0);
+    while (next != 0) {
+        next = put_class(group, next);
+    }
+}
+
+// Puts the characters of one class; returns the lowest one above it that there is, or 0.
+std::uint8_t Composer::put_class(std::u16string_view group, std::uint8_t wanted) {
+    constexpr unsigned NONE = 256;
+    unsigned next = NONE;
+    decompose_all(group, [&](char32_t part) {
+        const std::uint8_t combining_class = properties_of(part).combining_class;
+        if (combining_class == wanted) {
+            put(part, combining_class);
+        } else if (combining_class > wanted) {
+            next = std::min<unsigned>(next, combining_class);
         }
-        characters_[kept++] = each;
-        if (each.combining_class == 0) after_starter = kept;
+    });
+    return static_cast<std::uint8_t>(next); // none is 0 again
+}
+
+// The canonical composition: a character goes into the last starter when the two form a composite
+// and no character kept between them is a starter or of an equal or higher class.
+void Composer::put(char32_t code_point, std::uint8_t combining_class) {
+    if (has_starter_ && (last_class_ == 0 || last_class_ < combining_class)) {
+        if (const char32_t composed = compose_pair(starter_, code_point)) {
+            return replace_starter(composed);
+        }
     }
-    characters_.resize(kept);
+    if (combining_class == 0) {
+        has_starter_ = true;
+        starter_ = code_point;
+        starter_at_ = out_.size();
+    }
+    last_class_ = combining_class;
+    append(code_point);
+}
+
+void Composer::replace_starter(char32_t composed) {
+    char16_t units[2] = {};
+    const auto before = static_cast<std::size_t>(scl_utf16_put(units, starter_) - units);
+    const auto after = static_cast<std::size_t>(scl_utf16_put(units, composed) - units);
+    out_.replace(starter_at_, before, units, after);
+    starter_ = composed;
+}
+
+void Composer::append(char32_t code_point) {
+    char16_t units[2] = {};
+    out_.append(units, scl_utf16_put(units, code_point));
 }
 
 } // namespace scl::impl

@@ -1,34 +1,39 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace scl::impl {
 
-// Brings a segment of text to Normalization Form C: decomposes it, orders its combining marks,
-// composes it again (Unicode Standard, section 3.11; Hangul by section 3.12). A segment must not
-// interact with what is before and after it. The working memory is kept from one segment to the
-// next.
+// Brings segments of text to Normalization Form C: decomposes them, orders their combining marks,
+// composes them again (Unicode Standard, section 3.11; Hangul by section 3.12). Takes no memory but
+// the string's.
 class Composer {
 public:
-    // Appends the segment in Normalization Form C.
-    void compose(std::u16string_view segment, std::u16string& out);
+    // Appends to `out`, which must outlive the composer.
+    explicit Composer(std::u16string& out) : out_(out) {}
+
+    // Appends the segment, which must not interact with what is before and after it, and not be
+    // the string's own.
+    void compose(std::u16string_view segment);
+
+    // The units of the decomposed text, which the composed one does not exceed.
+    [[nodiscard]] static std::size_t most_units(std::u16string_view text);
 
 private:
-    // The class is looked up once: ordering and composing both go by it.
-    struct Character {
-        char32_t code_point;
-        std::uint8_t combining_class;
-    };
+    void compose_group(std::u16string_view group);
+    [[nodiscard]] std::uint8_t put_class(std::u16string_view group, std::uint8_t wanted);
+    void put(char32_t code_point, std::uint8_t combining_class);
+    void replace_starter(char32_t composed);
+    void append(char32_t code_point);
 
-    void decompose(char32_t code_point);
-    void add(char32_t code_point);
-    void order_marks();
-    void recompose();
-
-    std::vector<Character> characters_;
+    std::u16string& out_;
+    bool has_starter_ = false;    // in this segment
+    char32_t starter_ = 0;        // the last one
+    std::size_t starter_at_ = 0;  // in the string, in units
+    std::uint8_t last_class_ = 0; // of the last character put, the starter counted
 };
 
 } // namespace scl::impl

@@ -3,6 +3,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 namespace scl {
 
 // Lower-cases in place: the default, locale-free full mapping of the Unicode Standard (section
@@ -30,3 +32,5 @@ void scl_lower_normalized(std::u16string& text);
 [[nodiscard]] int scl_utf16_compare_nc(std::u16string_view a, std::u16string_view b);
 
 } // namespace scl
+
+#pragma GCC visibility pop

@@ -14,6 +14,10 @@ bool is_untouched(char16_t unit) {
     return (impl::UNIT_TRAITS[unit] & impl::UNIT_TOUCHED) == 0;
 }
 
+// From here on a text that becomes longer is not copied to larger memory, which would hold it
+// twice.
+constexpr std::size_t LONG_UNITS = std::size_t{1} << 20;
+
 // True when nothing before the character has to do with its normal form. Text is cut here: what is
 // before it and what is behind it can be brought to NFC by themselves.
 bool is_boundary(const impl::Properties& properties) {
@@ -63,14 +67,14 @@ std::size_t next_boundary(std::u16string_view text, std::size_t at) {
 // between two of them is composed by itself. Pieces are short, so that all this is linear.
 std::u16string composed(std::u16string_view text, Stretch stretch) {
     std::u16string result;
-    result.reserve(text.size());
-    impl::Composer composer;
+    result.reserve(text.size() < LONG_UNITS ? text.size() : impl::Composer::most_units(text));
+    impl::Composer composer(result);
     std::size_t at = 0;
     while (true) {
         result.append(text.substr(at, stretch.end - at));
         if (stretch.is_whole) return result;
         at = next_boundary(text, stretch.end);
-        composer.compose(text.substr(stretch.end, at - stretch.end), result);
+        composer.compose(text.substr(stretch.end, at - stretch.end));
         stretch = normal_stretch(text, at);
     }
 }

@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 namespace scl {
 
 class Scl_status;
@@ -55,3 +57,5 @@ void scl_normalize(std::u16string_view in, std::u16string& out);
 } // namespace impl
 
 } // namespace scl
+
+#pragma GCC visibility pop

@@ -3,14 +3,47 @@
 #include "scl/text/scl_unicode.hpp"
 #include "scl/text/scl_utf.hpp"
 
+#include <array>
+
 namespace scl {
+
+namespace {
+
+constexpr std::size_t PIECE_BYTES = 8192;
+
+// How many bytes of a text to convert next: a piece that cuts no character. Where more than three
+// bytes continue one, they are none, and each of them stands for itself.
+std::size_t piece_size(std::string_view text) {
+    if (text.size() <= PIECE_BYTES) return text.size();
+    for (std::size_t size = PIECE_BYTES; size > PIECE_BYTES - 4; --size) {
+        if ((static_cast<unsigned char>(text[size]) & 0xC0U) != 0x80) return size;
+    }
+    return PIECE_BYTES;
+}
+
+// Through a small buffer, since a string fills the memory that it grows by, and there are fewer
+// units than bytes: a long text would take memory that it does not need.
+void stow_long(std::string_view narrow, std::u16string& wide) {
+    std::array<char16_t, PIECE_BYTES> units;
+    std::u16string().swap(wide); // what an even longer text has used of it is given back
+    wide.reserve(narrow.size());
+    while (!narrow.empty()) {
+        const std::size_t size = piece_size(narrow);
+        wide.append(units.data(), scl_convert(narrow.substr(0, size), units.data()));
+        narrow.remove_prefix(size);
+    }
+}
+
+} // namespace
 
 // Memory that becomes longer is filled first; keeping what the string has saves most of that.
 void scl_stow(std::string_view narrow, std::u16string& wide) {
+    if (narrow.size() > PIECE_BYTES) return stow_long(narrow, wide);
     if (wide.size() < narrow.size()) wide.resize(narrow.size());
     wide.resize(scl_convert(narrow, wide.data()));
 }
 
+// Appending is the one conversion there is: file names and messages are put together from pieces.
 void scl_wtos(std::u16string_view wide, std::string& narrow, bool replace) {
     if (replace) narrow.clear();
     scl_string_append(narrow, wide);
@@ -38,12 +71,15 @@ void scl_trim(std::u16string& text) {
     text.erase(0, before);
 }
 
+// No code point tells the end apart, as U+0000 is one: the index does.
 char32_t scl_utf16_to_utf32_char(std::u16string_view text, std::size_t& index) {
     if (index < text.size()) return impl::scl_utf16_next(text, index);
     index = SCL_NPOS;
     return 0;
 }
 
+// A separator at the end leaves an empty last piece, dropped like any other: a schema may end in
+// one.
 void Scl_tokeniser::tokenise(std::u16string_view text, std::vector<std::u16string>& pieces) const {
     pieces.clear();
     for (;;) {

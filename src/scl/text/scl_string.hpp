@@ -5,6 +5,8 @@
 #include <string_view>
 #include <vector>
 
+#pragma GCC visibility push(default) // installed
+
 namespace scl {
 
 // Wide text is UTF-16 in 16-bit units, narrow text UTF-8 in bytes. The conversions lose nothing: a
@@ -65,3 +67,5 @@ private:
 };
 
 } // namespace scl
+
+#pragma GCC visibility pop

@@ -17,6 +17,8 @@
 #define SCL_WITH_SSE2 0
 #endif
 
+#pragma GCC visibility push(default) // installed
+
 namespace scl {
 
 // A block of text, in bytes, that is looked at in one step.
@@ -97,3 +99,5 @@ inline void scl_lower_ascii(const Scl_text_span<char>& text, char* to) {
 }
 
 } // namespace scl
+
+#pragma GCC visibility pop

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 namespace scl {
 
 // The version of the Unicode Standard that every table and rule here follows. The tables are made
@@ -93,3 +95,5 @@ extern const std::array<std::uint8_t, SCL_UNICODE_BIT_TABLE_LEN> SCL_UNICODE_BIT
 }
 
 } // namespace scl
+
+#pragma GCC visibility pop

@@ -7,6 +7,7 @@ namespace {
 // The code point of a sequence of `length` bytes at `at`, its lead byte's marks taken off; 0 when
 // the bytes after the lead are too few or no continuation bytes.
 char32_t decode(std::string_view text, std::size_t at, std::size_t length, char32_t lead) {
+    // 0 is no value that any of the leads can come to in a well-formed way, so it needs no flag.
     if (text.size() - at < length) return 0;
     char32_t code_point = lead;
     for (std::size_t i = 1; i < length; ++i) {
@@ -34,6 +35,7 @@ char32_t scl_utf8_next_long(std::string_view text, std::size_t& at) {
     char32_t code_point = 0;
     std::size_t length = 0;
     bool well_formed = false;
+    // C0 and C1 would write ASCII in two bytes, F5 and above go beyond U+10FFFF.
     if (lead >= 0xC2 && lead < 0xE0) {
         length = 2;
         code_point = decode(text, at, length, lead & 0x1FU);
@@ -54,6 +56,7 @@ char32_t scl_utf8_next_long(std::string_view text, std::size_t& at) {
 
 char* scl_utf8_put(char* to, char32_t code_point) {
     if (scl_is_surrogate(code_point)) {
+        // Those that stray bytes became; any other has no form that a reader would take.
         if (code_point >= 0xDC80 && code_point <= 0xDCFF) {
             *to++ = static_cast<char>(code_point - 0xDC00);
             return to;

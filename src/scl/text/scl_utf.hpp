@@ -5,6 +5,8 @@
 #include <cstring>
 #include <string_view>
 
+#pragma GCC visibility push(default) // installed
+
 // One code point at a time, out of and into UTF-8 and UTF-16. The mapping loses nothing: a byte
 // that is not part of well-formed UTF-8 is the code point U+DC00 + byte (U+DC80 to U+DCFF), and
 // back; a lone surrogate in UTF-16 is the code point of its own value.
@@ -95,3 +97,5 @@ inline constexpr char32_t SCL_FIRST_SURROGATE = 0xD800;
 }
 
 } // namespace scl::impl
+
+#pragma GCC visibility pop

@@ -28,6 +28,7 @@ Tla_build_result build_data_set(const Tla_build_plan& plan, scl::Scl_buffered_is
     Record_collector collector(plan.fields, plan.key_names.front(), in.size(status));
     Tla_build_result result = read_input(plan, in, scratch, collector, status);
     if (result.reading != Tla_read_result::finished || !status.ok()) return result;
+    // Counted apart: when fewer can be read again than were made, the caller says so.
     result.line_count = collector.record_count();
     result.record_count =
         write_data_set_file(plan.key_names, plan.fields, scratch, &collector, output, status);

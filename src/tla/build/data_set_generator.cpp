@@ -10,7 +10,6 @@
 #include "tla/format/field_list.hpp"
 
 #include <algorithm>
-#include <limits>
 
 namespace tla {
 
@@ -19,11 +18,8 @@ namespace {
 using Key_names = std::span<const std::u16string>;
 using Schema = std::span<const Field_descriptor>;
 
-bool fits_header(std::uint64_t key_count, std::uint64_t record_count) {
-    return key_count <= std::numeric_limits<decltype(Tla_header_counts::keys)>::max() &&
-           record_count <= std::numeric_limits<decltype(Tla_header_counts::records)>::max();
-}
-
+// As they are: records were put into their final form when they were made, and they go into the
+// file in the order of the input, so that equal inputs give equal files.
 void copy_records(const scl::Scl_buffer& records, scl::Scl_ostream& out, scl::Scl_status& status) {
     scl::Scl_buffered_istream in(records, false, status, scl::Scl_eol::none);
     const std::uint64_t size = in.size(status);
@@ -35,30 +31,29 @@ void copy_records(const scl::Scl_buffer& records, scl::Scl_ostream& out, scl::Sc
 }
 
 // The pairs are read in a status of their own: only its last word is passed on.
-void write_read_pairs(std::size_t key_field, const Recorded& recorded, scl::Scl_ostream& out,
-                      scl::Scl_status& status) {
+void fill(Key_pairs& pairs, std::size_t key_field, const Recorded& recorded,
+          scl::Scl_status& status) {
     scl::Scl_status local;
-    Key_pairs pairs = read_key_pairs(key_field, recorded, local);
+    read_key_pairs(key_field, recorded, pairs, local);
     status.push_top(local);
-    if (!status.has_failed()) write_key_pairs(pairs, recorded, out, status);
 }
 
-// `known` holds the key's pairs, or is null. The name is written even when no field has it: that is
-// where the file then ends.
-void write_key_table(std::u16string_view key_name, Schema schema, Key_pairs* known,
+// The name is written even when no field has it: that is where the file then ends.
+void write_key_table(std::u16string_view key_name, Schema schema, Key_pairs& pairs, bool are_known,
                      const Recorded& recorded, scl::Scl_ostream& out, scl::Scl_status& status) {
     write_key_name(key_name, out, status);
     if (status.has_failed()) return;
     const auto field = std::ranges::find(schema, key_name, &Field_descriptor::name);
     if (field == schema.end()) {
-        status.assign(TLA_STATUS_KEY_NAME, scl::Scl_wstring_status_arg(key_name));
-    } else if (known != nullptr) {
-        write_key_pairs(*known, recorded, out, status);
-    } else {
-        write_read_pairs(static_cast<std::size_t>(field - schema.begin()), recorded, out, status);
+        return status.assign(TLA_STATUS_KEY_NAME, scl::Scl_wstring_status_arg(key_name));
     }
+    const auto key_field = static_cast<std::size_t>(field - schema.begin());
+    if (!are_known) fill(pairs, key_field, recorded, status);
+    if (!status.has_failed()) write_key_pairs(pairs, recorded, out, status);
 }
 
+// What was counted while records were made is right where each could be told from its bytes; else
+// the file is read as a reader would, and only what that finds counts.
 std::uint64_t count_all(std::size_t field_count, const scl::Scl_buffer& records,
                         const Record_collector* collected, scl::Scl_status& status) {
     if (collected != nullptr && collected->knows_all()) return collected->record_count();
@@ -69,12 +64,13 @@ std::uint64_t count_all(std::size_t field_count, const scl::Scl_buffer& records,
 void write_all(Key_names key_names, Schema schema, const Recorded& recorded,
                Record_collector* collected, scl::Scl_ostream& out, scl::Scl_status& status) {
     copy_records(recorded.records, out, status);
-    Key_pairs* known =
-        collected != nullptr && collected->knows_all() ? &collected->pairs() : nullptr;
+    bool are_known = collected != nullptr && collected->knows_all(); // the pairs of the first key
+    Key_pairs read(recorded.count, recorded.header_end + recorded.records.size(false, status));
+    Key_pairs& pairs = are_known ? collected->pairs() : read;
     for (const std::u16string& name : key_names) {
         if (status.has_failed()) return;
-        write_key_table(name, schema, known, recorded, out, status);
-        known = nullptr; // they are those of the first key
+        write_key_table(name, schema, pairs, are_known, recorded, out, status);
+        are_known = false;
     }
 }
 
@@ -98,7 +94,8 @@ std::uint64_t write_data_set_file(Key_names key_names, Schema schema,
     }
     const std::uint64_t count = count_all(schema.size(), records, collected, status);
     if (status.has_failed()) return 0;
-    if (!fits_header(key_names.size(), count)) {
+    // Before anything is written: the header could only hold a wrapped number.
+    if (!Tla_header_counts::can_hold(key_names.size(), count)) {
         status = TLA_STATUS_TOO_MANY_PAIRS;
         return 0;
     }
@@ -114,15 +111,22 @@ std::uint64_t write_data_set_file(Key_names key_names, Schema schema,
     return count;
 }
 
+void tla_warn_of_lost_records(std::uint64_t readable, std::uint64_t taken,
+                              scl::Scl_status& status) {
+    if (readable == taken) return;
+    const std::string numbers = std::to_string(readable) + " of " + std::to_string(taken);
+    status.push(TLA_STATUS_RECORDS_LOST, scl::Scl_wstring_status_arg(std::string_view(numbers)));
+}
+
 std::uint64_t count_records(std::size_t field_count, scl::Scl_buffered_istream& records,
                             scl::Scl_status& status) {
-    if (field_count == 0) return 0;
+    if (field_count == 0) return 0; // records of no fields could not be told from one another
     Record_scanner scanner(records, field_count);
     std::uint64_t count = 0;
     while (!status.has_failed()) {
-        const bool is_there = !scanner.next(status).empty();
-        if (is_there && !(status == TLA_STATUS_RECORD_END)) ++count;
+        if (!scanner.next(status).empty()) ++count;
     }
+    // How counting ends when all is well.
     if (status.contains_value(scl::SCL_STATUS_END_OF_DATA)) status.clear();
     return count;
 }

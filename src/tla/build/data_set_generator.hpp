@@ -28,9 +28,13 @@ std::uint64_t write_data_set_file(std::span<const std::u16string> key_names,
                                   const scl::Scl_buffer& records, Record_collector* collected,
                                   scl::Scl_buffer& output, scl::Scl_status& status);
 
+// Pushes the warning TLA_STATUS_RECORDS_LOST, with both numbers as its argument, unless they are
+// equal. `readable` is the record count of a file that was made, `taken` how many records went in.
+void tla_warn_of_lost_records(std::uint64_t readable, std::uint64_t taken, scl::Scl_status& status);
+
 // The number of complete records from the stream's position to its end. One that lacks only its
 // closing byte counts; one cut short before that does not. The end of the data is cleared from the
-// status; TLA_STATUS_RECORD_END and SCL_STATUS_READ_FAILED stay.
+// status; TLA_STATUS_RECORD_END and SCL_STATUS_READ_FAILED stay, and the number is of no use then.
 [[nodiscard]] std::uint64_t
 count_records(std::size_t field_count, scl::Scl_buffered_istream& records, scl::Scl_status& status);
 

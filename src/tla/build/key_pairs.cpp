@@ -6,6 +6,8 @@
 
 namespace tla {
 
+// The values are hashed as they stand in the record, big-endian and without their count: a lookup
+// comes to the same hash from the values alone, on any machine.
 void Key_pairs::add(std::span<const std::byte> record, std::uint64_t offset) {
     const std::span<const std::byte> values = tla_field_values(record, key_field_);
     const std::uint64_t hash =

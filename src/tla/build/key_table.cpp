@@ -23,8 +23,9 @@ public:
 
     void take(std::span<const Index_pair> pairs) override {
         for (const Index_pair& pair : pairs) {
+            const bool is_repeated = may_repeat_last(pair) && repeats_last(pair);
             if (status_.has_failed()) return;
-            if (repeats_last(pair)) {
+            if (is_repeated) {
                 status_.push(TLA_STATUS_DUPLICATE_LEFT_OUT);
             } else {
                 write(pair);
@@ -33,21 +34,27 @@ public:
     }
 
 private:
+    // The hash is compared first: most pairs differ in it, and everything else costs more.
+    [[nodiscard]] bool may_repeat_last(const Index_pair& pair) const {
+        return pair.key_hash == last_.key_hash && any_ &&
+               tagger_.same_tag(pair.record_offset, last_.record_offset);
+    }
     [[nodiscard]] bool repeats_last(const Index_pair& pair) {
-        if (!any_ || pair.key_hash != last_.key_hash) return false;
-        if (!tagger_.same_tag(pair.record_offset, last_.record_offset)) return false;
         return comparer_.equal(tagger_.offset(last_.record_offset) - header_end_,
                                tagger_.offset(pair.record_offset) - header_end_, status_);
     }
 
     void write(const Index_pair& pair) {
-        out_.write_le(pair.key_hash, status_);
-        out_.write_le(tagger_.offset(pair.record_offset), status_);
+        const std::span<std::byte> room = out_.room(TLA_INDEX_PAIR_BYTES, status_);
+        if (status_.has_failed()) return;
+        scl::scl_store_le(room.data(), pair.key_hash);
+        scl::scl_store_le(&room[sizeof pair.key_hash], tagger_.offset(pair.record_offset));
+        out_.advance(TLA_INDEX_PAIR_BYTES);
         last_ = pair;
         any_ = true;
     }
 
-    Record_comparer comparer_;
+    Record_comparer comparer_; // one for all: it has what lies near the last records at hand
     const Offset_tagger& tagger_;
     std::uint64_t header_end_;
     scl::Scl_ostream& out_;
@@ -58,9 +65,10 @@ private:
 
 } // namespace
 
-Key_pairs read_key_pairs(std::size_t key_field, const Recorded& recorded, scl::Scl_status& status) {
+void read_key_pairs(std::size_t key_field, const Recorded& recorded, Key_pairs& pairs,
+                    scl::Scl_status& status) {
     scl::Scl_buffered_istream in(recorded.records, false, status, scl::Scl_eol::none);
-    Key_pairs pairs(key_field, recorded.count, recorded.header_end + in.size(status));
+    pairs.begin_key(key_field);
     Record_scanner scanner(in, recorded.field_count);
     for (std::uint64_t i = 0; i < recorded.count; ++i) {
         const std::uint64_t offset = recorded.header_end + in.tell();
@@ -68,9 +76,10 @@ Key_pairs read_key_pairs(std::size_t key_field, const Recorded& recorded, scl::S
         if (status.has_failed()) break;
         pairs.add(record, offset);
     }
-    return pairs;
 }
 
+// The name tells a reader which field the table is of, so that tables need no order of their own.
+// Pairs are aligned, and so can be taken eight bytes at a time where they lie.
 void write_key_name(std::u16string_view key_name, scl::Scl_ostream& out, scl::Scl_status& status) {
     std::string name;
     scl::scl_string_append(name, key_name);

@@ -30,14 +30,14 @@ Record_collector::Record_collector(std::span<const Field_descriptor> fields,
       largest_offset_(next_offset_ + MOST_GROWTH * input_size) {
     const auto key = std::ranges::find(fields, first_key, &Field_descriptor::name);
     if (key == fields.end() || has_unknown_type(fields)) return;
-    pairs_.emplace(static_cast<std::size_t>(key - fields.begin()), input_size / TEXT_BYTES_A_RECORD,
-                   largest_offset_);
+    pairs_.emplace(input_size / TEXT_BYTES_A_RECORD, largest_offset_);
+    pairs_->begin_key(static_cast<std::size_t>(key - fields.begin()));
 }
 
 void Record_collector::record_made(std::span<const std::byte> record) {
     ++count_;
     const bool fits = !record.empty() && next_offset_ <= largest_offset_;
-    if (!fits) pairs_.reset();
+    if (!fits) pairs_.reset(); // for good: every later offset depends on this record's size
     if (!pairs_) return;
     pairs_->add(record.first(record.size() - TLA_RECORD_END_BYTES), next_offset_);
     next_offset_ += record.size();

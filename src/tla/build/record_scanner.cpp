@@ -9,10 +9,11 @@ namespace tla {
 
 namespace {
 
-constexpr std::uint64_t FIRST_LOOK = 4096;
+constexpr std::uint64_t FIRST_LOOK = 4096; // doubled before it is used; longer than most records
 
 } // namespace
 
+// Nearly every record lies in the window as a whole and is used where it is.
 std::span<const std::byte> Record_scanner::next(scl::Scl_status& status) {
     const std::span<const std::byte> window = in_.window(status);
     const Tla_record_extent extent = tla_measure_record(window, field_count_);
@@ -21,6 +22,8 @@ std::span<const std::byte> Record_scanner::next(scl::Scl_status& status) {
     return without_end(window.first(extent.size), status);
 }
 
+// A closing byte that is not 0 is how a count that lies is found out: nothing else marks a record's
+// end. The record is given all the same, and the status says what to think of it.
 std::span<const std::byte> Record_scanner::without_end(std::span<const std::byte> record,
                                                        scl::Scl_status& status) {
     if (record.back() != std::byte{TLA_RECORD_END}) status.push(TLA_STATUS_RECORD_END);

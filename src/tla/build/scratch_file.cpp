@@ -7,6 +7,7 @@ namespace tla {
 
 namespace {
 
+// With its slash: nothing would be left of the root folder's name without it.
 std::string folder_of(const std::string& name) {
     const std::size_t slash = name.rfind('/');
     return slash == std::string::npos ? "." : name.substr(0, slash + 1);

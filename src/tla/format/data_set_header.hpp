@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -48,6 +49,12 @@ struct Tla_header_counts {
     std::uint16_t keys;
     std::uint32_t records;
     std::uint64_t records_size; // bytes of the records section
+
+    // Beyond these a file would hold a wrapped number, and a reader would take it for a small file.
+    [[nodiscard]] static constexpr bool can_hold(std::uint64_t keys, std::uint64_t records) {
+        return keys <= std::numeric_limits<std::uint16_t>::max() &&
+               records <= std::numeric_limits<std::uint32_t>::max();
+    }
 };
 
 // Writes header, field list and padding to the front of a file, with 0 for the checksum, which can

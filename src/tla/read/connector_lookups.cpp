@@ -66,6 +66,19 @@ std::size_t Tla_data_set_connector_file::field_of(std::u16string_view name) cons
     return static_cast<std::size_t>(field - state_->header.fields.begin());
 }
 
+// By the type of the key's field; where a damaged file has none, by the plainest.
+std::vector<std::uint64_t>
+Tla_data_set_connector_file::token_values_of(std::u16string_view text, std::u16string_view key_name,
+                                             scl::Scl_status& status) {
+    const std::vector<Field_descriptor>& fields = state_->header.fields;
+    const std::size_t field = field_of(key_name);
+    std::vector<std::uint64_t> values;
+    state_->source->tokeniser.tokenise(
+        text, field < fields.size() ? fields[field].type : Tla_simple_formatter::TYPE_ID, values,
+        status);
+    return values;
+}
+
 // From the value to the key hash and to the key's index; Lookup goes on from there.
 void Tla_data_set_connector_file::find_entries(
     const Tla_lookup_value& value, std::u16string_view key_name,
@@ -76,17 +89,12 @@ void Tla_data_set_connector_file::find_entries(
     }
     const auto index = std::ranges::find(state_->key_indexes, key_name, &Key_index::name);
     if (index == state_->key_indexes.end() || status.has_failed()) return;
-    const std::size_t field = field_of(key_name);
-    std::vector<std::uint64_t> values;
-    state_->source->tokeniser.tokenise(value.text,
-                                       field < state_->header.fields.size()
-                                           ? state_->header.fields[field].type
-                                           : Tla_simple_formatter::TYPE_ID,
-                                       values, status);
+    const std::vector<std::uint64_t> values = token_values_of(value.text, key_name, status);
     if (status.has_failed()) return;
     const bool hash_is_given = version() == VERSION_WITH_GIVEN_HASHES;
-    const Wanted_key wanted{
-        .field = field, .hash = hash_is_given ? value.hash : key_hash(values), .values = values};
+    const Wanted_key wanted{.field = field_of(key_name),
+                            .hash = hash_is_given ? value.hash : key_hash(values),
+                            .values = values};
     Lookup(wanted, state_->source->pairs, state_->source->entries,
            Tla_record_allowance(file_size(), state_->data_file_name))
         .find(*index, state_->header.record_count, results, status);
@@ -114,6 +122,15 @@ void Tla_data_set_connector_file::find_records(std::span<const std::uint64_t> va
     Record_finder(wanted, state_->source->pairs, state_->source->entries,
                   Tla_record_allowance(file_size(), state_->data_file_name))
         .find(index, record_offsets, status);
+}
+
+void Tla_data_set_connector_file::find_records(std::u16string_view text, std::size_t key,
+                                               std::vector<std::int64_t>& record_offsets,
+                                               scl::Scl_status& status) {
+    if (!has_token_values(status) || key >= state_->key_indexes.size()) return;
+    const std::vector<std::uint64_t> values =
+        token_values_of(text, state_->key_indexes[key].name, status);
+    if (!status.has_failed()) find_records(values, key, record_offsets, status);
 }
 
 std::uint32_t Tla_data_set_connector_file::largest_token_count(std::size_t key,

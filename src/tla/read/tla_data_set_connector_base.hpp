@@ -10,6 +10,8 @@
 #include <string_view>
 #include <vector>
 
+#pragma GCC visibility push(default) // installed
+
 namespace tla {
 
 // A value to look up.
@@ -62,3 +64,5 @@ public:
 };
 
 } // namespace tla
+
+#pragma GCC visibility pop

@@ -4,6 +4,8 @@
 
 #include <span>
 
+#pragma GCC visibility push(default) // installed
+
 namespace tla {
 
 // Reads a data set file of version 1 or 2. What a file claims costs no more time or memory than its
@@ -25,9 +27,10 @@ namespace tla {
 //                   TLA_STATUS_NO_DATA_SET* when the records read are longer than the file
 // SCL_STATUS_READ_FAILED also tells that the file has become shorter since it was opened.
 //
-// Exceptions: find_entries throws std::runtime_error for a value, or a text of version 1, of more
-// than 15,000,000 tokens; each operation that has to take memory throws std::bad_alloc when there
-// is none, but for load, which reports TLA_STATUS_NO_DATA_SET* when the index takes it all.
+// Exceptions: find_entries and find_records throw std::runtime_error for a value, or a text of
+// version 1, of more than 15,000,000 tokens; each operation that has to take memory throws
+// std::bad_alloc when there is none, but for load, which reports TLA_STATUS_NO_DATA_SET* when the
+// index takes it all.
 //
 // Entries use the connector's fields and its file: it must outlive them, open.
 class Tla_data_set_connector_file final : public Tla_data_set_connector_base {
@@ -64,6 +67,10 @@ public:
     // nothing is found. For a file of version 2.
     void find_records(std::span<const std::uint64_t> values, std::size_t key,
                       std::vector<std::int64_t>& record_offsets, scl::Scl_status& status);
+    // The same for the token values of a text, which is brought into the form of the key's type,
+    // but not trimmed. Pushes TLA_STATUS_NO_TOKENS for one of which nothing is left.
+    void find_records(std::u16string_view text, std::size_t key,
+                      std::vector<std::int64_t>& record_offsets, scl::Scl_status& status);
 
     // The most token values that any record has in a key field; `key` as above. Counted when first
     // asked, for all keys, in one pass over the records. For a file of version 2; 0 after a
@@ -77,6 +84,7 @@ public:
     // Of the first record, in bytes from the start of the file.
     [[nodiscard]] std::uint64_t data_start() const;
     [[nodiscard]] std::uint16_t key_count() const;
+    // What the header claims: a key table may have fewer pairs.
     [[nodiscard]] std::uint32_t record_count() const;
     // Of the key tables, in file order.
     [[nodiscard]] std::vector<std::u16string> key_names() const;
@@ -88,6 +96,9 @@ private:
     [[nodiscard]] bool is_open() const;
     void read_body(scl::Scl_status& status);
     [[nodiscard]] bool has_token_values(scl::Scl_status& status) const;
+    [[nodiscard]] std::vector<std::uint64_t> token_values_of(std::u16string_view text,
+                                                             std::u16string_view key_name,
+                                                             scl::Scl_status& status);
     [[nodiscard]] std::size_t field_of(std::u16string_view name) const;
     void read_key_indexes(scl::Scl_status& status);
 
@@ -95,3 +106,5 @@ private:
 };
 
 } // namespace tla
+
+#pragma GCC visibility pop

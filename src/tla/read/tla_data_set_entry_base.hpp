@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#pragma GCC visibility push(default) // installed
+
 namespace tla {
 
 // One record of a data set file.
@@ -34,3 +36,5 @@ public:
 };
 
 } // namespace tla
+
+#pragma GCC visibility pop

@@ -8,8 +8,16 @@
 #include <span>
 
 namespace scl {
-class Scl_buffer;
 class Scl_buffered_istream;
+} // namespace scl
+namespace tla {
+class Entry_reader;
+} // namespace tla
+
+#pragma GCC visibility push(default) // installed
+
+namespace scl {
+class Scl_buffer;
 } // namespace scl
 
 namespace tla {
@@ -78,3 +86,5 @@ private:
 };
 
 } // namespace tla
+
+#pragma GCC visibility pop

@@ -45,7 +45,6 @@ void distribute(std::span<const Index_pair> from, std::span<Index_pair> to, unsi
     }
 }
 
-// Pairs that agree in all bits looked at so far are few, or equal in all bits: sorted already.
 void sort_run(std::span<Index_pair> run) {
     if (run.size() <= FEW) {
         insertion_sort(run);
@@ -54,14 +53,20 @@ void sort_run(std::span<Index_pair> run) {
     }
 }
 
+// Pairs are in order but for the bits below `shift`. So two that are not stand in one run of equal
+// upper bits; such runs are few and short, as hashes are spread evenly or else equal in all bits.
 void sort_runs(std::span<Index_pair> pairs, unsigned shift) {
-    std::size_t begin = 0;
-    for (std::size_t i = 1; i <= pairs.size(); ++i) {
-        if (i < pairs.size() && pairs[i].key_hash >> shift == pairs[begin].key_hash >> shift) {
-            continue;
-        }
-        if (i - begin > 1) sort_run(pairs.subspan(begin, i - begin));
-        begin = i;
+    for (std::size_t i = 1; i < pairs.size(); ++i) {
+        if (!hash_less(pairs[i], pairs[i - 1])) continue;
+        const auto in_run = [&, bits = pairs[i].key_hash >> shift](const Index_pair& pair) {
+            return pair.key_hash >> shift == bits;
+        };
+        const auto at = pairs.begin() + static_cast<std::ptrdiff_t>(i);
+        const auto end = std::find_if_not(at, pairs.end(), in_run);
+        const auto begin =
+            std::find_if_not(std::make_reverse_iterator(at), pairs.rend(), in_run).base();
+        sort_run({begin, end});
+        i = static_cast<std::size_t>(end - pairs.begin());
     }
 }
 

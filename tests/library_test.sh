@@ -1,0 +1,74 @@
+#!/bin/sh
+# library_test.sh BUILD SOURCE SHARED: installs the build to a prefix of its own, moves that, and
+# uses the library from there in C++, C and, by the shared library SHARED, in Python.
+set -eu
+build=$1
+source=$2
+shared=$3
+place=$(mktemp -d)
+trap 'rm -rf "$place"' EXIT
+cd "$place"
+cmake --install "$build" --prefix "$place/first" >/dev/null
+mv first moved
+headers=$place/moved/include/dsmake
+PKG_CONFIG_PATH=$(dirname "$(find "$place/moved" -name dsmake.pc)")
+export PKG_CONFIG_PATH
+
+echo 'Every installed header stands by itself, and says that it is one'
+strict='-Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wold-style-cast -Werror'
+find "$headers" -name '*.h*' >header_list
+grep -q . header_list
+xargs grep -L 'visibility push(default)' <header_list >unmarked
+cmp /dev/null unmarked
+for compiler in g++ clang++; do
+    command -v $compiler >/dev/null || continue
+    # shellcheck disable=SC2086  # words
+    xargs -P "$(nproc)" -I '{}' $compiler -std=c++20 $strict -fsyntax-only -I "$headers" -x c++ \
+        -include '{}' /dev/null <header_list
+done
+
+echo 'Nothing but what they declare is visible outside'
+nm -D --defined-only -C "$shared" | cut -d ' ' -f 3- |
+    sed -E 's/^(vtable|typeinfo|typeinfo name) for //' >symbols
+grep -q '^dsmake_find$' symbols
+while read -r symbol; do
+    name=$(echo "$symbol" | grep -oE '(^|[ *&])([a-z]+::)+[A-Za-z_0-9]+|^dsmake_[a-z]+' | head -n 1)
+    echo "${name##*[: ]}"
+done <symbols | sort -u >names
+while read -r name; do
+    test -n "$name" && grep -rqw "$name" "$headers" || { echo "visible: '$name'"; exit 1; }
+done <names
+readelf -d "$shared" | grep -q 'SONAME.*libdsmake\.so\.[0-9]*\]'
+
+awk 'BEGIN { for (i = 0; i < 1000; ++i) print "A b" i "\tc" }' >data.tsv
+moved/bin/dsmake -k Name -s 'Name,SimpleNC;Place,Simple' -i data.tsv -o data
+
+echo 'C programs use it'
+# shellcheck disable=SC2046  # words
+cc -std=c99 -pedantic -Wall -Wextra -Werror "$source/tests/c_interface_test.c" -o c_test \
+    $(pkg-config --cflags --libs --static dsmake)
+LD_LIBRARY_PATH=$(pkg-config --variable=libdir dsmake) ./c_test data
+
+echo 'So does Python'
+DSMAKE_LIBRARY=$shared
+export DSMAKE_LIBRARY
+look_up() { # STATUS ARGUMENTS...
+    wanted=$1
+    shift
+    status=0
+    "$source/examples/python/lookup.py" "$@" >out 2>&1 || status=$?
+    test $status = "$wanted"
+}
+look_up 0 data Name ' a B7 '
+test "$(cat out)" = 'Name "a B7": 1 record (267)'
+look_up 1 data Name "$(printf 'x\001\377')"
+test "$(cat out)" = 'Name "x\x01\xFF": 0 records'
+look_up 2 data Place c
+test "$(cat out)" = 'data: no such key: Place'
+look_up 2 data.tsv Name x
+grep -q "^data.tsv: 0xC2012521: 'data.tsv' is no data set file" out
+look_up 2 none Name x
+grep -q '^none: 0xC2012515: ' out
+DSMAKE_LIBRARY=$place/none.so look_up 2 data Name x
+grep -q 'none.so' out
+look_up 2
