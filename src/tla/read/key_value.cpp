@@ -41,9 +41,10 @@ bool Key_tokeniser::tokenise_short_ascii(std::u16string_view value, const Format
     const Tla_ascii_formatter format = tla_ascii_formatter(type);
     if (bits > LAST_ASCII || format == nullptr) return false;
     const auto text = format(narrow_.text(value.size()), formatted_);
+    if (text.empty()) return false;
     values.clear();
     txtdfc::txtdfc_each_token_value(text, [&values](auto token) { values.push_back(token); });
-    return !text.empty();
+    return true;
 }
 
 // Value by value: no copy of the record's bytes is needed to take their checksum.

@@ -4,21 +4,24 @@
 #include "tla/read/record_bytes.hpp"
 
 #include <algorithm>
+#include <functional>
+#include <span>
 
 namespace tla {
 
 void Record_finder::find(Key_index& index, std::vector<std::int64_t>& offsets,
                          scl::Scl_status& status) {
-    const auto before = static_cast<std::ptrdiff_t>(offsets.size());
+    const std::size_t before = offsets.size();
     const Block_range blocks = index.blocks_with(wanted_.hash);
     for (std::size_t place = blocks.begin; place < blocks.end && !status.has_failed(); ++place) {
         scan(index.block_at(place), index.orders[place], offsets, status);
     }
     // Pairs of equal hash are in the order of their records, in a proper file.
-    const auto added = std::ranges::subrange(offsets.begin() + before, offsets.end());
+    const std::span<std::int64_t> added = std::span(offsets).subspan(before);
     if (std::ranges::adjacent_find(added, std::greater_equal()) == added.end()) return;
     std::ranges::sort(added);
-    offsets.erase(std::ranges::unique(added).begin(), offsets.end());
+    const auto last = std::unique(added.begin(), added.end());
+    offsets.resize(before + static_cast<std::size_t>(last - added.begin()));
 }
 
 // Where hashes ascend, the first other one behind the wanted ones ends the block.
