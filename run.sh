@@ -1,19 +1,24 @@
 #!/bin/sh
-# Sets up what is missing, builds dsmake (Release) and makes a data set from the example customers.
+# Sets up what is missing, builds dsmake (Release) and shows its use: makes a data set from the example
+# customers, looks a value up in it and scans a letter for the customers.
 # With arguments, passes them to dsmake instead, in the current directory.
 set -eu
 here=$(cd "$(dirname "$(readlink -f "$0")")" && pwd)
 build=$here/build/run
 program=$build/src/driver/dsmake
+lookup=$build/examples/lookup/lookup
+scan=$build/examples/scan/scan
+
+is_built() { [ -x "$program" ] && [ -x "$lookup" ] && [ -x "$scan" ]; }
 
 # A checkout that is built and cannot be written is used as it is.
-if [ -w "$here" ] || [ ! -x "$program" ]; then
+if [ -w "$here" ] || ! is_built; then
     "$here/tools/setup.sh" g++:g++ cmake:cmake ninja-build:ninja
-    [ $# -gt 0 ] || [ -x "$program" ] ||
+    [ $# -gt 0 ] || is_built ||
         echo 'Compiling dsmake, which takes about a minute the first time.'
     log=$(mktemp)
     {
-        cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release
+        cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DDSMAKE_EXAMPLES=ON
         cmake --build "$build"
     } >"$log" 2>&1 || { cat "$log" >&2; rm -f "$log"; exit 1; }
     rm -f "$log"
@@ -27,20 +32,41 @@ mkdir -p "$out" 2>/dev/null && [ -w "$out" ] || out=$(mktemp -d)
 rm -f "$out/customers.ds"
 cd "$out"
 schema='FirstName,Simple;Surname,SimpleNC;City,SimpleNC;CardNum,CCNUMBER'
-echo "Building customers.ds in $out from examples/customers.tsv:"
-echo "  dsmake -k Surname -k CardNum -s \"$schema\" -i examples/customers.tsv -o customers.ds"
+echo "1. An index of the customers in examples/customers.tsv, who are all invented, made in $out:"
+echo
+echo "  dsmake -k Surname -k CardNum -s \"$schema\" -i customers.tsv -o customers.ds"
 "$program" -k Surname -k CardNum -s "$schema" -i "$here/examples/customers.tsv" -o customers.ds
+echo '  lookup customers.ds'
+"$lookup" customers.ds | sed 's/^/    /'
+echo
+echo "   It takes $(wc -c <customers.ds) bytes and holds none of their names, only what these come to as" \
+    'numbers.'
 
-number() { # OFFSET SIZE: a little-endian number of the file, in hex
-    printf '0x'
-    od -An -v -tx1 -j "$1" -N "$2" customers.ds | tr -s ' ' '\n' | sed '/^$/d' | tac | tr -d '\n'
-}
-echo "Input:            $(wc -l <"$here/examples/customers.tsv") lines," \
-    "$(wc -c <"$here/examples/customers.tsv") bytes"
-echo "Data set file:    $(wc -c <customers.ds) bytes"
-echo "magic:            $(head -c 8 customers.ds)"
-echo "checksum:         $(number 8 8)"
-echo "key_table_offset: $(number 16 8)"
-echo "version:          $(number 24 2)"
-echo "key_count:        $(number 26 2)"
-echo "record_count:     $(number 28 4)"
+echo
+echo "2. Is there a customer of this name? Capitals make no difference in a surname:"
+echo
+echo "  lookup customers.ds Surname \"o'brien\""
+"$lookup" customers.ds Surname "o'brien" | sed 's/^/    /'
+
+echo
+echo '3. Does this letter hold any of them?'
+echo
+echo '  scan customers.ds letter.txt'
+cd "$here/examples"
+found=$("$scan" "$out/customers.ds" letter.txt)
+echo "$found" | sed 's/^/    /'
+cat <<END
+
+   It holds three, each with a surname and two fields more. The one in line 8 stands there in
+   capitals, the name in line 11 goes over a line's end and its card number is written in groups,
+   and line 16 is Chinese, without blanks between the words. What only comes near, such as a Mr
+   Wrighton, a Smith without a first name, and a card number with two digits exchanged, is left out.
+
+Try next:
+  less $here/examples/letter.txt
+  $scan -m 1 $out/customers.ds $here/examples/letter.txt
+      # also says who shares no more than the surname
+  echo 'Karl-Heinz Groß was here.' | $scan $out/customers.ds -
+  $here/run.sh -k Name -s 'Name,SimpleNC' -i YOURS.txt -o yours.ds
+      # README.md says what may stand in such a file, docs/scanning.md what a scan finds
+END

@@ -15,11 +15,25 @@ target_sources(dsmake_reader PUBLIC
         src/tla/read/tla_data_set_entry_file.hpp
         src/tla/format/data_set_header.hpp
         src/records/field_descriptor.hpp
+        src/records/scratch_text.hpp
+        src/records/tla_formatters.hpp
         src/records/tla_status_codes.hpp
+        src/records/tla_text_in_form.hpp
+        src/scl/crc/scl_crc64.hpp
+        src/scl/io/scl_buffer.hpp
         src/scl/status/scl_status.hpp
         src/scl/status/scl_status_codes.hpp
         src/scl/status/scl_status_lookup.hpp
-        src/scl/text/scl_string.hpp)
+        src/scl/text/scl_normalize.hpp
+        src/scl/text/scl_string.hpp
+        src/scl/text/scl_text_span.hpp
+        src/scl/text/scl_unicode.hpp
+        src/scl/text/scl_utf.hpp
+        src/txt/txt_token_types.hpp
+        src/txt/txt_token_walk.hpp
+        src/txt/word_rules.hpp
+        src/txt/word_runs.hpp
+        src/txt/word_state.hpp)
 if(DSMAKE_WHOLE_PROGRAM AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     # Only the ordinary code goes out: the other form fits no compiler but the one that made it.
     add_custom_command(TARGET dsmake_reader POST_BUILD VERBATIM

@@ -9,6 +9,7 @@ namespace {
 
 using namespace std::string_literals;
 using test::Connected;
+using Offsets = std::vector<std::int64_t>;
 using test::sealed;
 
 const std::string SCHEMA = "Name,Simple;City,SimpleNC";
@@ -110,6 +111,7 @@ TEST(Connector, ClosedAnswersNothing) {
         EXPECT_EQ(file.status.value(), tla::TLA_STATUS_NOT_OPEN);
         file.status = scl::SCL_STATUS_NO_MEMORY; // to be replaced
     };
+    file.held.close();
     expect_not_open(file.entry(offset) == nullptr);
     expect_not_open(file.find("Name", u"n1").empty());
     expect_not_open(file.connector.record_offsets(file.status).size() == 3); // those of before
@@ -119,6 +121,7 @@ TEST(Connector, ClosedAnswersNothing) {
 TEST(Connector, AFileThatBecomesShorterCannotBeRead) {
     const auto expect_failure = [](bool loaded, auto use) {
         Connected file(test::version2(SCHEMA, {"Name"}, numbered_rows(9000)));
+        file.held_is_compared = false;
         if (loaded) file.load();
         std::filesystem::resize_file(file.path(), 5000);
         use(file);
@@ -129,6 +132,25 @@ TEST(Connector, AFileThatBecomesShorterCannotBeRead) {
     expect_failure(true, [](auto& file) { (void)file.connector.record_offsets(file.status); });
     expect_failure(true, [](auto& file) { EXPECT_EQ(file.entry(6000), nullptr); });
     expect_failure(true, [](auto& file) { EXPECT_TRUE(file.find("Name", u"n1").empty()); });
+}
+
+TEST(Connector, HeldInMemoryTheFileIsNeededNoMore) {
+    Connected file(test::version2(SCHEMA, {"Name"}, numbered_rows(9000)));
+    file.load();
+    const Offsets before = file.find_records(0, u"n77");
+    const Offsets all = file.connector.record_offsets(file.status);
+    std::filesystem::resize_file(file.path(), 5000);
+    EXPECT_EQ(file.held.record_offsets(file.status), all);
+    test::Entries entries;
+    file.held.find_entries({0, u"n77"}, u"Name", entries, file.status);
+    ASSERT_EQ(entries.size(), 1);
+    EXPECT_EQ(entries[0]->record_offset(), before.at(0));
+    std::vector<std::uint64_t> values;
+    EXPECT_TRUE(entries[0]->values_of(0, values));
+    Offsets found;
+    file.held.find_records(values, 0, found, file.status);
+    EXPECT_EQ(found, before);
+    EXPECT_EQ(file.status.value(), 0U);
 }
 
 TEST(Connector, BlockSizesFollowTheNumberOfPairs) {

@@ -9,6 +9,7 @@
 #include "tla/build/data_set_generator.hpp"
 #include "tla/format/data_set_layout.hpp"
 #include "tla/upgrade/upgrade_data_set.hpp"
+#include "txtdfc/txtdfc_token_values.hpp"
 
 #include <algorithm>
 
@@ -104,20 +105,44 @@ std::string argument_of(const scl::Scl_status& status) {
 
 Connected::Connected(std::string_view file) {
     place_.write("file", file);
-    connector.set_parameter("DataFileName", wide(path()), status);
-    connector.open(status);
+    held.hold_in_memory();
+    for (auto* const opened : {&connector, &held}) {
+        opened->set_parameter("DataFileName", wide(path()), status);
+        opened->open(status);
+    }
+}
+
+scl::Scl_status_code Connected::load(bool any_version) {
+    return ask_both([any_version](auto& asked, scl::Scl_status& code) {
+        asked.load(code, any_version);
+        return code.value();
+    });
 }
 
 std::vector<std::int64_t> Connected::find(std::string_view key, const std::u16string& text,
                                           std::uint64_t hash) {
-    Entries entries;
-    connector.find_entries({hash, text.c_str()}, wide(key), entries, status);
-    std::vector<std::int64_t> offsets;
-    for (const auto& found : entries) {
-        offsets.push_back(found->record_offset());
-    }
-    std::ranges::sort(offsets);
-    return offsets;
+    const auto ask = [&](auto& asked, scl::Scl_status& code) {
+        Entries entries;
+        asked.find_entries({hash, text.c_str()}, wide(key), entries, code);
+        std::vector<std::int64_t> offsets;
+        for (const auto& found : entries) {
+            offsets.push_back(found->record_offset());
+        }
+        std::ranges::sort(offsets);
+        return offsets;
+    };
+    return ask_both(ask);
+}
+
+std::vector<std::int64_t> Connected::find_records(std::size_t key, std::u16string_view text) {
+    std::vector<std::uint64_t> values;
+    (void)txtdfc::txtdfc_token_values(text, values);
+    const auto ask = [&](auto& asked, scl::Scl_status& code) {
+        std::vector<std::int64_t> offsets;
+        asked.find_records(values, key, offsets, code);
+        return offsets;
+    };
+    return ask_both(ask);
 }
 
 } // namespace test

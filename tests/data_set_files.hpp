@@ -50,26 +50,39 @@ void share_first_record(std::string& file);
 // The argument of a status's last code.
 [[nodiscard]] std::string argument_of(const scl::Scl_status& status);
 
-// A file on disk and a connector on it, open.
+// A file on disk and a connector on it, open. A second connector that holds the file in memory is
+// asked the same and must answer the same, as long as the file is not changed.
 class Connected {
 public:
     explicit Connected(std::string_view file);
 
     // The code after loading.
-    scl::Scl_status_code load(bool any_version = true) {
-        connector.load(status, any_version);
-        return status.value();
-    }
+    scl::Scl_status_code load(bool any_version = true);
     // The record offsets found, ascending.
     std::vector<std::int64_t> find(std::string_view key, const std::u16string& text,
                                    std::uint64_t hash = 0);
+    // The record offsets found by the token values of a text, in their order.
+    std::vector<std::int64_t> find_records(std::size_t key, std::u16string_view text);
     auto entry(std::int64_t offset) { return connector.read_entry(offset, status); }
     [[nodiscard]] std::string path() const { return place_.path("file"); }
 
     scl::Scl_status status;
     tla::Tla_data_set_connector_file connector;
+    tla::Tla_data_set_connector_file held;
+    bool held_is_compared = true;
 
 private:
+    template <typename Ask>
+    auto ask_both(const Ask& ask) {
+        scl::Scl_status held_status = status;
+        const auto answer = ask(connector, status);
+        if (held_is_compared) {
+            EXPECT_EQ(ask(held, held_status), answer);
+            EXPECT_EQ(held_status.value(), status.value());
+        }
+        return answer;
+    }
+
     Workplace place_;
 };
 

@@ -2,9 +2,8 @@
 #include "records/tla_status_codes.hpp"
 #include "scl/io/scl_buffers.hpp"
 #include "tla/format/data_set_layout.hpp"
+#include "tla/read/entry_reader.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
-
-#include <optional>
 
 namespace {
 
@@ -23,10 +22,11 @@ Values tokens_of(std::u16string_view text) {
 // `data_start`.
 struct Raw_entry {
     Raw_entry(std::string_view bytes, std::uint8_t version, std::uint64_t data_start = 0) {
-        fields[0].name = u"a";
-        fields[1].name = u"b";
+        header.fields = {{u"a", {}}, {u"b", {}}};
+        header.raw_version[0] = version;
+        header.data_start = data_start;
         file.write_at(0, std::as_bytes(std::span(bytes)), status);
-        entry.emplace(fields, version, data_start, 0, file);
+        entry = tla::Entry_reader(file, header).make(0);
         entry->read(status);
     }
     Values values(std::u16string_view name) const {
@@ -36,9 +36,9 @@ struct Raw_entry {
     }
 
     scl::Scl_status status;
-    std::vector<tla::Field_descriptor> fields{2};
+    tla::Tla_data_set_header header;
     scl::Scl_heap_buffer file;
-    std::optional<tla::Tla_data_set_entry_file> entry;
+    std::unique_ptr<tla::Tla_data_set_entry_file> entry;
 };
 
 std::string scrambled_text(std::string text, std::uint64_t position = 0) {
@@ -60,7 +60,7 @@ TEST(Entry, ReadsTokenListsUpToTheClosingByte) {
     EXPECT_EQ(open_ended.status.value(), tla::TLA_STATUS_RECORD_END);
     EXPECT_EQ(open_ended.values(u"a"), Values{0x0102030405060708});
     Raw_entry outgrown("\0\0\0\0\0"s, 2);
-    outgrown.fields.push_back({u"c", {}}); // as when its connector opens another file
+    outgrown.header.fields.push_back({u"c", {}}); // as when its connector opens another file
     EXPECT_EQ(outgrown.values(u"c"), NONE);
     for (const std::string& cut :
          {""s, "\0"s, "\0\1\1\2\3\4\5\6\7"s, "\0\0\xff\xff"s, "\0\0\0\0"s}) {

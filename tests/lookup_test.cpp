@@ -261,6 +261,10 @@ void expect_all_found(const Rows& rows) {
         if (i % BLOCK == 0) offsets.clear();
         offsets.push_back(static_cast<std::int64_t>(pairs[i].second));
     }
+    std::map<std::uint64_t, Offsets> with_pair;
+    for (const auto& [hash, offset] : pairs) {
+        with_pair[hash].push_back(static_cast<std::int64_t>(offset));
+    }
     test::Loaded connected(file);
     std::set<std::string> looked_up;
     for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -269,7 +273,9 @@ void expect_all_found(const Rows& rows) {
         const std::uint64_t hash =
             test::Small_reader::crc(reader.value_bytes(reader.records()[i], 0));
         EXPECT_EQ(connected.find("K", test::wide(key)), expected[hash]);
+        EXPECT_EQ(connected.find_records(0, test::wide(key)), with_pair[hash]);
         EXPECT_EQ(connected.find("K", test::wide(key + "x")), Offsets{});
+        EXPECT_EQ(connected.find_records(0, test::wide(key + "x")), Offsets{});
     }
     EXPECT_EQ(connected.status.value(), 0U);
 }
@@ -291,6 +297,62 @@ TEST(Lookup, FindsEveryRecordThatHasAPair) {
     expect_found(14000, a_few_of_many);
     expect_found(15000, all_different, 5000);
     expect_found(BLOCK, all_different, 1); // the index reckons with a block more
+}
+
+// Three blocks of pairs with one hash, whose records have two values.
+TEST(Find_records, MissesNoneAmongEqualHashesOverBlocks) {
+    constexpr std::size_t COUNT = 3 * BLOCK + 200;
+    Rows rows;
+    for (std::size_t i = 0; i < COUNT; ++i) {
+        rows.push_back({i % 3 == 0 ? "x" : "y", std::to_string(i)});
+    }
+    std::string file = test::version2("K,Simple;V,Simple", {"K"}, rows);
+    const test::Small_reader reader(file);
+    const std::set<std::int64_t> all(reader.records().begin(), reader.records().end());
+    const std::uint64_t hash = test::Small_reader::crc(reader.value_bytes(*all.begin(), 0));
+    const std::size_t pairs = test::pairs_of_first_key(file);
+    Offsets expected;
+    for (std::size_t i = 0; i < COUNT; ++i) {
+        const bool has_it = i >= 100 && i < COUNT - 100;
+        test::put(file, pairs + i * 16, has_it ? hash : i < 100 ? hash - 1 : hash + 1);
+        const auto offset = test::number_at<std::int64_t>(file, pairs + i * 16 + 8);
+        const auto place = std::distance(all.begin(), all.find(offset));
+        if (has_it && place % 3 == 0) expected.push_back(offset);
+    }
+    std::ranges::sort(expected);
+    const auto expect_found = [&file, &expected] {
+        test::Loaded connected(sealed(file));
+        EXPECT_EQ(connected.find_records(0, u"x"), expected);
+        EXPECT_EQ(connected.find_records(1, u"x"), Offsets{});
+        EXPECT_EQ(connected.status.value(), 0U);
+    };
+    expect_found();
+    test::put(file, pairs + 99 * 16, hash + 1); // in the first block, which then does not ascend
+    test::put(file, pairs + 2 * BLOCK * 16, hash - 1); // nor do the blocks
+    std::erase(expected, test::number_at<std::int64_t>(file, pairs + 2 * BLOCK * 16 + 8));
+    expect_found();
+}
+
+TEST(Largest_token_count, IsThatOfAnyRecord) {
+    Rows rows(9000, {"a b", "c", "d"});
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        rows[i][1] += std::to_string(i);
+    }
+    rows[4000] = {"a", std::string(40000, '-'), "4-1"}; // larger than any window
+    rows[8000][0] = "a b c d e";
+    test::Loaded file(test::version2("A,Simple;B,Simple;C,CCNUMBER", {"C", "A", "B"}, rows));
+    const auto count = [&file](std::size_t key) {
+        EXPECT_EQ(file.held.largest_token_count(key, file.status),
+                  file.connector.largest_token_count(key, file.status));
+        return file.connector.largest_token_count(key, file.status);
+    };
+    EXPECT_EQ(file.connector.record_count(), 9000);
+    EXPECT_EQ(std::vector({count(0), count(1), count(2), count(3)}),
+              std::vector({1U, 5U, 40000U, 0U}));
+    EXPECT_EQ(file.status.value(), 0U);
+    test::Loaded old(test::version1("A,Simple", {"A"}, {{"a"}}));
+    EXPECT_EQ(old.connector.largest_token_count(0, old.status), 0);
+    EXPECT_EQ(old.status.value(), tla::TLA_STATUS_VERSION);
 }
 
 TEST(Lookup, PairsThatShareRecordsCostNoMoreThanTheFile) {

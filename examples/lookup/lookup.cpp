@@ -1,24 +1,31 @@
 // Looks values up in a data set file.
 //
-//   lookup FILE KEY [VALUE]
+//   lookup FILE [KEY [VALUE]]
 //
 // prints how many records have the value in the key field, and at which offsets they stand in the
-// file. Without VALUE, the values are the lines of standard input, and each gives a line. The exit
-// status is 0 when every value was found, 1 when one was not, 2 after an error.
+// file. Without VALUE, the values are the lines of standard input, and each gives a line. Without
+// KEY, it checks the file and says what is in it. White space around a value does not count. The
+// exit status is 0 when every value was found, 1 when one was not, 2 after a fault.
 
+#include "records/tla_formatters.hpp"
 #include "scl/status/scl_status_lookup.hpp"
 #include "scl/text/scl_string.hpp"
+#include "scl/text/scl_utf.hpp"
 #include "tla/read/tla_data_set_connector_file.hpp"
+#include "txt/txt_token_types.hpp"
+#include "txt/txt_token_walk.hpp"
 
 #include <algorithm>
+#include <cstdint>
 #include <iostream>
 #include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace {
 
 enum Exit_status { ALL_FOUND = 0, NOT_FOUND = 1, FAULT = 2 };
-
-using Entries = std::vector<std::unique_ptr<tla::Tla_data_set_entry_file>>;
 
 std::u16string wide(std::string_view narrow) {
     std::u16string text;
@@ -26,61 +33,150 @@ std::u16string wide(std::string_view narrow) {
     return text;
 }
 
-// Ends the program with the status's messages, if it has failed.
-void check(const scl::Scl_status& status) {
-    if (status.ok()) return;
-    std::u16string text;
-    scl::Scl_status_lookup::to_string(status, text);
-    std::string message;
-    scl::scl_wtos(text, message, true);
-    throw std::runtime_error(message);
+// Control characters, and bytes that were no UTF-8, as \xNN: nothing that is shown steers a
+// terminal.
+std::string shown(std::u16string_view text) {
+    constexpr std::string_view DIGITS = "0123456789ABCDEF";
+    std::string result;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t from = at;
+        const char32_t c = scl::impl::scl_utf16_next(text, at);
+        if (c < 0x20 || (c >= 0x7F && c < 0xA0) || scl::impl::scl_is_surrogate(c)) {
+            result += {'\\', 'x', DIGITS[c >> 4U & 0xFU], DIGITS[c & 0xFU]};
+        } else {
+            scl::scl_wtos(text.substr(from, at - from), result, false);
+        }
+    }
+    return result;
 }
 
-class Lookup {
+// By the steps that a record's field goes through when a file is built.
+std::vector<std::uint64_t> token_values(std::u16string_view value,
+                                        const tla::Formatter_type_id& type) {
+    std::vector<std::uint64_t> values;
+    const auto formatter = tla::tla_create_formatter(type);
+    if (formatter == nullptr) return values;
+    std::u16string form;
+    formatter->format(scl::scl_trimmed(value), form, false);
+    txt::txt_walk_tokens(
+        scl::scl_span_of(form), [&values](const char16_t* begin, const char16_t* end) {
+            values.push_back(txt::txt_token_value(scl::Scl_text_span<char16_t>{begin, end}));
+        });
+    return values;
+}
+
+// A loaded file. Faults are thrown, and begin with the file's name.
+class Data_set {
 public:
-    Lookup(std::string_view file, std::string_view key) : key_(wide(key)) {
+    explicit Data_set(std::string_view name) : name_(wide(name)) {
         scl::Scl_status status;
-        connector_.set_parameter("DataFileName", wide(file), status);
+        connector_.set_parameter("DataFileName", name_, status);
         connector_.open(status);
         if (!status.has_failed()) connector_.load(status, false);
         check(status);
-        const auto keys = connector_.key_names();
-        if (std::ranges::find(keys, key_) == keys.end()) {
-            throw std::runtime_error("no such key: " + std::string(key));
+        keys_ = connector_.key_names();
+        const bool all_there = std::ranges::all_of(keys_, [this](const std::u16string& key) {
+            return std::ranges::find(fields(), key, &tla::Field_descriptor::name) != fields().end();
+        });
+        if (!all_there || keys_.size() != connector_.key_count()) fail("not all keys can be read");
+    }
+
+    // Says what is in the file, after a pass over its records.
+    void describe() {
+        scl::Scl_status status;
+        static_cast<void>(connector_.largest_token_count(0, status));
+        check(status);
+        std::cout << shown(name_) << ": " << connector_.record_count() << " records of "
+                  << fields().size() << " fields; the file checks out\n";
+        for (const tla::Field_descriptor& field : fields()) {
+            const bool is_key = std::ranges::find(keys_, field.name) != keys_.end();
+            std::cout << "  " << shown(field.name) << ", "
+                      << tla::tla_formatter_name_from_type_id(field.type) << (is_key ? ", key" : "")
+                      << '\n';
         }
     }
 
     // Prints a line for the value; false when no record has it.
-    bool print(std::string_view value) {
-        scl::Scl_status status;
-        Entries entries;
+    bool print(std::string_view key_name, std::string_view value) {
+        const std::u16string key = wide(key_name);
+        const auto place = std::ranges::find(keys_, key);
+        if (place == keys_.end()) fail("no such key: " + shown(key));
+        const auto field = std::ranges::find(fields(), key, &tla::Field_descriptor::name);
         const std::u16string text = wide(value);
-        connector_.find_entries({0, text.c_str()}, key_, entries, status);
-        check(status);
-        std::cout << entries.size();
-        for (const auto& entry : entries) {
-            std::cout << ' ' << entry->record_offset();
+        const auto values = token_values(text, field->type);
+        std::vector<std::int64_t> offsets;
+        scl::Scl_status status;
+        if (!values.empty()) {
+            const auto number = static_cast<std::size_t>(place - keys_.begin());
+            connector_.find_records(values, number, offsets, status);
         }
-        std::cout << '\n';
-        return !entries.empty();
+        check(status);
+        print_line(shown(key) + " \"" + shown(scl::scl_trimmed(text)) + '"', offsets);
+        return !offsets.empty();
     }
 
 private:
-    std::u16string key_;
+    [[nodiscard]] const std::vector<tla::Field_descriptor>& fields() const {
+        return connector_.field_descriptors();
+    }
+
+    static void print_line(const std::string& what, const std::vector<std::int64_t>& offsets) {
+        std::cout << what << ": " << offsets.size()
+                  << (offsets.size() == 1 ? " record" : " records");
+        for (std::size_t i = 0; i < offsets.size(); ++i) {
+            std::cout << (i == 0 ? " (" : " ") << offsets[i];
+        }
+        std::cout << (offsets.empty() ? "\n" : ")\n");
+    }
+
+    [[noreturn]] void fail(const std::string& what) const {
+        throw std::runtime_error(shown(name_) + ": " + what);
+    }
+
+    void check(const scl::Scl_status& status) const {
+        if (status.ok()) return;
+        std::u16string text;
+        scl::Scl_status_lookup::to_string(status, text);
+        std::string message;
+        scl::scl_wtos(text, message, true);
+        fail(message);
+    }
+
+    std::u16string name_;
     tla::Tla_data_set_connector_file connector_;
+    std::vector<std::u16string> keys_;
 };
 
-Exit_status run(int argument_count, char** arguments) {
-    if (argument_count != 3 && argument_count != 4) {
-        throw std::runtime_error("usage: lookup FILE KEY [VALUE]");
-    }
-    Lookup lookup(arguments[1], arguments[2]);
-    if (argument_count == 4) return lookup.print(arguments[3]) ? ALL_FOUND : NOT_FOUND;
+// Each line is a value. A byte order mark may stand before the first.
+Exit_status look_up_lines(Data_set& data_set, std::string_view key) {
+    constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
     bool all_found = true;
-    for (std::string value; std::getline(std::cin, value);) {
-        all_found = lookup.print(value) && all_found;
+    std::string line;
+    for (bool is_first = true; std::getline(std::cin, line); is_first = false) {
+        std::string_view value = line;
+        if (is_first && value.starts_with(BYTE_ORDER_MARK)) {
+            value.remove_prefix(BYTE_ORDER_MARK.size());
+        }
+        all_found = data_set.print(key, value) && all_found;
     }
     return all_found ? ALL_FOUND : NOT_FOUND;
+}
+
+Exit_status run(int argument_count, char** arguments) {
+    if (argument_count < 2 || argument_count > 4) {
+        throw std::runtime_error("usage: lookup FILE [KEY [VALUE]]");
+    }
+    Data_set data_set(arguments[1]);
+    Exit_status status = ALL_FOUND;
+    if (argument_count == 2) {
+        data_set.describe();
+    } else if (argument_count == 3) {
+        status = look_up_lines(data_set, arguments[2]);
+    } else if (!data_set.print(arguments[2], arguments[3])) {
+        status = NOT_FOUND;
+    }
+    if (!std::cout.flush()) throw std::runtime_error("standard output: cannot be written");
+    return status;
 }
 
 } // namespace

@@ -69,8 +69,9 @@ std::uint64_t impl::crc64_by_table(std::uint64_t reg, std::span<const std::byte>
     return reg;
 }
 
-// Four characters are one word of the message. The loads beyond are of single bytes.
-std::uint64_t impl::crc64_widened_by_table(std::string_view text) {
+// Four characters are one word of the message. The loads beyond are of single bytes. Not inlined:
+// its array would cost calculate_widened() a protected stack, where multiplication needs none.
+[[gnu::noinline]] std::uint64_t impl::crc64_widened_by_table(std::string_view text) {
     std::uint64_t reg = Scl_crc64::INITIAL;
     while (!text.empty()) {
         std::array<std::byte, STRIDE> widened{};

@@ -20,7 +20,8 @@ void Scl_buffered_istream::refill(std::size_t wanted, Scl_status& status) {
     const std::span<const std::byte> contents = buffer()->contents();
     // All of it at once: this is the last refill unless the position goes back.
     if (!contents.empty()) {
-        set_window(contents.subspan(position), position);
+        set_window(contents, 0); // whole, so that no later position leads out of it
+        set_position(position);
         return;
     }
     if (storage_ == nullptr) storage_ = std::make_unique_for_overwrite<std::byte[]>(WINDOW_BYTES);

@@ -90,6 +90,16 @@ bool scl_can_normalize(std::u16string_view text) {
     return true;
 }
 
+std::size_t scl_joined_length(std::u16string_view text, std::size_t at) {
+    return next_boundary(text, at) - at;
+}
+
+std::size_t scl_character_length(std::u16string_view text, std::size_t at) {
+    std::size_t after = at;
+    static_cast<void>(impl::scl_utf16_next(text, after));
+    return after - at;
+}
+
 bool impl::scl_is_untouched(std::u16string_view text) {
     return std::ranges::all_of(text, is_untouched);
 }

@@ -27,6 +27,13 @@ namespace impl {
     return impl::scl_all_bits(text) < 0x300 || impl::scl_is_untouched(text);
 }
 
+// How many units from `at` on, at least one character, have to be brought into a normal form
+// together: what stands before them and behind them has nothing to do with their form. `at` is
+// below the text's size, and at its front or behind such units.
+[[nodiscard]] std::size_t scl_joined_length(std::u16string_view text, std::size_t at);
+// How many units the character at `at` has, a lone surrogate being one; likewise.
+[[nodiscard]] std::size_t scl_character_length(std::u16string_view text, std::size_t at);
+
 // True when the text is in Normalization Form C (Unicode Standard Annex #15). A lone surrogate
 // counts as a character that nothing composes with.
 [[nodiscard]] bool scl_is_normalized(std::u16string_view text);

@@ -21,7 +21,16 @@ public:
     [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file> read(std::int64_t record_offset,
                                                                 scl::Scl_status& status);
 
+    // The same entry before it is read; null when there is no memory.
+    [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file> make(std::int64_t record_offset) const;
+    // The bytes of a record of version 2, valid until the next operation; empty when it is not at
+    // hand whole and well closed: read() tells what there is to tell then.
+    [[nodiscard]] std::span<const std::byte> record_at_hand(std::int64_t record_offset,
+                                                            scl::Scl_status& status);
+
 private:
+    void go_to(std::int64_t record_offset);
+
     const scl::Scl_buffer& file_;
     const Tla_data_set_header& header_;
     scl::Scl_status attach_status_; // never set: attaching does not fail

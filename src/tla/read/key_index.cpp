@@ -65,6 +65,17 @@ std::size_t Key_index::place_of(std::uint64_t hash) const {
     return samples.size();
 }
 
+// The block before the first that begins with the hash may end with it.
+Block_range Key_index::blocks_with(std::uint64_t hash) const {
+    if (!samples_ascend) return {0, samples.size()};
+    const auto first = std::ranges::lower_bound(samples, hash, {}, &Index_sample::first_hash);
+    const auto behind = std::ranges::find_if(
+        first, samples.end(), [hash](const Index_sample& next) { return next.first_hash > hash; });
+    const auto begin = static_cast<std::size_t>(first - samples.begin());
+    return {begin - std::min<std::size_t>(begin, 1),
+            static_cast<std::size_t>(behind - samples.begin())};
+}
+
 Key_block Key_index::block_at(std::size_t place) const {
     const auto before = static_cast<std::uint32_t>(place * block_size);
     const bool is_last = place + 1 == samples.size();

@@ -41,6 +41,12 @@ struct Key_block {
     std::uint64_t next_hash; // the next block's first, all ones when there is none
 };
 
+// Places of neighbouring blocks in a key table, from `begin` up to `end`.
+struct Block_range {
+    std::size_t begin;
+    std::size_t end;
+};
+
 // What is kept of a key table in memory.
 struct Key_index {
     std::u16string name;               // of the key field
@@ -54,6 +60,9 @@ struct Key_index {
     // with the hash or below it, and whose next one, if there is one, begins above it. The number
     // of samples when there is none.
     [[nodiscard]] std::size_t place_of(std::uint64_t hash) const;
+    // The blocks that can have pairs with the hash, by the hashes that they begin with; all of them
+    // where these do not ascend.
+    [[nodiscard]] Block_range blocks_with(std::uint64_t hash) const;
     [[nodiscard]] Key_block block_at(std::size_t place) const;
 };
 

@@ -21,7 +21,7 @@ void Lookup::find(Key_index& index, std::uint32_t record_count, Entries& results
     if (place == index.samples.size()) return;
     const Key_block block = index.block_at(place);
     scan({.offset = block.offset,
-          .first = first_candidate(block, index.orders[place], status),
+          .first = pairs_.first_candidate(block, wanted_.hash, index.orders[place], status),
           .end = std::min(index.block_size, record_count),
           .runs_on_at = index.block_size - 1},
          results, status);
@@ -31,17 +31,6 @@ void Lookup::find(Key_index& index, std::uint32_t record_count, Entries& results
           .end = index.block_size,
           .runs_on_at = NOWHERE},
          results, status);
-}
-
-// Only a block whose hashes ascend can be searched without reading it from its front, and then
-// finds what reading it so would. To see that they ascend takes such a reading itself, but only
-// once.
-std::uint32_t Lookup::first_candidate(const Key_block& block, Block_order& order,
-                                      scl::Scl_status& status) {
-    if (order == Block_order::unknown) {
-        order = pairs_.ascends(block, status) ? Block_order::ascending : Block_order::mixed;
-    }
-    return order == Block_order::ascending ? pairs_.first_with(block, wanted_.hash, status) : 0;
 }
 
 // Once an entry is found, the first other hash ends the scan. The range may reach over the table's

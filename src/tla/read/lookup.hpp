@@ -4,21 +4,13 @@
 #include "tla/read/key_index.hpp"
 #include "tla/read/pair_reader.hpp"
 #include "tla/read/tla_record_allowance.hpp"
+#include "tla/read/wanted_key.hpp"
 
 #include <cstdint>
 #include <memory>
-#include <span>
 #include <vector>
 
 namespace tla {
-
-// What a lookup looks for. `field` is the key field's place in the field list; when the list has no
-// such field it is past its end, and nothing is found.
-struct Wanted_key {
-    std::size_t field;
-    std::uint64_t hash;                    // the key hash that goes with the values
-    std::span<const std::uint64_t> values; // token values
-};
 
 // One lookup in one key table, by the rule of docs/reading.md: the index leads to a block, the
 // block to the pairs of the hash, each pair to a record, and a record that has the values is an
@@ -49,8 +41,6 @@ private:
         std::uint32_t runs_on_at;
     };
 
-    [[nodiscard]] std::uint32_t first_candidate(const Key_block& block, Block_order& order,
-                                                scl::Scl_status& status);
     void scan(const Range& range, Entries& results, scl::Scl_status& status);
     [[nodiscard]] bool take_entry(std::int64_t record_offset, Entries& results,
                                   scl::Scl_status& status);

@@ -47,9 +47,12 @@ std::uint32_t count_below(std::span<const std::byte> pairs, std::uint64_t hash) 
 
 // Hashes are checksums and so spread evenly: where one is among those of a block can be guessed.
 std::uint32_t guess(const Key_block& block, std::uint64_t hash) {
-    const auto range = static_cast<double>(block.next_hash - block.first_hash);
-    const auto part = static_cast<double>(hash - block.first_hash);
-    return static_cast<std::uint32_t>(part / std::max(range, 1.0) * block.pair_count);
+    // In a crafted file the next block may begin lower, and the hash lie outside.
+    const std::uint64_t end = std::max({block.next_hash, block.first_hash, hash});
+    const auto range = static_cast<double>(end - block.first_hash);
+    const auto part = static_cast<double>(hash - std::min(block.first_hash, hash));
+    return static_cast<std::uint32_t>(std::min(part / std::max(range, 1.0), 1.0) *
+                                      block.pair_count);
 }
 
 // How many pairs to read around the guess. The standard deviation of its error is half the root of
@@ -65,6 +68,17 @@ Pair_reader::Pair_reader(const scl::Scl_buffer& file)
     : stream_(file, false, attach_status_, scl::Scl_eol::none) {
     // What a lookup reads most is one hash after another; whoever needs more asks for it.
     stream_.limit_read_ahead(FEW_PAIRS * TLA_INDEX_PAIR_BYTES);
+}
+
+// Only a block whose hashes ascend can be searched without reading it from its front, and then
+// finds what reading it so would. To see that they ascend takes such a reading itself, but only
+// once.
+std::uint32_t Pair_reader::first_candidate(const Key_block& block, std::uint64_t hash,
+                                           Block_order& order, scl::Scl_status& status) {
+    if (order == Block_order::unknown) {
+        order = ascends(block, status) ? Block_order::ascending : Block_order::mixed;
+    }
+    return order == Block_order::ascending ? first_with(block, hash, status) : 0;
 }
 
 bool Pair_reader::ascends(const Key_block& block, scl::Scl_status& status) {

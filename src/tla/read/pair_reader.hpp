@@ -17,13 +17,12 @@ public:
     // The file must outlive the reader.
     explicit Pair_reader(const scl::Scl_buffer& file);
 
-    // Whether the hashes of the block ascend; reads them all.
-    [[nodiscard]] bool ascends(const Key_block& block, scl::Scl_status& status);
-    // The first pair of the block that has the hash; the block's pair count when none has it. The
-    // block's hashes must ascend, and the hash lie between its first and the next block's. 0, which
-    // says nothing, when the pairs cannot be read.
-    [[nodiscard]] std::uint32_t first_with(const Key_block& block, std::uint64_t hash,
-                                           scl::Scl_status& status);
+    // The pair of the block from which on one may have the hash. In a block whose hashes ascend it
+    // is the first that has it, or the block's pair count; 0, which says nothing, in another, and
+    // when it cannot be read. `order` is the block's as far as it is known; an unknown one is made
+    // known.
+    [[nodiscard]] std::uint32_t first_candidate(const Key_block& block, std::uint64_t hash,
+                                                Block_order& order, scl::Scl_status& status);
     // Adds the offsets of up to `count` pairs from a place in the file on.
     void append_offsets(std::uint64_t place, std::uint32_t count,
                         std::vector<std::int64_t>& offsets, scl::Scl_status& status);
@@ -40,6 +39,9 @@ public:
     void skip_word() { stream_.set_position(stream_.tell() + sizeof(std::uint64_t)); }
 
 private:
+    [[nodiscard]] bool ascends(const Key_block& block, scl::Scl_status& status);
+    [[nodiscard]] std::uint32_t first_with(const Key_block& block, std::uint64_t hash,
+                                           scl::Scl_status& status);
     [[nodiscard]] std::span<const std::byte> whole_pairs(std::uint32_t most,
                                                          scl::Scl_status& status);
 

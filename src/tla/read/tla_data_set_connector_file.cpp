@@ -1,101 +1,102 @@
 #include "tla/read/tla_data_set_connector_file.hpp"
 
-#include "records/tla_formatters.hpp"
 #include "records/tla_status_codes.hpp"
-#include "scl/crc/scl_crc64.hpp"
 #include "scl/io/scl_buffers.hpp"
 #include "scl/io/scl_file_buffer.hpp"
 #include "scl/text/scl_case.hpp"
-#include "tla/format/data_set_header.hpp"
 #include "tla/format/data_set_layout.hpp"
-#include "tla/read/entry_reader.hpp"
-#include "tla/read/key_index.hpp"
-#include "tla/read/key_value.hpp"
-#include "tla/read/lookup.hpp"
-#include "tla/read/pair_reader.hpp"
+#include "tla/read/connector_state.hpp"
+#include "tla/read/held_file.hpp"
 
 #include <algorithm>
-#include <limits>
-#include <stdexcept>
-#include <utility>
+#include <exception>
 
 namespace tla {
 
 namespace {
 
 constexpr std::string_view FILE_NAME_PARAMETER = "DataFileName";
-// How these were made nobody but the program that made the file knows.
-constexpr std::uint8_t VERSION_WITH_GIVEN_HASHES = 1;
 // A sample is 8 bytes in a block of 64 KiB, a key's name seldom longer than this.
 constexpr std::size_t SAMPLE_READ_AHEAD_BYTES = 512;
 
-// A number of offsets in the width of the file's record count, which it never exceeds; should it, a
-// wrapped number would read the wrong pairs.
-std::uint32_t checked_u32(std::int64_t value) {
-    if (value < 0) throw std::overflow_error("i64 too negative for u32");
-    if (value > std::numeric_limits<std::uint32_t>::max()) {
-        throw std::overflow_error("i64 too positive for u32");
-    }
-    return static_cast<std::uint32_t>(value);
-}
-
 } // namespace
 
-// An open file and what it is read through, kept from one operation to the next for the buffers.
-struct Tla_data_set_connector_file::Source {
-    Source(std::unique_ptr<const scl::Scl_buffer> opened, const Tla_data_set_header& header)
-        : file(std::move(opened)), pairs(*file), entries(*file, header) {}
-
-    std::unique_ptr<const scl::Scl_buffer> file;
-    Pair_reader pairs;
-    Entry_reader entries;
-};
-
-Tla_data_set_connector_file::Tla_data_set_connector_file() = default;
+Tla_data_set_connector_file::Tla_data_set_connector_file() : state_(std::make_unique<State>()) {}
 
 Tla_data_set_connector_file::~Tla_data_set_connector_file() = default;
 
+const std::vector<Field_descriptor>& Tla_data_set_connector_file::field_descriptors() const {
+    return state_->header.fields;
+}
+
+std::uint8_t Tla_data_set_connector_file::version() const {
+    return state_->header.version();
+}
+
+std::uint64_t Tla_data_set_connector_file::data_start() const {
+    return state_->header.data_start;
+}
+
+std::uint16_t Tla_data_set_connector_file::key_count() const {
+    return state_->header.key_count;
+}
+
+std::uint32_t Tla_data_set_connector_file::record_count() const {
+    return state_->header.record_count;
+}
+
+bool Tla_data_set_connector_file::is_open() const {
+    return state_->source != nullptr;
+}
+
+void Tla_data_set_connector_file::hold_in_memory() {
+    state_->held = true;
+}
+
 void Tla_data_set_connector_file::set_parameter(std::string_view name, std::u16string_view value,
                                                 scl::Scl_status& /*status*/) {
-    if (scl::scl_utf8_compare_nc(name, FILE_NAME_PARAMETER) == 0) data_file_name_ = value;
+    if (scl::scl_utf8_compare_nc(name, FILE_NAME_PARAMETER) == 0) state_->data_file_name = value;
 }
 
 void Tla_data_set_connector_file::open(scl::Scl_status& status) {
-    source_.reset();
+    state_->source.reset();
     auto file = std::make_unique<scl::Scl_file_buffer>(
-        data_file_name_, scl::Scl_file_open::existing, scl::Scl_file_access::read,
+        state_->data_file_name, scl::Scl_file_open::existing, scl::Scl_file_access::read,
         scl::SCL_FILE_PLAIN, scl::SCL_FILE_AT_RANDOM, status);
     if (status.has_failed()) {
         status = TLA_STATUS_NOT_OPEN;
     } else {
-        source_ = std::make_unique<Source>(std::move(file), header_);
+        state_->source = std::make_unique<Source>(std::move(file), state_->header);
     }
 }
 
 // What stays is what the interface promises to keep; see there.
 void Tla_data_set_connector_file::close() {
-    data_file_name_.clear();
-    header_.fields.clear();
-    header_.index_offset = 0;
-    header_.key_count = 0;
-    header_.record_count = 0;
-    source_.reset();
-    loaded_ = false;
-    block_size_ = 0;
+    state_->data_file_name.clear();
+    state_->header.fields.clear();
+    state_->header.index_offset = 0;
+    state_->header.key_count = 0;
+    state_->header.record_count = 0;
+    state_->source.reset();
+    state_->loaded = false;
+    state_->held = false;
+    state_->block_size = 0;
+    state_->largest_counts.clear();
 }
 
 void Tla_data_set_connector_file::load(scl::Scl_status& status, bool accept_any_version) {
-    if (loaded_) return;
+    if (state_->loaded) return;
     if (!is_open()) {
         status = TLA_STATUS_NOT_OPEN;
         return;
     }
-    tla_read_header(*source_->file, data_file_name_, accept_any_version, header_, status);
-    if (!status.has_failed()) check_checksum(status);
+    tla_read_header(*state_->source->file, state_->data_file_name, accept_any_version,
+                    state_->header, status);
+    if (!status.has_failed()) read_body(status);
     if (status.has_failed()) return;
     // Not before the checksum is right: what a damaged file says of its counts misleads.
-    block_size_ = index_block_size(header_.record_count, header_.key_count);
-    if (block_size_ == 0) {
+    state_->block_size = index_block_size(state_->header.record_count, state_->header.key_count);
+    if (state_->block_size == 0) {
         status = TLA_STATUS_TOO_MANY_PAIRS;
         return;
     }
@@ -104,98 +105,51 @@ void Tla_data_set_connector_file::load(scl::Scl_status& status, bool accept_any_
     try {
         read_key_indexes(status);
     } catch (const std::exception&) {
-        status.push(TLA_STATUS_NO_DATA_SET, scl::Scl_wstring_status_arg(data_file_name_));
+        status.push(TLA_STATUS_NO_DATA_SET, scl::Scl_wstring_status_arg(state_->data_file_name));
     }
-    loaded_ = !status.has_failed();
+    state_->loaded = !status.has_failed();
 }
 
-// The 16 bytes before are the magic, which has been compared, and the checksum itself.
-void Tla_data_set_connector_file::check_checksum(scl::Scl_status& status) const {
+// The one pass over the file: it takes the checksum and, when asked to, keeps the bytes.
+void Tla_data_set_connector_file::read_body(scl::Scl_status& status) {
     const std::uint64_t size = file_size();
     if (size <= TLA_CHECKED_FROM) {
-        status.push(TLA_STATUS_NO_DATA_SET, scl::Scl_wstring_status_arg(data_file_name_));
+        status.push(TLA_STATUS_NO_DATA_SET, scl::Scl_wstring_status_arg(state_->data_file_name));
         return;
     }
-    const scl::Scl_sub_buffer body(*source_->file, TLA_CHECKED_FROM, size, status);
     scl::Scl_crc64 crc;
-    crc.update(body, status);
-    if (!status.has_failed() && crc.result(false) != header_.stored_checksum) {
+    if (state_->held) {
+        auto bytes = hold_file(*state_->source->file, crc, status);
+        if (!status.has_failed())
+            state_->source = std::make_unique<Source>(std::move(bytes), state_->header);
+    } else {
+        crc.update(scl::Scl_sub_buffer(*state_->source->file, TLA_CHECKED_FROM, size, status),
+                   status);
+    }
+    if (!status.has_failed() && crc.result(false) != state_->header.stored_checksum) {
         status = TLA_STATUS_CHECKSUM;
     }
 }
 
 void Tla_data_set_connector_file::read_key_indexes(scl::Scl_status& status) {
-    scl::Scl_buffered_istream in(*source_->file, false, status, scl::Scl_eol::none);
+    scl::Scl_buffered_istream in(*state_->source->file, false, status, scl::Scl_eol::none);
     in.limit_read_ahead(SAMPLE_READ_AHEAD_BYTES);
-    in.set_position(header_.index_offset);
-    for (std::uint16_t i = 0; i < header_.key_count && !status.has_failed(); ++i) {
-        Key_index index = read_key_index(in, header_.record_count, block_size_, status);
-        if (!status.has_failed()) key_indexes_.push_back(std::move(index));
+    in.set_position(state_->header.index_offset);
+    for (std::uint16_t i = 0; i < state_->header.key_count && !status.has_failed(); ++i) {
+        Key_index index =
+            read_key_index(in, state_->header.record_count, state_->block_size, status);
+        if (!status.has_failed()) state_->key_indexes.push_back(std::move(index));
     }
-}
-
-const std::vector<std::int64_t>&
-Tla_data_set_connector_file::record_offsets(scl::Scl_status& status) {
-    if (!is_open() || status.has_failed()) {
-        status = TLA_STATUS_NOT_OPEN;
-        return record_offsets_;
-    }
-    const std::size_t before = record_offsets_.size();
-    // The count is the file's claim; the pairs that carry the offsets cannot exceed its size.
-    record_offsets_.reserve(
-        before + std::min<std::uint64_t>(header_.record_count, file_size() / TLA_INDEX_PAIR_BYTES));
-    if (key_indexes_.empty()) return record_offsets_;
-    for (const Index_sample& sample : key_indexes_.front().samples) {
-        if (status.has_failed()) break;
-        const auto collected = static_cast<std::int64_t>(record_offsets_.size() - before);
-        const std::uint32_t missing = header_.record_count - checked_u32(collected);
-        source_->pairs.append_offsets(sample.offset, std::min(block_size_, missing),
-                                      record_offsets_, status);
-    }
-    return record_offsets_;
-}
-
-std::unique_ptr<Tla_data_set_entry_file>
-Tla_data_set_connector_file::read_entry(std::int64_t record_offset, scl::Scl_status& status) {
-    if (is_open()) return source_->entries.read(record_offset, status);
-    status = TLA_STATUS_NOT_OPEN;
-    return nullptr;
-}
-
-// From the value to the key hash and to the key's index; Lookup goes on from there. The field is
-// looked for by its name here and nowhere else.
-void Tla_data_set_connector_file::find_entries(
-    const Tla_lookup_value& value, std::u16string_view key_name,
-    std::vector<std::unique_ptr<Tla_data_set_entry_file>>& results, scl::Scl_status& status) {
-    if (!is_open()) {
-        status = TLA_STATUS_NOT_OPEN;
-        return;
-    }
-    const auto index = std::ranges::find(key_indexes_, key_name, &Key_index::name);
-    if (index == key_indexes_.end() || status.has_failed()) return;
-    const auto field = std::ranges::find(header_.fields, key_name, &Field_descriptor::name);
-    const bool known = field != header_.fields.end();
-    std::vector<std::uint64_t> values;
-    tokenise_key_value(value.text, known ? field->type : Tla_simple_formatter::TYPE_ID, values,
-                       status);
-    if (status.has_failed()) return;
-    const bool hash_is_given = version() == VERSION_WITH_GIVEN_HASHES;
-    const Wanted_key wanted{.field = static_cast<std::size_t>(field - header_.fields.begin()),
-                            .hash = hash_is_given ? value.hash : key_hash(values),
-                            .values = values};
-    Lookup(wanted, source_->pairs, source_->entries,
-           Tla_record_allowance(file_size(), data_file_name_))
-        .find(*index, header_.record_count, results, status);
 }
 
 std::uint64_t Tla_data_set_connector_file::file_size() const {
     scl::Scl_status never_set;
-    return is_open() ? source_->file->size(false, never_set) : 0;
+    return is_open() ? state_->source->file->size(false, never_set) : 0;
 }
 
 std::vector<std::u16string> Tla_data_set_connector_file::key_names() const {
     std::vector<std::u16string> names;
-    for (const Key_index& index : key_indexes_) {
+    for (const Key_index& index : state_->key_indexes) {
         names.push_back(index.name);
     }
     return names;

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "tla/format/data_set_header.hpp"
 #include "tla/read/tla_data_set_connector_base.hpp"
 
-namespace tla {
+#include <span>
 
-struct Key_index;
+namespace tla {
 
 // Reads a data set file of version 1 or 2. What a file claims costs no more time or memory than its
 // own size warrants. Status codes are errors; those marked * carry the file's name, + its name and
@@ -14,12 +13,16 @@ struct Key_index;
 //   open            TLA_STATUS_NOT_OPEN
 //   load            TLA_STATUS_NOT_OPEN, _NO_DATA_SET*, _VERSION*, _FIELD_LIST, _CHECKSUM,
 //                   _TOO_MANY_PAIRS; SCL_STATUS_END_OF_DATA for a key table that begins outside the
-//                   file; SCL_STATUS_READ_FAILED+
+//                   file; SCL_STATUS_READ_FAILED+; SCL_STATUS_NO_MEMORY for a file that is to be
+//                   held and does not fit
 //   record_offsets  TLA_STATUS_NOT_OPEN, also when the status has failed before;
 //                   SCL_STATUS_READ_FAILED+
 //   read_entry      TLA_STATUS_NOT_OPEN, and those of an entry
 //   find_entries    the same; TLA_STATUS_NO_TOKENS for a value of which nothing is left;
 //                   TLA_STATUS_NO_DATA_SET* when the entries read are longer than the file
+//   find_records, largest_token_count
+//                   as read_entry; TLA_STATUS_VERSION* for a file of version 1;
+//                   TLA_STATUS_NO_DATA_SET* when the records read are longer than the file
 // SCL_STATUS_READ_FAILED also tells that the file has become shorter since it was opened.
 //
 // Exceptions: find_entries throws std::runtime_error for a value, or a text of version 1, of more
@@ -32,9 +35,7 @@ public:
     Tla_data_set_connector_file();
     ~Tla_data_set_connector_file() override;
 
-    [[nodiscard]] const std::vector<Field_descriptor>& field_descriptors() const override {
-        return header_.fields;
-    }
+    [[nodiscard]] const std::vector<Field_descriptor>& field_descriptors() const override;
     void find_entries(const Tla_lookup_value& value, std::u16string_view key_name,
                       std::vector<std::unique_ptr<Tla_data_set_entry_file>>& results,
                       scl::Scl_status& status) override;
@@ -52,32 +53,46 @@ public:
     [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file>
     read_entry(std::int64_t record_offset, scl::Scl_status& status) override;
 
+    // Lets `load` hold the whole file in memory: lookups then make no system call, and what becomes
+    // of the file afterwards makes no difference. To be called before load; close() takes it back.
+    // docs/reading.md says when it pays.
+    void hold_in_memory();
+
+    // Adds the offsets of every record whose key field has these token values and that has a pair
+    // in the key table, ascending and each once; unlike find_entries also on both sides of a
+    // block's border and among equal key hashes. `key` is a place in key_names(); past its end
+    // nothing is found. For a file of version 2.
+    void find_records(std::span<const std::uint64_t> values, std::size_t key,
+                      std::vector<std::int64_t>& record_offsets, scl::Scl_status& status);
+
+    // The most token values that any record has in a key field; `key` as above. Counted when first
+    // asked, for all keys, in one pass over the records. For a file of version 2; 0 after a
+    // failure.
+    [[nodiscard]] std::uint32_t largest_token_count(std::size_t key, scl::Scl_status& status);
+
     // What the file says of itself; known once loaded.
-    [[nodiscard]] std::uint8_t version() const { return header_.version(); }
+    [[nodiscard]] std::uint8_t version() const;
     // In bytes, as it was opened; 0 when closed.
     [[nodiscard]] std::uint64_t file_size() const;
     // Of the first record, in bytes from the start of the file.
-    [[nodiscard]] std::uint64_t data_start() const { return header_.data_start; }
-    [[nodiscard]] std::uint16_t key_count() const { return header_.key_count; }
-    // What the header claims: the first key table may have fewer pairs.
-    [[nodiscard]] std::uint32_t record_count() const { return header_.record_count; }
+    [[nodiscard]] std::uint64_t data_start() const;
+    [[nodiscard]] std::uint16_t key_count() const;
+    // What the header claims: a key table may have fewer pairs.
+    [[nodiscard]] std::uint32_t record_count() const;
     // Of the key tables, in file order.
     [[nodiscard]] std::vector<std::u16string> key_names() const;
 
 private:
     struct Source;
+    struct State;
 
-    [[nodiscard]] bool is_open() const { return source_ != nullptr; }
-    void check_checksum(scl::Scl_status& status) const;
+    [[nodiscard]] bool is_open() const;
+    void read_body(scl::Scl_status& status);
+    [[nodiscard]] bool has_token_values(scl::Scl_status& status) const;
+    [[nodiscard]] std::size_t field_of(std::u16string_view name) const;
     void read_key_indexes(scl::Scl_status& status);
 
-    Tla_data_set_header header_;
-    std::u16string data_file_name_;
-    std::unique_ptr<Source> source_; // null when closed
-    std::uint32_t block_size_ = 0;   // pairs a sample; 0 when not loaded
-    std::vector<Key_index> key_indexes_;
-    bool loaded_ = false;
-    std::vector<std::int64_t> record_offsets_;
+    std::unique_ptr<State> state_;
 };
 
 } // namespace tla

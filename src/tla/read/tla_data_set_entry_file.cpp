@@ -1,10 +1,10 @@
 #include "tla/read/tla_data_set_entry_file.hpp"
 
-#include "records/record_layout.hpp"
 #include "records/tla_status_codes.hpp"
 #include "scl/io/scl_buffered_istream.hpp"
 #include "scl/text/scl_string.hpp"
 #include "tla/format/data_set_layout.hpp"
+#include "tla/read/record_bytes.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
 #include <algorithm>
@@ -15,14 +15,6 @@ namespace tla {
 namespace {
 
 constexpr std::uint8_t VERSION_WITH_TEXTS = 1;
-
-std::span<const std::byte> bytes_of(const std::string& record) {
-    return std::as_bytes(std::span(record));
-}
-
-std::uint64_t value_at(std::span<const std::byte> values, std::size_t index) {
-    return scl::scl_load_be<Tla_token_value>(&values[index * TLA_TOKEN_VALUE_BYTES]);
-}
 
 std::uint64_t bytes_left(const scl::Scl_buffered_istream& in, scl::Scl_status& status) {
     const std::uint64_t size = in.size(status);
@@ -56,8 +48,7 @@ bool Tla_data_set_entry_file::token_values(std::u16string_view field_name,
     const std::optional<std::size_t> field = find_field(field_name);
     if (!field) return false;
     type = fields_[*field].type;
-    values_of(*field, values);
-    return true;
+    return values_of(*field, values);
 }
 
 bool Tla_data_set_entry_file::text_value(std::u16string_view field_name, std::u16string& text,
@@ -85,15 +76,9 @@ bool Tla_data_set_entry_file::holds(std::size_t field,
     if (field >= field_count_) return false;
     if (has_texts()) {
         std::vector<std::uint64_t> own;
-        values_of(field, own);
-        return std::ranges::equal(own, values);
+        return values_of(field, own) && std::ranges::equal(own, values);
     }
-    // In place: every record that a lookup comes upon is asked.
-    const auto own = tla_field_values(bytes_of(record_), field);
-    std::size_t i = 0;
-    return own.size() == values.size_bytes() && std::ranges::all_of(values, [own, &i](auto value) {
-               return value_at(own, i++) == value;
-           });
+    return field_holds(bytes(), field, values);
 }
 
 void Tla_data_set_entry_file::read(scl::Scl_status& status) {
@@ -120,6 +105,10 @@ std::optional<std::size_t> Tla_data_set_entry_file::find_field(std::u16string_vi
     return field;
 }
 
+std::span<const std::byte> Tla_data_set_entry_file::bytes() const {
+    return held_.empty() ? std::as_bytes(std::span(record_)) : held_;
+}
+
 bool Tla_data_set_entry_file::has_texts() const {
     return version_ == VERSION_WITH_TEXTS;
 }
@@ -134,33 +123,47 @@ std::string_view Tla_data_set_entry_file::text_of(std::size_t field) const {
 
 // Made when asked for. Most entries are asked for one field, and those of an upgrade for none: a
 // text's tokens cost more than its reading.
-void Tla_data_set_entry_file::values_of(std::size_t field,
+bool Tla_data_set_entry_file::values_of(std::size_t field,
                                         std::vector<std::uint64_t>& values) const {
+    if (field >= field_count_) return false;
     if (has_texts()) {
         std::u16string text;
         scl::scl_stow(text_of(field), text);
         (void)txtdfc::txtdfc_token_values(text, values); // without text, none
-        return;
+        return true;
     }
-    const auto own = tla_field_values(bytes_of(record_), field);
+    const auto own = tla_field_values(bytes(), field);
     values.resize(own.size() / TLA_TOKEN_VALUE_BYTES);
     for (std::size_t i = 0; i < values.size(); ++i) {
         values[i] = value_at(own, i);
     }
+    return true;
+}
+
+// Most records are at hand whole.
+void Tla_data_set_entry_file::read_values(scl::Scl_buffered_istream& in, scl::Scl_status& status) {
+    const auto record = whole_record(in.window(status), fields_.size());
+    if (record.empty()) return read_long_values(in, status);
+    if (file_.contents().empty()) {
+        record_.assign(reinterpret_cast<const char*>(record.data()), record.size());
+    } else {
+        held_ = record; // stays where it is
+    }
+    in.skip(record.size());
+    field_count_ = fields_.size();
+    if (!is_closed(record)) status.push(TLA_STATUS_RECORD_END);
 }
 
 // Count by count, as nothing tells a record's size in advance.
-void Tla_data_set_entry_file::read_values(scl::Scl_buffered_istream& in, scl::Scl_status& status) {
-    // Most records are at hand whole: their bytes then take memory once.
-    record_.reserve(std::min<std::uint64_t>(
-        tla_measure_record(in.window(status), fields_.size()).size, bytes_left(in, status)));
+void Tla_data_set_entry_file::read_long_values(scl::Scl_buffered_istream& in,
+                                               scl::Scl_status& status) {
     while (field_count_ != fields_.size() && take(TLA_COUNT_BYTES, in, status)) {
         const std::size_t at = record_.size() - TLA_COUNT_BYTES;
-        const std::size_t size = tla_field_size(bytes_of(record_).subspan(at).data());
+        const std::size_t size = tla_field_size(bytes().subspan(at).data());
         if (take(size - TLA_COUNT_BYTES, in, status)) ++field_count_;
     }
     if (status.has_failed() || !take(TLA_RECORD_END_BYTES, in, status)) return;
-    if (record_.back() != TLA_RECORD_END) status.push(TLA_STATUS_RECORD_END);
+    if (!is_closed(bytes())) status.push(TLA_STATUS_RECORD_END);
 }
 
 // Adds the stream's next bytes to the record. No memory is taken for what the file does not have,

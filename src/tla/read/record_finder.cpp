@@ -1,0 +1,57 @@
+#include "tla/read/record_finder.hpp"
+
+#include "tla/format/data_set_layout.hpp"
+#include "tla/read/record_bytes.hpp"
+
+#include <algorithm>
+
+namespace tla {
+
+void Record_finder::find(Key_index& index, std::vector<std::int64_t>& offsets,
+                         scl::Scl_status& status) {
+    const auto before = static_cast<std::ptrdiff_t>(offsets.size());
+    const Block_range blocks = index.blocks_with(wanted_.hash);
+    for (std::size_t place = blocks.begin; place < blocks.end && !status.has_failed(); ++place) {
+        scan(index.block_at(place), index.orders[place], offsets, status);
+    }
+    // Pairs of equal hash are in the order of their records, in a proper file.
+    const auto added = std::ranges::subrange(offsets.begin() + before, offsets.end());
+    if (std::ranges::adjacent_find(added, std::greater_equal()) == added.end()) return;
+    std::ranges::sort(added);
+    offsets.erase(std::ranges::unique(added).begin(), offsets.end());
+}
+
+// Where hashes ascend, the first other one behind the wanted ones ends the block.
+void Record_finder::scan(const Key_block& block, Block_order& order,
+                         std::vector<std::int64_t>& offsets, scl::Scl_status& status) {
+    std::uint32_t i = pairs_.first_candidate(block, wanted_.hash, order, status);
+    pairs_.go_to(block.offset + i * TLA_INDEX_PAIR_BYTES);
+    for (; i < block.pair_count && !status.has_failed(); ++i) {
+        if (order != Block_order::ascending) {
+            i += pairs_.skip_others(wanted_.hash, block.pair_count - i, status);
+            if (i == block.pair_count) break;
+        }
+        std::uint64_t hash = 0;
+        std::int64_t record_offset = 0;
+        pairs_.read_hash(hash, status);
+        pairs_.read_offset(record_offset, status);
+        if (status.has_failed() || hash != wanted_.hash) break;
+        if (is_wanted(record_offset, status)) offsets.push_back(record_offset);
+    }
+}
+
+// Most records are looked at where they lie.
+bool Record_finder::is_wanted(std::int64_t record_offset, scl::Scl_status& status) {
+    const auto record = entries_.record_at_hand(record_offset, status);
+    if (!record.empty()) {
+        allowance_.take(record.size(), status);
+        return !status.has_failed() && field_holds(record, wanted_.field, wanted_.values);
+    }
+    const auto entry = entries_.read(record_offset, status);
+    if (entry == nullptr) return false;
+    // Before the record is looked at: a crafted file may lead here for each of its pairs.
+    allowance_.take(entry->record_size(), status);
+    return !status.has_failed() && entry->holds(wanted_.field, wanted_.values);
+}
+
+} // namespace tla
