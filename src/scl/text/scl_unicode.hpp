@@ -83,8 +83,8 @@ extern const std::array<std::uint8_t, SCL_UNICODE_BIT_TABLE_LEN> SCL_UNICODE_BIT
     return scl_code_point_type(code_point) == Scl_unicode_code_point_type::white_space;
 }
 
-// True for a decimal digit of any script (general category Nd). These are the numbers that words are
-// cut at like digits; of all that are cut so, U+066B alone, a separator, is no number.
+// True for a decimal digit of any script (general category Nd). These are the numbers that words
+// are cut at like digits; of all that are cut so, U+066B alone, a separator, is no number.
 [[nodiscard]] inline bool scl_is_decimal_digit(char32_t code_point) {
     constexpr auto DIGIT =
         static_cast<std::uint8_t>(static_cast<unsigned>(Scl_word_break::numeric) << 3U |
