@@ -1,5 +1,5 @@
 # What makes faults harder to turn into attacks, where the compiler and the linker have it. The cost
-# in speed is told in CONTRIBUTING.md.
+# in speed is told in README.md.
 option(DSMAKE_HARDENED "Protect stacks, check copies, fix addresses before the program starts" ON)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON) # of programs as well: see the policy of check_pie_supported
 include(CheckPIESupported)
