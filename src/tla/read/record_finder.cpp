@@ -4,6 +4,7 @@
 #include "tla/read/record_bytes.hpp"
 
 #include <algorithm>
+#include <functional>
 
 namespace tla {
 
@@ -15,10 +16,11 @@ void Record_finder::find(Key_index& index, std::vector<std::int64_t>& offsets,
         scan(index.block_at(place), index.orders[place], offsets, status);
     }
     // Pairs of equal hash are in the order of their records, in a proper file.
-    const auto added = std::ranges::subrange(offsets.begin() + before, offsets.end());
-    if (std::ranges::adjacent_find(added, std::greater_equal()) == added.end()) return;
-    std::ranges::sort(added);
-    offsets.erase(std::ranges::unique(added).begin(), offsets.end());
+    const auto added = offsets.begin() + before; // no subrange: clang 14 cannot take it for a range
+    const auto end = offsets.end();
+    if (std::adjacent_find(added, end, std::greater_equal()) == end) return;
+    std::sort(added, end);
+    offsets.erase(std::unique(added, end), end);
 }
 
 // Where hashes ascend, the first other one behind the wanted ones ends the block.
