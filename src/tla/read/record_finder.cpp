@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <new>
 #include <span>
 
 namespace tla {
@@ -51,6 +52,8 @@ bool Record_finder::is_wanted(std::int64_t record_offset, scl::Scl_status& statu
         return !status.has_failed() && field_holds(record, wanted_.field, wanted_.values);
     }
     const auto entry = entries_.read(record_offset, status);
+    // Without memory for it nobody knows what the record holds: not to be passed over.
+    if (entry == nullptr && !status.has_failed()) throw std::bad_alloc();
     if (entry == nullptr) return false;
     // Before the record is looked at: a crafted file may lead here for each of its pairs.
     allowance_.take(entry->record_size(), status);
