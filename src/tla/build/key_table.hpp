@@ -18,8 +18,8 @@ struct Recorded {
     std::uint64_t header_end; // where the first record begins in the file
 };
 
-// Reads the pairs of a key, whose column is `key_field`, in one pass over the records, into `pairs`,
-// which holds none. Leaves TLA_STATUS_RECORD_END when a record does not end with 0x00,
+// Reads the pairs of a key, whose column is `key_field`, in one pass over the records, into
+// `pairs`, which holds none. Leaves TLA_STATUS_RECORD_END when a record does not end with 0x00,
 // SCL_STATUS_END_OF_DATA when there are fewer than `count`, and SCL_STATUS_READ_FAILED.
 void read_key_pairs(std::size_t key_field, const Recorded& recorded, Key_pairs& pairs,
                     scl::Scl_status& status);
