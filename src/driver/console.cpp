@@ -45,6 +45,8 @@ inline constexpr std::string_view USAGE_TEXT[] = {
 
 namespace {
 
+// At once, so that what goes to standard error, unbuffered, and this keep their order on a
+// terminal.
 void end_line() {
     std::putchar('\n');
     std::fflush(stdout);
@@ -65,6 +67,7 @@ void print_usage() {
     }
 }
 
+// Without its message texts a status would be numbers only: then nothing is printed.
 void print_status(const scl::Scl_status& status) {
     const std::array names = {std::string(scl::SCL_PLAT_STATUS_FILE_NAME),
                               std::string(scl::SCL_UTIL_STATUS_FILE_NAME)};

@@ -32,6 +32,7 @@ bool fail_with_usage(const char* message) {
 
 } // namespace
 
+// After an exception nothing reports and removes any more; a half-written output must not stay.
 Driver::~Driver() {
     if (output_given_ && std::uncaught_exceptions() > exceptions_before_) remove_output();
 }
@@ -42,6 +43,7 @@ int Driver::run(int argument_count, const char* const* arguments) {
         return EXIT_FAULT;
     }
     if (!take_options(argument_count, arguments)) return EXIT_FAULT;
+    // What an upgrade needs stands in the old file: a key or a schema beside -u asks for a build.
     const bool builds = !key_names_.empty() && !schema_.fields.empty();
     const bool names_nothing = key_names_.empty() && schema_.fields.empty();
     if (input_given_ && output_given_ && upgrade_asked_for_ && names_nothing) return upgrade();
@@ -58,6 +60,8 @@ bool Driver::take_options(int argument_count, const char* const* arguments) {
     }
 }
 
+// In the order in which they stand: files are opened at their options, so that a fault in a later
+// one leaves an empty output file behind.
 bool Driver::take_option(char letter) {
     switch (std::tolower(static_cast<unsigned char>(letter))) {
     case 'h':
@@ -120,6 +124,8 @@ void Driver::take_key(std::string_view name) {
     key_names_.push_back(wide(name));
 }
 
+// The input was opened to see that it can be; the upgrade opens it again, by its name, as a data
+// set.
 int Driver::upgrade() {
     input_.close(status_);
     tla::upgrade_data_set(input_name_, output_, status_);

@@ -23,6 +23,8 @@ Wide_arguments decode_arguments(std::span<char*> arguments) {
     return wide;
 }
 
+// Through UTF-16 and back, as on systems whose arguments are UTF-16: one path for all. Bytes that
+// are no UTF-8 come out as they went in.
 int run_driver(const Wide_arguments& wide) {
     std::vector<std::string> narrow(wide.size());
     std::vector<const char*> pointers;
@@ -43,6 +45,7 @@ int report_exception(const char* message) {
     return driver::EXIT_FAULT;
 }
 
+// Builds its text anew: what filled the memory is gone.
 int report_no_memory() {
     scl::Scl_status status;
     status.push(scl::SCL_STATUS_NO_MEMORY);

@@ -16,6 +16,7 @@ bool is_prefix(char character) {
     return character == '-' || character == '/';
 }
 
+// errno is set for callers that take the scanner for a function of the C library.
 char bad_option() {
     option_argument = nullptr;
     errno = EINVAL;
@@ -48,6 +49,7 @@ void step_over_plain_letter() {
     next_character = nullptr;
 }
 
+// `next_character` stays inside an argument as long as that has letters, so that -uh is -u and -h.
 char read_letter(int argument_count, const char* const* arguments, std::string_view letters) {
     const char letter = *next_character++;
     if (letter == '\0') {

@@ -9,6 +9,7 @@ namespace tla {
 
 namespace {
 
+// First of all: of a file that is something else, every number would be chance.
 void check_magic(scl::Scl_buffered_istream& in, std::u16string_view file_name,
                  scl::Scl_status& status) {
     std::array<char, TLA_DATA_SET_MAGIC.size()> magic{};
@@ -61,6 +62,7 @@ void tla_read_header(const scl::Scl_buffer& file, std::u16string_view file_name,
     replace_end_of_data(file_name, status);
 }
 
+// Known before a record is made, so that records can be noted with their places in the file.
 std::uint64_t tla_header_end(std::span<const Field_descriptor> fields) {
     return tla_aligned(TLA_FIELD_LIST_OFFSET + field_list_of(fields).size());
 }
@@ -69,7 +71,7 @@ std::uint64_t tla_write_header(std::span<const Field_descriptor> fields,
                                const Tla_header_counts& counts, scl::Scl_ostream& out,
                                scl::Scl_status& status) {
     const std::uint64_t header_end = tla_header_end(fields);
-    const std::uint64_t no_checksum_yet = 0;
+    const std::uint64_t no_checksum_yet = 0; // right for next to no file: a part of one is refused
     out.write(TLA_DATA_SET_MAGIC, status);
     out.write_le(no_checksum_yet, status);
     out.write_le(header_end + counts.records_size, status); // where the key tables begin

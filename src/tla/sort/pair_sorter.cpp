@@ -13,7 +13,7 @@ namespace {
 constexpr unsigned HASH_BITS = 64;
 constexpr unsigned MOST_BUCKET_BITS = 10;
 constexpr std::uint64_t PAIRS_A_BUCKET = 512; // aimed at
-constexpr std::size_t SMALL_BUCKET = 32768;   // pairs that are sorted in one piece
+constexpr std::size_t SMALL_BUCKET = 32768;   // pairs that are sorted in one piece: half a MiB
 
 unsigned bucket_bits(std::uint64_t expected_count, unsigned settled_bits) {
     const auto wanted = static_cast<unsigned>(std::bit_width(expected_count / PAIRS_A_BUCKET));
@@ -40,6 +40,8 @@ Tla_pair_sorter::Tla_pair_sorter(std::uint64_t expected_count, unsigned settled_
       shift_(std::min(HASH_BITS - settled_bits_, HASH_BITS - 1)),
       buckets_(std::size_t{1} << (settled_bits_ - settled_bits)) {}
 
+// Buckets by their number are in the order of the hashes' top bits, so that what each gives follows
+// what the one before gave.
 void Tla_pair_sorter::drain(Tla_pair_sink& sink) {
     for (Pair_bucket& bucket : buckets_) {
         drain_bucket(bucket, sink);
@@ -47,6 +49,8 @@ void Tla_pair_sorter::drain(Tla_pair_sink& sink) {
     }
 }
 
+// A large bucket has few different hashes, or there are more pairs than buckets can part. If just
+// one, it is sorted as it stands; splitting it would never end.
 void Tla_pair_sorter::drain_bucket(Pair_bucket& bucket, Tla_pair_sink& sink) {
     const std::size_t size = bucket.size();
     if (size <= SMALL_BUCKET) {
@@ -61,6 +65,7 @@ void Tla_pair_sorter::drain_bucket(Pair_bucket& bucket, Tla_pair_sink& sink) {
     }
 }
 
+// Out of the cells into one piece, whose memory serves all buckets in turn.
 void Tla_pair_sorter::drain_small(const Pair_bucket& bucket, Tla_pair_sink& sink) {
     std::vector<Index_pair>& pairs = workspace_->pairs;
     pairs.clear();
@@ -74,6 +79,8 @@ void Tla_pair_sorter::drain_small(const Pair_bucket& bucket, Tla_pair_sink& sink
     sink.take(pairs);
 }
 
+// Each cell is given back as soon as its pairs are taken over, so that the parts take hardly more
+// memory than the bucket had.
 void Tla_pair_sorter::split(const Pair_bucket& bucket, std::size_t size, Tla_pair_sink& sink) {
     Tla_pair_sorter parts(size, settled_bits_, cells_, workspace_);
     for (Pair_cell* cell = bucket.first_cell(); cell != nullptr;) {
