@@ -75,7 +75,7 @@ private:
     template <typename Ask>
     auto ask_both(const Ask& ask) {
         scl::Scl_status held_status = status;
-        const auto answer = ask(connector, status);
+        auto answer = ask(connector, status);
         if (held_is_compared) {
             EXPECT_EQ(ask(held, held_status), answer);
             EXPECT_EQ(held_status.value(), status.value());

@@ -249,22 +249,25 @@ TEST(Lookup, FindsWhatTheRuleSaysInAnyTable) {
     }
 }
 
-// What docs/reading.md promises of a file with one key: all records that have a pair, but that of
-// pairs on both sides of a block's border only those behind it are found.
+// By key hash the offsets of the first table's pairs: all, or of pairs on both sides of a block's
+// border only those behind it.
+std::map<std::uint64_t, Offsets> offsets_by_hash(const test::Small_reader& reader, bool all) {
+    std::map<std::uint64_t, Offsets> by_hash;
+    const auto& pairs = reader.tables().at(0).pairs;
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        Offsets& offsets = by_hash[pairs[i].first];
+        if (i % BLOCK == 0 && !all) offsets.clear();
+        offsets.push_back(static_cast<std::int64_t>(pairs[i].second));
+    }
+    return by_hash;
+}
+
+// What docs/reading.md promises of a file with one key.
 void expect_all_found(const Rows& rows) {
     const std::string file = test::version2("K,Simple;V,Simple", {"K"}, rows);
     const test::Small_reader reader(file);
-    const auto& pairs = reader.tables().at(0).pairs;
-    std::map<std::uint64_t, Offsets> expected; // by key hash
-    for (std::size_t i = 0; i < pairs.size(); ++i) {
-        Offsets& offsets = expected[pairs[i].first];
-        if (i % BLOCK == 0) offsets.clear();
-        offsets.push_back(static_cast<std::int64_t>(pairs[i].second));
-    }
-    std::map<std::uint64_t, Offsets> with_pair;
-    for (const auto& [hash, offset] : pairs) {
-        with_pair[hash].push_back(static_cast<std::int64_t>(offset));
-    }
+    auto expected = offsets_by_hash(reader, false);
+    auto with_pair = offsets_by_hash(reader, true);
     test::Loaded connected(file);
     std::set<std::string> looked_up;
     for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -309,7 +312,8 @@ TEST(Find_records, MissesNoneAmongEqualHashesOverBlocks) {
     std::string file = test::version2("K,Simple;V,Simple", {"K"}, rows);
     const test::Small_reader reader(file);
     const std::set<std::int64_t> all(reader.records().begin(), reader.records().end());
-    const std::uint64_t hash = test::Small_reader::crc(reader.value_bytes(*all.begin(), 0));
+    const std::uint64_t hash =
+        test::Small_reader::crc(reader.value_bytes(reader.records().front(), 0));
     const std::size_t pairs = test::pairs_of_first_key(file);
     Offsets expected;
     for (std::size_t i = 0; i < COUNT; ++i) {
@@ -327,7 +331,8 @@ TEST(Find_records, MissesNoneAmongEqualHashesOverBlocks) {
         EXPECT_EQ(connected.status.value(), 0U);
     };
     expect_found();
-    test::put(file, pairs + 99 * 16, hash + 1); // in the first block, which then does not ascend
+    test::put(file, pairs + std::size_t{99} * 16,
+              hash + 1); // in the first block, which then does not ascend
     test::put(file, pairs + 2 * BLOCK * 16, hash - 1); // nor do the blocks
     std::erase(expected, test::number_at<std::int64_t>(file, pairs + 2 * BLOCK * 16 + 8));
     expect_found();

@@ -38,9 +38,10 @@ private:
     void skip_spaces() {
         if constexpr (sizeof(Unit) == 1) {
             const Unit* const from = at_;
-            while (at_ != text_.end && *at_ <= ' ' &&
-                   scl::scl_is_white_space(static_cast<unsigned char>(*at_))) {
-                ++at_;
+            for (; at_ != text_.end; ++at_) {
+                const Unit unit = *at_; // NOLINT: never null where there is a unit
+                const auto code_point = static_cast<unsigned char>(unit);
+                if (code_point > ' ' || !scl::scl_is_white_space(code_point)) break;
             }
             if (from == text_.begin && at_ != from) take_(from, from);
         }
@@ -100,7 +101,7 @@ private:
 
     [[nodiscard]] char32_t read(const Unit*& at) const {
         if constexpr (sizeof(Unit) == 1) {
-            return static_cast<unsigned char>(*at++);
+            return static_cast<unsigned char>(*at++); // NOLINT: as above
         } else {
             std::size_t length = 0;
             const std::basic_string_view<Unit> rest(at, static_cast<std::size_t>(text_.end - at));
