@@ -26,7 +26,8 @@ Pair_cell* Pair_cells::take() {
     return &slabs_.back()[used_in_last_slab_++];
 }
 
-// Aligned to large pages in any case, so that one way of freeing does for all.
+// Aligned to large pages in any case, so that one way of freeing does for all, and to cells, which
+// must lie at multiples of their size.
 void Pair_cells::add_slab() {
     const bool is_large = slabs_.size() >= SMALL_SLABS;
     const std::size_t cells = is_large ? LARGE_SLAB_CELLS : SMALL_SLAB_CELLS;
@@ -50,7 +51,7 @@ void Pair_cells::give_back(Pair_cell* cell) {
 
 std::span<const Index_pair> Pair_bucket::pairs_of(const Pair_cell& cell) const {
     const Index_pair* const begin = cell.pairs.data();
-    return {begin, &cell == last_ ? at_ : begin + Pair_cell::PAIRS};
+    return {begin, &cell == last_cell() ? at_ : begin + Pair_cell::PAIRS};
 }
 
 std::size_t Pair_bucket::size() const {
@@ -74,10 +75,14 @@ bool Pair_bucket::is_uniform() const {
 void Pair_bucket::add_cell(Pair_cells& cells) {
     Pair_cell* const cell = cells.take();
     cell->next = nullptr;
-    (last_ == nullptr ? first_ : last_->next) = cell;
-    last_ = cell;
+    (first_ == nullptr ? first_ : last_cell()->next) = cell;
     at_ = cell->pairs.data();
-    end_ = at_ + Pair_cell::PAIRS;
+}
+
+// Of a bucket that is not empty: the cell that the last pair lies in.
+Pair_cell* Pair_bucket::last_cell() const {
+    const auto last_pair = std::bit_cast<std::uintptr_t>(at_ - 1);
+    return std::bit_cast<Pair_cell*>(last_pair - last_pair % sizeof(Pair_cell));
 }
 
 } // namespace tla

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -20,7 +21,7 @@ static_assert(sizeof(Index_pair) == 16);
     return a.key_hash < b.key_hash;
 }
 
-// A page of pairs, linked to the next of its bucket.
+// A page of pairs, linked to the next of its bucket. Lies at a multiple of its size.
 struct Pair_cell {
     static constexpr std::size_t PAIRS = 255;
 
@@ -50,11 +51,12 @@ private:
     Pair_cell* free_ = nullptr; // given back, each linked to the next
 };
 
-// Pairs in the order in which they were added.
+// Pairs in the order in which they were added. As small as can be, since a thousand buckets take
+// turns: where a cell ends its address tells.
 class Pair_bucket {
 public:
     void add(const Index_pair& pair, Pair_cells& cells) {
-        if (at_ == end_) add_cell(cells);
+        if (is_full()) add_cell(cells);
         // Its next line of memory: the buckets are too many for the processor to see it coming.
         __builtin_prefetch(at_ + PREFETCH_PAIRS, 1);
         *at_++ = pair;
@@ -70,12 +72,15 @@ public:
 private:
     static constexpr std::size_t PREFETCH_PAIRS = 64 / sizeof(Index_pair);
 
+    // Null is: there is no cell yet.
+    [[nodiscard]] bool is_full() const {
+        return std::bit_cast<std::uintptr_t>(at_) % sizeof(Pair_cell) == 0;
+    }
+    [[nodiscard]] Pair_cell* last_cell() const;
     void add_cell(Pair_cells& cells);
 
-    Index_pair* at_ = nullptr;
-    Index_pair* end_ = nullptr;
+    Index_pair* at_ = nullptr; // where the next pair goes
     Pair_cell* first_ = nullptr;
-    Pair_cell* last_ = nullptr;
 };
 
 } // namespace tla
