@@ -355,6 +355,14 @@ TEST(Largest_token_count, IsThatOfAnyRecord) {
     EXPECT_EQ(std::vector({count(0), count(1), count(2), count(3)}),
               std::vector({1U, 5U, 40000U, 0U}));
     EXPECT_EQ(file.status.value(), 0U);
+    // What the file does not count as a record is none, and may be anything.
+    std::string lost = test::version2("A,Simple", {"A"}, {{"a b"}, {"c"}, {"d"}});
+    const std::size_t third = test::Small_reader(lost).records()[2];
+    test::put(lost, third, std::uint16_t{0xFFFF});
+    test::put(lost, 28, std::uint32_t{2});
+    test::Loaded shortened(sealed(lost));
+    EXPECT_EQ(shortened.connector.largest_token_count(0, shortened.status), 2);
+    EXPECT_EQ(shortened.status.value(), 0U);
     test::Loaded old(test::version1("A,Simple", {"A"}, {{"a"}}));
     EXPECT_EQ(old.connector.largest_token_count(0, old.status), 0);
     EXPECT_EQ(old.status.value(), tla::TLA_STATUS_VERSION);

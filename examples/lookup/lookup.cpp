@@ -33,6 +33,10 @@ std::u16string wide(std::string_view narrow) {
     return text;
 }
 
+std::string counted(std::uint64_t count, std::string_view noun) {
+    return std::to_string(count) + ' ' + std::string(noun) + (count == 1 ? "" : "s");
+}
+
 // Control characters, and bytes that were no UTF-8, as \xNN: nothing that is shown steers a
 // terminal.
 std::string shown(std::u16string_view text) {
@@ -86,12 +90,13 @@ public:
         scl::Scl_status status;
         static_cast<void>(connector_.largest_token_count(0, status));
         check(status);
-        std::cout << shown(name_) << ": " << connector_.record_count() << " records of "
-                  << fields().size() << " fields; the file checks out\n";
+        std::cout << shown(name_) << ": " << counted(connector_.record_count(), "record") << " of "
+                  << counted(fields().size(), "field") << "; the file checks out\n";
         for (const tla::Field_descriptor& field : fields()) {
             const bool is_key = std::ranges::find(keys_, field.name) != keys_.end();
+            const std::string_view type = tla::tla_formatter_name_from_type_id(field.type);
             std::cout << "  " << shown(field.name) << ", "
-                      << tla::tla_formatter_name_from_type_id(field.type) << (is_key ? ", key" : "")
+                      << (type.empty() ? "of unknown type" : type) << (is_key ? ", key" : "")
                       << '\n';
         }
     }
@@ -121,8 +126,7 @@ private:
     }
 
     static void print_line(const std::string& what, const std::vector<std::int64_t>& offsets) {
-        std::cout << what << ": " << offsets.size()
-                  << (offsets.size() == 1 ? " record" : " records");
+        std::cout << what << ": " << counted(offsets.size(), "record");
         for (std::size_t i = 0; i < offsets.size(); ++i) {
             std::cout << (i == 0 ? " (" : " ") << offsets[i];
         }

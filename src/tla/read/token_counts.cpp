@@ -14,8 +14,9 @@ std::vector<std::uint16_t> largest_token_counts(const scl::Scl_buffer& file,
     std::vector<std::uint16_t> largest(header.fields.size());
     scl::Scl_buffered_istream in(file, false, status, scl::Scl_eol::none);
     in.set_position(header.data_start);
-    // The records end where the key tables begin.
-    while (in.tell() < header.index_offset && !status.has_failed()) {
+    // As many as the file says: where one was written differently from how it is read, the rest up
+    // to the key tables are no records.
+    for (std::uint32_t left = header.record_count; left > 0 && !status.has_failed(); --left) {
         for (std::uint16_t& most : largest) {
             Tla_token_count count = 0;
             in.read_be(count, status);
