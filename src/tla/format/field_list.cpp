@@ -1,7 +1,7 @@
 #include "tla/format/field_list.hpp"
 
-#include "records/tla_formatters.hpp"
-#include "records/tla_status_codes.hpp"
+#include "records/values/tla_formatters.hpp"
+#include "records/values/tla_status_codes.hpp"
 #include "scl/text/scl_string.hpp"
 #include "tla/format/data_set_layout.hpp"
 
@@ -61,8 +61,8 @@ private:
 
 } // namespace
 
-void read_field_list(scl::Scl_buffered_istream& in, std::vector<Field_descriptor>& fields,
-                     scl::Scl_status& status) {
+void tla_read_field_list(scl::Scl_buffered_istream& in, std::vector<Field_descriptor>& fields,
+                         scl::Scl_status& status) {
     Field_list_parser parser(fields);
     bool goes_on = true;
     while (goes_on) {
@@ -71,7 +71,7 @@ void read_field_list(scl::Scl_buffered_istream& in, std::vector<Field_descriptor
     }
 }
 
-std::string field_list_of(std::span<const Field_descriptor> fields) {
+std::string tla_field_list_of(std::span<const Field_descriptor> fields) {
     std::string list;
     for (const Field_descriptor& field : fields) {
         scl::scl_string_append(list, field.name);

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "records/values/tla_value_tokens.hpp"
 #include "tla/format/data_set_header.hpp"
-#include "tla/read/entry_reader.hpp"
-#include "tla/read/key_index.hpp"
-#include "tla/read/key_value.hpp"
-#include "tla/read/pair_reader.hpp"
+#include "tla/read/entries/entry_reader.hpp"
+#include "tla/read/keys/key_index.hpp"
+#include "tla/read/keys/pair_reader.hpp"
 #include "tla/read/tla_data_set_connector_file.hpp"
 
 #include <memory>
@@ -22,7 +22,7 @@ struct Tla_data_set_connector_file::Source {
     std::unique_ptr<const scl::Scl_buffer> file;
     Pair_reader pairs;
     Entry_reader entries;
-    Key_tokeniser tokeniser;
+    Tla_value_tokeniser tokeniser;
 };
 
 // What a connector knows of its file.

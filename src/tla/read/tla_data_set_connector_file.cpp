@@ -1,12 +1,12 @@
 #include "tla/read/tla_data_set_connector_file.hpp"
 
-#include "records/tla_status_codes.hpp"
+#include "records/values/tla_status_codes.hpp"
 #include "scl/io/scl_buffers.hpp"
 #include "scl/io/scl_file_buffer.hpp"
 #include "scl/text/scl_case.hpp"
 #include "tla/format/data_set_layout.hpp"
 #include "tla/read/connector_state.hpp"
-#include "tla/read/held_file.hpp"
+#include "tla/read/file_in_memory.hpp"
 
 #include <algorithm>
 #include <exception>
@@ -30,7 +30,7 @@ const std::vector<Field_descriptor>& Tla_data_set_connector_file::field_descript
 }
 
 std::uint8_t Tla_data_set_connector_file::version() const {
-    return state_->header.version();
+    return state_->header.version().number;
 }
 
 std::uint64_t Tla_data_set_connector_file::data_start() const {
@@ -74,7 +74,7 @@ void Tla_data_set_connector_file::open(scl::Scl_status& status) {
 void Tla_data_set_connector_file::close() {
     state_->data_file_name.clear();
     state_->header.fields.clear();
-    state_->header.index_offset = 0;
+    state_->header.key_table_offset = 0;
     state_->header.key_count = 0;
     state_->header.record_count = 0;
     state_->source.reset();
@@ -119,7 +119,7 @@ void Tla_data_set_connector_file::read_body(scl::Scl_status& status) {
     }
     scl::Scl_crc64 crc;
     if (state_->held) {
-        auto bytes = hold_file(*state_->source->file, crc, status);
+        auto bytes = tla_read_into_memory(*state_->source->file, crc, status);
         if (!status.has_failed())
             state_->source = std::make_unique<Source>(std::move(bytes), state_->header);
     } else {
@@ -134,7 +134,7 @@ void Tla_data_set_connector_file::read_body(scl::Scl_status& status) {
 void Tla_data_set_connector_file::read_key_indexes(scl::Scl_status& status) {
     scl::Scl_buffered_istream in(*state_->source->file, false, status, scl::Scl_eol::none);
     in.limit_read_ahead(SAMPLE_READ_AHEAD_BYTES);
-    in.set_position(state_->header.index_offset);
+    in.set_position(state_->header.key_table_offset);
     for (std::uint16_t i = 0; i < state_->header.key_count && !status.has_failed(); ++i) {
         Key_index index =
             read_key_index(in, state_->header.record_count, state_->block_size, status);
