@@ -90,7 +90,7 @@ const Formatter_type* find_type(const Formatter_type_id& id) {
 
 } // namespace
 
-// A failed normalisation is nobody's fault and not reported: the value is then used as it came.
+// A normalisation that fails is not reported: the value is then used as it came.
 bool Tla_formatter_base::copy_normalised(std::u16string_view input, std::u16string& output,
                                          bool raw) {
     const bool is_plain = scl::scl_is_plain(input);
@@ -112,7 +112,7 @@ void Tla_simple_formatter::format(std::u16string_view input, std::u16string& out
     (void)copy_normalised(input, output, raw);
 }
 
-Ascii Tla_simple_formatter::format_ascii(Ascii value, Tla_padded_buffer<char>& /*scratch*/) {
+Ascii Tla_simple_formatter::format_ascii(Ascii value, Tla_padded_buffer<char>& /*buffer*/) {
     return value;
 }
 
@@ -125,9 +125,9 @@ void Tla_simplenc_formatter::format(std::u16string_view input, std::u16string& o
     }
 }
 
-Ascii Tla_simplenc_formatter::format_ascii(Ascii value, Tla_padded_buffer<char>& scratch) {
-    scl::scl_lower_ascii(value, scratch.room(value.size()));
-    return scratch.text(value.size());
+Ascii Tla_simplenc_formatter::format_ascii(Ascii value, Tla_padded_buffer<char>& buffer) {
+    scl::scl_lower_ascii(value, buffer.room(value.size()));
+    return buffer.text(value.size());
 }
 
 void Tla_ccnum_formatter::format(std::u16string_view input, std::u16string& output,
@@ -136,9 +136,9 @@ void Tla_ccnum_formatter::format(std::u16string_view input, std::u16string& outp
     std::erase_if(output, is_separator<char16_t>);
 }
 
-// Most numbers come without separators and are used where they are.
-Ascii Tla_ccnum_formatter::format_ascii(Ascii value, Tla_padded_buffer<char>& scratch) {
-    char* const begin = scratch.room(value.size());
+// Most numbers have no separators and are used where they lie.
+Ascii Tla_ccnum_formatter::format_ascii(Ascii value, Tla_padded_buffer<char>& buffer) {
+    char* const begin = buffer.room(value.size());
     const char* const end = copy_without_separators(value, begin);
     return end == nullptr ? value : Ascii{begin, end};
 }
