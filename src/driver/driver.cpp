@@ -130,10 +130,11 @@ int Driver::upgrade() {
     input_.close(status_);
     tla::upgrade_data_set(input_name_, output_, status_);
     close_output();
-    // Duplicates are not reported in this mode. Records that are missing are: nobody would know.
-    if (!status_.ok() || status_.contains_value(tla::TLA_STATUS_RECORDS_LOST)) {
-        print_status(status_);
-    }
+    // Duplicates are not reported in this mode. Records that are missing or read differently from
+    // how they were written are: nobody would know.
+    const bool warned = status_.contains_value(tla::TLA_STATUS_COUNT_WRAPPED) ||
+                        status_.contains_value(tla::TLA_STATUS_RECORDS_LOST);
+    if (!status_.ok() || warned) print_status(status_);
     if (status_.ok()) return EXIT_OK;
     remove_output();
     return EXIT_FAULT;
@@ -159,6 +160,7 @@ int Driver::build() {
     // A column of unknown type, or a value of more tokens than a count can say, makes a file that
     // is read differently from how it was written. It is kept, but not without a word.
     if (status_.ok()) {
+        tla::tla_warn_of_wrapped_records(result.wrapped, status_);
         tla::tla_warn_of_lost_records(result.record_count, result.line_count, status_);
     }
     return report_generation();

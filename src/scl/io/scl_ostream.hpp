@@ -17,7 +17,13 @@ namespace scl {
 // latest into that of flush() or detach(): call one of them before trusting what was written.
 // Writing without a buffer attached sets SCL_STATUS_OUT_OF_BOUNDS.
 class Scl_ostream {
+    // Large, so that the system is seldom called: a call costs as much as some hundred records.
+    static constexpr std::size_t STORAGE_BYTES = std::size_t{256} << 10;
+
 public:
+    // What room() gives at the most.
+    static constexpr std::size_t MOST_ROOM = STORAGE_BYTES;
+
     Scl_ostream() = default;
     Scl_ostream(Scl_buffer& buffer, Scl_status& status, Scl_eol eol) { init(buffer, status, eol); }
     Scl_ostream(const Scl_ostream&) = delete;
@@ -64,9 +70,6 @@ public:
     void set_position(std::uint64_t position, Scl_status& status);
 
 private:
-    // Large, so that the system is seldom called: a call costs as much as some hundred records.
-    static constexpr std::size_t STORAGE_BYTES = std::size_t{256} << 10;
-
     // Where `count` bytes, few against STORAGE_BYTES, can be stored; null when not attached.
     [[nodiscard]] std::byte* make_room(std::size_t count, Scl_status& status) {
         if (capacity_ - used_ < count && !flush_attached(status)) return nullptr;
