@@ -195,8 +195,7 @@ void Driver::close_output() {
 }
 
 void Driver::remove_output() {
-    scl::Scl_status nobody_listens;
-    output_.close(nobody_listens);
+    output_.discard();
     // Through the C library and by the name as typed. When even this fails, what stays has no valid
     // checksum and no reader takes it.
     const Signals_wait hold;
