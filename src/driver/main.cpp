@@ -49,8 +49,8 @@ int report_exception(const char* message) {
 // Takes no memory: what filled it may be another program, and then it is as full as before.
 int report_no_memory() {
     const std::string_view text = scl::Scl_status_lookup::message(scl::SCL_STATUS_NO_MEMORY);
-    std::fprintf(stderr, "0x%08X: %.*s\n", scl::SCL_STATUS_NO_MEMORY,
-                 static_cast<int>(text.size()), text.data());
+    std::fprintf(stderr, "0x%08X: %.*s\n", scl::SCL_STATUS_NO_MEMORY, static_cast<int>(text.size()),
+                 text.data());
     return driver::EXIT_FAULT;
 }
 
