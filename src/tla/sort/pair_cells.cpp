@@ -2,6 +2,8 @@
 
 #include "scl/io/scl_file.hpp"
 
+#include <utility>
+
 #include <algorithm>
 #include <new>
 
@@ -31,8 +33,10 @@ Pair_cell* Pair_cells::take() {
 void Pair_cells::add_slab() {
     const bool is_large = slabs_.size() >= SMALL_SLABS;
     const std::size_t cells = is_large ? LARGE_SLAB_CELLS : SMALL_SLAB_CELLS;
-    slabs_.emplace_back(static_cast<Pair_cell*>(
+    // Owned before the list grows, which may fail for lack of memory.
+    std::unique_ptr<Pair_cell[], Free> slab(static_cast<Pair_cell*>(
         ::operator new (cells * sizeof(Pair_cell), std::align_val_t{scl::SCL_LARGE_PAGE})));
+    slabs_.push_back(std::move(slab));
     if (is_large) {
         scl::scl_prefer_large_pages(std::as_writable_bytes(std::span(slabs_.back().get(), cells)));
     }
