@@ -2,10 +2,9 @@
 
 #include "scl/io/scl_file.hpp"
 
-#include <utility>
-
 #include <algorithm>
 #include <new>
+#include <utility>
 
 namespace tla {
 
