@@ -18,7 +18,8 @@ namespace tla {
 // Adds the fields of a file's field list to `fields`. The stream, attached with this status, stands
 // at the list's front and is left behind its closing byte. A field whose two names are empty ends
 // the list when it is not the first. Sets TLA_STATUS_FIELD_LIST for a list that is empty or a field
-// without 0x0A; leaves SCL_STATUS_END_OF_DATA and SCL_STATUS_READ_FAILED as the stream reports them.
+// without 0x0A; leaves SCL_STATUS_END_OF_DATA and SCL_STATUS_READ_FAILED as the stream reports
+// them.
 void tla_read_field_list(scl::Scl_buffered_istream& in, std::vector<Field_descriptor>& fields,
                          scl::Scl_status& status);
 
