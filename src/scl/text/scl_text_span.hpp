@@ -65,11 +65,12 @@ inline void scl_lower_ascii(const Scl_text_span<char>& text, char* to) {
 // Whether bytes are ASCII. The last block may hold what lies behind the text: a byte there that is
 // not ASCII does not count.
 [[nodiscard]] inline bool scl_is_ascii(const Scl_text_span<char>& text) {
-    for (const char* at = text.begin; at < text.end; at += SCL_BLOCK_BYTES) {
-        const std::uint32_t others = Scl_block(at).top_bits();
-        if (others != 0) return text.end - at <= std::countr_zero(others);
+    const char* at = text.begin;
+    std::uint32_t others = 0;
+    for (; at < text.end && others == 0; at += SCL_BLOCK_BYTES) {
+        others = Scl_block(at).top_bits();
     }
-    return true;
+    return others == 0 || at - SCL_BLOCK_BYTES + std::countr_zero(others) >= text.end;
 }
 
 } // namespace scl
