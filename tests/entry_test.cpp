@@ -22,11 +22,13 @@ Values tokens_of(std::u16string_view text) {
 // `data_start`.
 struct Raw_entry {
     Raw_entry(std::string_view bytes, std::uint8_t version, std::uint64_t data_start = 0) {
-        header.fields = {{u"a", {}}, {u"b", {}}};
         header.raw_version[0] = version;
         header.data_start = data_start;
-        file.write_at(0, std::as_bytes(std::span(bytes)), status);
-        entry = tla::Entry_reader(file, header).make(0);
+        auto file = std::make_unique<scl::Scl_heap_buffer>();
+        file->write_at(0, std::as_bytes(std::span(bytes)), status);
+        const auto source = std::make_shared<const tla::Entry_source>(
+            std::move(file), std::make_shared<const tla::Entry_fields>(fields));
+        entry = tla::Entry_reader(source, header).make(0);
         entry->read(status);
     }
     Values values(std::u16string_view name) const {
@@ -37,7 +39,7 @@ struct Raw_entry {
 
     scl::Scl_status status;
     tla::Tla_data_set_header header;
-    scl::Scl_heap_buffer file;
+    std::vector<tla::Field_descriptor> fields = {{u"a", {}}, {u"b", {}}};
     std::unique_ptr<tla::Tla_data_set_entry_file> entry;
 };
 
@@ -60,7 +62,7 @@ TEST(Entry, ReadsTokenListsUpToTheClosingByte) {
     EXPECT_EQ(open_ended.status.value(), tla::TLA_STATUS_RECORD_END);
     EXPECT_EQ(open_ended.values(u"a"), Values{0x0102030405060708});
     Raw_entry outgrown("\0\0\0\0\0"s, 2);
-    outgrown.header.fields.push_back({u"c", {}}); // as when its connector opens another file
+    outgrown.fields.push_back({u"c", {}}); // as when its connector loads another file
     EXPECT_EQ(outgrown.values(u"c"), NONE);
     for (const std::string& cut :
          {""s, "\0"s, "\0\1\1\2\3\4\5\6\7"s, "\0\0\xff\xff"s, "\0\0\0\0"s}) {
