@@ -1,6 +1,7 @@
 #include "scl/status/scl_status_lookup.hpp"
 
 #include "message_files.hpp"
+#include "scl/status/scl_display.hpp"
 #include "scl/text/scl_string.hpp"
 
 #include <algorithm>
@@ -35,29 +36,6 @@ std::string_view find_message(std::string_view code) {
     return {};
 }
 
-// A byte that was no UTF-8 is U+DC00 + byte in wide text. The same unit is also the second half of
-// some pairs.
-bool is_raw_byte(char16_t unit) {
-    return unit >= 0xDC80 && unit <= 0xDCFF;
-}
-
-bool is_control(char16_t unit) {
-    return unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
-}
-
-// For both kinds the number shown is the byte's or the control character's own.
-void append_shown(std::u16string& text, std::u16string_view argument) {
-    for (std::size_t i = 0; i < argument.size(); ++i) {
-        const char16_t unit = argument[i];
-        const bool in_pair = i > 0 && (argument[i - 1] & 0xFC00) == 0xD800;
-        if (is_control(unit) || (is_raw_byte(unit) && !in_pair)) {
-            scl_string_append(text, "\\x" + hex(unit & 0xFFU, 2));
-        } else {
-            text += unit;
-        }
-    }
-}
-
 void append_entry(std::u16string& text, const Scl_status::Entry& entry) {
     const std::string code = hex(entry.code, 8);
     scl_string_append(text, "0x" + code);
@@ -67,7 +45,7 @@ void append_entry(std::u16string& text, const Scl_status::Entry& entry) {
     const std::size_t place = message.find(ARGUMENT_PLACE);
     scl_string_append(text, message.substr(0, place));
     if (place != std::string_view::npos) {
-        if (entry.argument != nullptr) append_shown(text, entry.argument->text());
+        if (entry.argument != nullptr) scl_append_displayed(text, entry.argument->text());
         scl_string_append(text, message.substr(place + ARGUMENT_PLACE.size()));
     }
     if (entry.count > 1) {
