@@ -51,8 +51,8 @@ std::u16string any_text(std::mt19937& random) {
 void expect_ascending_places(const tla::Tla_formatted_text& form, std::size_t original_size) {
     std::size_t last = 0;
     for (std::size_t place = 0; place <= form.text().size(); ++place) {
-        EXPECT_LE(last, form.original_place(place));
-        last = form.original_place(place);
+        EXPECT_LE(last, form.original_offset(place));
+        last = form.original_offset(place);
     }
     EXPECT_EQ(last, original_size);
 }
@@ -68,8 +68,8 @@ void expect_places_at_cuts(const std::u16string& text, std::string_view type, st
         if (at % every != 0) continue; // few are enough of each text
         const std::size_t place = form_of(std::u16string_view(text).substr(0, at), type).size();
         const std::size_t removed = type == "CCNUMBER" ? text.find_first_not_of(u" -", at) : at;
-        EXPECT_GE(in_form.original_place(place), at) << type;
-        EXPECT_LE(in_form.original_place(place), std::min(removed, text.size())) << type << at;
+        EXPECT_GE(in_form.original_offset(place), at) << type;
+        EXPECT_LE(in_form.original_offset(place), std::min(removed, text.size())) << type << at;
     }
 }
 
@@ -87,7 +87,7 @@ TEST(Text_in_form, IsWhatTheFormatterMakesAndLeadsBack) {
 TEST(Text_in_form, LeadsIntoPieces) {
     const auto place = [](std::u16string_view text, std::string_view type, std::size_t at) {
         return tla::Tla_formatted_text(text, tla::tla_formatter_type_id_from_name(type))
-            .original_place(at);
+            .original_offset(at);
     };
     EXPECT_EQ(place(u"\n\u0344x", "Simple", 1), 1U) << "a mark on nothing is a word of its own";
     EXPECT_EQ(place(u"\u2ADC\u1161", "Simple", 2), 1U) << "the vowel, behind what grew";

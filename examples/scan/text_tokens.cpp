@@ -109,7 +109,7 @@ Text_tokens::Text_tokens(std::u16string_view original, Form form) {
             reader.take(static_cast<std::uint32_t>(values.size()), begin, end);
         }
         values.push_back(txt::txt_token_value(scl::Scl_text_span<char16_t>{begin, end}));
-        places.push_back(in_form.original_place(static_cast<std::size_t>(begin - start)));
+        places.push_back(in_form.original_offset(static_cast<std::size_t>(begin - start)));
     });
 }
 

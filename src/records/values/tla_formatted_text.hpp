@@ -13,13 +13,15 @@ namespace tla {
 
 class Tla_formatter_base;
 
-// A text in the form of a formatter type, as values of that type are stored: what the type's
-// formatter makes of the whole text, by the formatter itself. Places in it lead back to the
-// original, so that what was found in the form can be shown in its own spelling. Places are in
-// 16-bit units.
+// A text as a formatter type stores it, made by the type's own formatter from the whole text, with
+// a map of offsets back to the original: so what was found in the formatted text can be shown as it
+// was written. Offsets and sizes are in 16-bit units. For example, of type SimpleNC:
 //
-// Keeps the form, and a pair of places only where a piece of the text changes its length; not the
-// original. Time is in proportion to the text. Memory exhausted is thrown (std::bad_alloc).
+//     original    N A I <U+0308> V E        offsets 0 1 2 3 4 5
+//     formatted   n a   <U+00EF> v e        offsets 0 1   2 3 4
+//
+// Keeps the formatted text, and a pair of offsets for each piece that changed its length; not the
+// original. Time is in proportion to the text. Throws std::bad_alloc.
 class Tla_formatted_text {
 public:
     // A type that is none of the three gives an empty text.
@@ -27,22 +29,22 @@ public:
 
     [[nodiscard]] std::u16string_view text() const { return text_; }
 
-    // Where in the original that stands which became the character at a place of the form; the
-    // original's size for the form's. Of what was removed, it leads behind. Inside a group of
-    // characters that became another one as a whole (letters and their marks), it leads to one of
-    // them.
-    [[nodiscard]] std::size_t original_place(std::size_t place) const;
+    // Maps an offset in the formatted text to the offset in the original of the character it came
+    // from; removed text maps to the offset after it, the formatted text's end to the original's.
+    // Inside a group of characters that changed as a whole (a letter and its marks) it maps to one
+    // of them.
+    [[nodiscard]] std::size_t original_offset(std::size_t formatted_offset) const;
 
 private:
-    // Where a piece of another length ends.
+    // Where a piece that changed its length ends.
     struct Piece_end {
-        std::size_t in_form;
+        std::size_t in_formatted;
         std::size_t in_original;
     };
     class Comparison;
 
     std::u16string text_;
-    std::vector<Piece_end> pieces_; // both places ascend
+    std::vector<Piece_end> pieces_; // both offsets ascend
 };
 
 } // namespace tla

@@ -35,12 +35,12 @@ protected:
                                               bool raw);
 };
 
-// Each formatter has the same step for ASCII bytes, which are in NFC as they are. The result is the
-// value itself, where nothing changes, or in the scratch memory.
+// The same for ASCII bytes, which are always in NFC. The result is the value itself, where nothing
+// changes, or in `buffer`. Tested by Formatter.FormatsBytesAsItFormatsUnits.
 using Tla_ascii_formatter = scl::Scl_text_span<char> (*)(scl::Scl_text_span<char> value,
-                                                         Tla_padded_buffer<char>& scratch);
+                                                         Tla_padded_buffer<char>& buffer);
 
-// The value, in NFC, is taken as it is, in its letter case and with all its characters.
+// Simple: the value in NFC, with its letter case and all its characters.
 class Tla_simple_formatter final : public Tla_formatter_base {
 public:
     static constexpr std::string_view NAME = "Simple";
@@ -51,10 +51,10 @@ public:
     void format(std::u16string_view input, std::u16string& output, bool raw) const override;
 
     [[nodiscard]] static scl::Scl_text_span<char> format_ascii(scl::Scl_text_span<char> value,
-                                                               Tla_padded_buffer<char>& scratch);
+                                                               Tla_padded_buffer<char>& buffer);
 };
 
-// The value, in NFC, is lower-cased, so that letter case makes no difference.
+// SimpleNC: the value in NFC, lower-cased, so that letter case makes no difference.
 class Tla_simplenc_formatter final : public Tla_formatter_base {
 public:
     static constexpr std::string_view NAME = "SimpleNC";
@@ -65,11 +65,11 @@ public:
     void format(std::u16string_view input, std::u16string& output, bool raw) const override;
 
     [[nodiscard]] static scl::Scl_text_span<char> format_ascii(scl::Scl_text_span<char> value,
-                                                               Tla_padded_buffer<char>& scratch);
+                                                               Tla_padded_buffer<char>& buffer);
 };
 
-// The value, in NFC, loses its hyphens (U+002D) and blanks (U+0020), and nothing else: any text of
-// any length passes.
+// CCNUMBER: the value in NFC without hyphens (U+002D) and blanks (U+0020). Nothing else is removed
+// or checked: any text of any length passes.
 class Tla_ccnum_formatter final : public Tla_formatter_base {
 public:
     static constexpr std::string_view NAME = "CCNUMBER";
@@ -80,7 +80,7 @@ public:
     void format(std::u16string_view input, std::u16string& output, bool raw) const override;
 
     [[nodiscard]] static scl::Scl_text_span<char> format_ascii(scl::Scl_text_span<char> value,
-                                                               Tla_padded_buffer<char>& scratch);
+                                                               Tla_padded_buffer<char>& buffer);
 };
 
 // The three formatter types by name and identifier.

@@ -9,11 +9,12 @@ namespace tla {
 
 namespace {
 
-constexpr std::uint64_t FIRST_LOOK = 4096; // doubled before it is used; longer than most records
+constexpr std::uint64_t FIRST_LOOK =
+    4096; // doubled before the first look; longer than most records
 
 } // namespace
 
-// Nearly every record lies in the window as a whole and is used where it is.
+// Nearly every record lies in the window as a whole and is used there.
 std::span<const std::byte> Tla_record_scanner::next(scl::Scl_status& status) {
     const std::span<const std::byte> window = in_.window(status);
     const Tla_record_extent extent = tla_measure_record(window, field_count_);
@@ -22,16 +23,16 @@ std::span<const std::byte> Tla_record_scanner::next(scl::Scl_status& status) {
     return without_end(window.first(extent.size), status);
 }
 
-// A closing byte that is not 0 is how a count that lies is found out: nothing else marks a record's
-// end. The record is given all the same, and the status says what to think of it.
+// Nothing else marks a record's end, so this byte is the only check of its counts. The record is
+// returned all the same; the status tells.
 std::span<const std::byte> Tla_record_scanner::without_end(std::span<const std::byte> record,
                                                            scl::Scl_status& status) {
     if (record.back() != std::byte{TLA_RECORD_END}) status.push(TLA_STATUS_RECORD_END);
     return record.first(record.size() - TLA_RECORD_END_BYTES);
 }
 
-// Looks at more and more bytes from the record's start on until it is there or the data ends. Their
-// number doubles, so that a large record is not measured too often.
+// Looks at more and more bytes from the record's start, until they hold the record or the data
+// ends. Their number doubles, so that the time stays in proportion to the record.
 std::span<const std::byte> Tla_record_scanner::next_across_windows(scl::Scl_status& status) {
     const std::uint64_t start = in_.tell();
     const std::uint64_t left = in_.size(status) - std::min(start, in_.size(status));
@@ -52,7 +53,7 @@ std::span<const std::byte> Tla_record_scanner::next_across_windows(scl::Scl_stat
     return only_end_missing ? bytes : bytes.first(0);
 }
 
-// Bytes from the position on, which stays.
+// The next bytes, without moving the position.
 std::span<const std::byte> Tla_record_scanner::look(std::size_t count, scl::Scl_status& status) {
     if (count <= scl::Scl_buffered_istream::WINDOW_BYTES) return in_.window(count, status);
     const std::uint64_t start = in_.tell();

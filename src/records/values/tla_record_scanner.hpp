@@ -9,8 +9,7 @@
 
 namespace tla {
 
-// Steps through records in the layout of a records section: for each field a big-endian u16 count
-// and as many values of 8 bytes, after the last field a byte 0x00.
+// Steps through a file's records, one after the other, in the layout of record_layout.hpp.
 class Tla_record_scanner {
 public:
     // Reads from the stream's position on. The stream must outlive the scanner; the caller may
@@ -18,9 +17,10 @@ public:
     Tla_record_scanner(scl::Scl_buffered_istream& in, std::size_t field_count)
         : in_(in), field_count_(field_count) {}
 
-    // The next record without its closing byte, valid until the next step. When the data ends
-    // before the record does, SCL_STATUS_END_OF_DATA is set and nothing comes back, unless only
-    // the closing byte is missing. A closing byte that is not 0 sets TLA_STATUS_RECORD_END.
+    // The next record without its closing byte, valid until the next call. Pushes
+    // TLA_STATUS_RECORD_END when that byte is not 0. Pushes SCL_STATUS_END_OF_DATA when the data
+    // ends before the record does, and gives an empty record, or the whole record when only its
+    // closing byte is missing.
     [[nodiscard]] std::span<const std::byte> next(scl::Scl_status& status);
 
 private:
@@ -31,7 +31,7 @@ private:
 
     scl::Scl_buffered_istream& in_;
     std::size_t field_count_;
-    std::vector<std::byte> spare_; // holds a record that is larger than the stream's window
+    std::vector<std::byte> spare_; // a record that is larger than the stream's window
 };
 
 } // namespace tla

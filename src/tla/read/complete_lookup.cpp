@@ -14,10 +14,10 @@ void Complete_lookup::find(Key_index& index, std::vector<std::int64_t>& offsets,
                            scl::Scl_status& status) {
     const std::size_t before = offsets.size();
     const Block_range blocks = index.blocks_with(wanted_.hash);
-    for (std::size_t place = blocks.begin; place < blocks.end && !status.has_failed(); ++place) {
-        scan(index.block_at(place), index.orders[place], offsets, status);
+    for (std::size_t i = blocks.begin; i < blocks.end && !status.has_failed(); ++i) {
+        scan(index.block_at(i), index.orders[i], offsets, status);
     }
-    // Pairs of equal hash are in the order of their records, in a proper file.
+    // In a file that a build made, pairs of equal hash ascend by offset, and nothing is to be done.
     const std::span<std::int64_t> added = std::span(offsets).subspan(before);
     if (std::ranges::adjacent_find(added, std::greater_equal()) == added.end()) return;
     std::ranges::sort(added);
@@ -25,7 +25,7 @@ void Complete_lookup::find(Key_index& index, std::vector<std::int64_t>& offsets,
     offsets.resize(before + static_cast<std::size_t>(last - added.begin()));
 }
 
-// Where hashes ascend, the first other one behind the wanted ones ends the block.
+// Where hashes ascend, the first pair behind those with the hash ends the scan.
 void Complete_lookup::scan(const Key_block& block, Block_order& order,
                            std::vector<std::int64_t>& offsets, scl::Scl_status& status) {
     std::uint32_t i = pairs_.first_candidate(block, wanted_.hash, order, status);
@@ -44,18 +44,18 @@ void Complete_lookup::scan(const Key_block& block, Block_order& order,
     }
 }
 
-// Most records are looked at where they lie.
+// Most records are compared in the buffer, without making an entry.
 bool Complete_lookup::is_wanted(std::int64_t record_offset, scl::Scl_status& status) {
-    const auto record = entries_.record_at_hand(record_offset, status);
+    const auto record = entries_.buffered_record(record_offset, status);
     if (!record.empty()) {
         budget_.take(record.size(), status);
         return !status.has_failed() && tla_field_holds(record, wanted_.field, wanted_.values);
     }
     const auto entry = entries_.read(record_offset, status);
-    // Without memory for it nobody knows what the record holds: not to be passed over.
+    // No memory for the entry: the record may hold the value, so it must not be passed over.
     if (entry == nullptr && !status.has_failed()) throw std::bad_alloc();
     if (entry == nullptr) return false;
-    // Before the record is looked at: a crafted file may lead here for each of its pairs.
+    // Before the values are compared: a crafted file may lead every pair to one long record.
     budget_.take(entry->record_size(), status);
     return !status.has_failed() && entry->holds(wanted_.field, wanted_.values);
 }

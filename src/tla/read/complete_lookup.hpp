@@ -11,20 +11,18 @@
 
 namespace tla {
 
-// Finds every record that a key table leads to and that has the wanted values, over the borders of
-// blocks and among other values of the same hash, where Rule_lookup keeps to the steps of
-// docs/reading.md and may miss some.
+// A lookup that finds every record that has the wanted values and a pair in the key table: across
+// the borders of blocks, and among other values of the same hash. Rule_lookup may miss some.
 class Complete_lookup {
 public:
-    // For a file of version 2 that has the wanted field. Reads records as far as the budget
-    // goes. All must outlive the finder.
+    // For a file of version 2 that has the wanted field. Reads records as far as the budget goes.
+    // All must outlive the lookup.
     Complete_lookup(const Wanted_key& wanted, Pair_reader& pairs, Entry_reader& entries,
                     Tla_read_budget budget)
         : wanted_(wanted), pairs_(pairs), entries_(entries), budget_(budget) {}
 
-    // Adds the records' offsets, ascending and each once. Codes are those of Rule_lookup::find. In
-    // a table that does not ascend, as it should, the blocks that may have the hash by their first
-    // pairs are gone through pair by pair.
+    // Adds the records' offsets, ascending and each once. Codes are those of Rule_lookup::find.
+    // Scans pair by pair those blocks of a crafted table whose pairs do not ascend.
     void find(Key_index& index, std::vector<std::int64_t>& offsets, scl::Scl_status& status);
 
 private:

@@ -12,9 +12,10 @@
 
 namespace tla {
 
-// One lookup in one key table, by the rule of docs/reading.md: the index leads to a block, the
-// block to the pairs of the hash, each pair to a record, and a record that has the values is an
-// entry.
+// A lookup by the rule of docs/reading.md, step by step: the index leads to a block, the block to
+// the pairs of the hash, each pair to a record, and a record that has the values is an entry. The
+// rule misses records in rare cases, which docs/reading.md lists; other readers of the format find
+// the same. Complete_lookup misses none.
 class Rule_lookup {
 public:
     using Entries = std::vector<std::unique_ptr<Tla_data_set_entry_file>>;
@@ -24,16 +25,16 @@ public:
                 Tla_read_budget budget)
         : wanted_(wanted), pairs_(pairs), entries_(entries), budget_(budget) {}
 
-    // Adds the entries found to the results; `record_count` is the file's. An entry that cannot be
-    // read ends the lookup with its code, an budget that is used up with TLA_STATUS_NO_DATA_SET,
-    // a file that cannot be read with SCL_STATUS_READ_FAILED; the end of the data among the pairs
-    // is no failure. What the lookup sees of the order of a block is noted in the index.
+    // Adds the entries found to `results`; `record_count` is the file's. Notes in the index which
+    // blocks ascend. An entry that cannot be read ends the lookup with the entry's code, a budget
+    // that is used up with TLA_STATUS_NO_DATA_SET, a file that cannot be read with
+    // SCL_STATUS_READ_FAILED. The end of the data among the pairs is no failure.
     void find(Key_index& index, std::uint32_t record_count, Entries& results,
               scl::Scl_status& status);
 
 private:
-    // The pairs that are looked at, as places in a block: those before `first` are known to have
-    // other hashes. A pair with another value at `runs_on_at` makes the scan go on for a pair more.
+    // The pairs to scan, by their index in a block; those before `first` are known to have other
+    // hashes. When the pair at `runs_on_at` leads to another value, the scan takes one pair more.
     struct Range {
         std::uint64_t offset; // of the block's first pair, in bytes from the start of the file
         std::uint32_t first;
@@ -50,7 +51,8 @@ private:
     Entry_reader& entries_;
     Tla_read_budget budget_;
     bool found_ = false;
-    bool first_pair_differs_ = false; // it has the wanted hash, but its record another value
+    bool first_pair_differs_ =
+        false; // the block's first pair has the hash, its record another value
 };
 
 } // namespace tla

@@ -11,14 +11,15 @@
 #include <limits>
 #include <stdexcept>
 
-// What a connector does with a file that is loaded.
+// The operations of Tla_data_set_connector_file on a file that is loaded: record_offsets,
+// read_entry, find_entries, find_records, largest_token_count.
 
 namespace tla {
 
 namespace {
 
-// A number of offsets in the width of the file's record count, which it never exceeds; should it, a
-// wrapped number would read the wrong pairs.
+// The number of offsets collected so far never exceeds record_count, which has 32 bits. If it ever
+// did, a wrapped number would read the wrong pairs.
 std::uint32_t checked_u32(std::int64_t value) {
     if (value < 0) throw std::overflow_error("i64 too negative for u32");
     if (value > std::numeric_limits<std::uint32_t>::max()) {
@@ -36,7 +37,7 @@ Tla_data_set_connector_file::record_offsets(scl::Scl_status& status) {
         return state_->record_offsets;
     }
     const std::size_t before = state_->record_offsets.size();
-    // The count is the file's claim; the pairs that carry the offsets cannot exceed its size.
+    // record_count is only claimed; the file's size bounds how many pairs there can be.
     state_->record_offsets.reserve(
         before +
         std::min<std::uint64_t>(state_->header.record_count, file_size() / TLA_INDEX_PAIR_BYTES));
@@ -58,13 +59,13 @@ Tla_data_set_connector_file::read_entry(std::int64_t record_offset, scl::Scl_sta
     return nullptr;
 }
 
-// The first field of that name; past the list's end when there is none.
+// The index of the first field of that name; past the list's end when there is none.
 std::size_t Tla_data_set_connector_file::field_of(std::u16string_view name) const {
     const auto field = std::ranges::find(state_->header.fields, name, &Field_descriptor::name);
     return static_cast<std::size_t>(field - state_->header.fields.begin());
 }
 
-// By the type of the key's field; where a damaged file has none, by the plainest.
+// By the type of the key's field. A crafted file may have no such field: then as type Simple.
 std::vector<std::uint64_t>
 Tla_data_set_connector_file::token_values_of(std::u16string_view text, std::u16string_view key_name,
                                              scl::Scl_status& status) {
@@ -77,7 +78,7 @@ Tla_data_set_connector_file::token_values_of(std::u16string_view text, std::u16s
     return values;
 }
 
-// From the value to the key hash and to the key's index; Rule_lookup goes on from there.
+// Makes the key hash and finds the key's index; Rule_lookup goes on from there.
 void Tla_data_set_connector_file::find_entries(
     const Tla_lookup_value& value, std::u16string_view key_name,
     std::vector<std::unique_ptr<Tla_data_set_entry_file>>& results, scl::Scl_status& status) {
@@ -98,7 +99,7 @@ void Tla_data_set_connector_file::find_entries(
         .find(*index, state_->header.record_count, results, status);
 }
 
-// Whether the file is open and its records are token values; tells when not.
+// Whether the file is open and its records are token values; the status says why not.
 bool Tla_data_set_connector_file::has_token_values(scl::Scl_status& status) const {
     if (!is_open()) {
         status = TLA_STATUS_NOT_OPEN;

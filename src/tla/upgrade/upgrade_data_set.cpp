@@ -38,8 +38,8 @@ void gather_texts(const Tla_data_set_entry_file& entry, const std::vector<Field_
     }
 }
 
-// In the order of their places in the old file, as the new one keeps it; so the file is read from
-// front to back, too.
+// In the order of their offsets: the new file keeps the order of the old one, and the old one is
+// read from front to back.
 void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_file,
                      scl::Scl_ostream& out, scl::Scl_status& status) {
     const std::vector<Field_descriptor>& fields = old_file.field_descriptors();
@@ -60,9 +60,9 @@ void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_
     }
 }
 
-// Each key table takes a pass over all records. A damaged file may claim thousands of keys for a
-// few long records; as token values are at most nine times as long as their texts, a file with up
-// to a hundred keys never comes here.
+// Making a key table takes a pass over all records, and a crafted file may claim thousands of keys
+// for a few long records. Token values are at most nine times as long as their texts, so a file of
+// up to a hundred keys always passes.
 void check_work(const Tla_data_set_connector_file& old_file, std::uint64_t records_size,
                 std::u16string_view path, scl::Scl_status& status) {
     constexpr std::uint64_t MOST_PASSES = 1024; // over as many bytes as the old file has
@@ -80,7 +80,8 @@ void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
     Tla_data_set_connector_file old_file;
     load_old_file(path, old_file, status);
     if (status.has_failed() || old_file.version() >= TLA_LATEST_VERSION.number) return;
-    // A new file may not have such names. Told at once: converting takes memory for each field.
+    // A new file may not have such names. Refused before the records are converted, which takes
+    // memory for each field.
     if (!tla_names_are_unique(old_file.field_descriptors())) {
         status = TLA_STATUS_FIELD_LIST;
         return;
@@ -96,8 +97,8 @@ void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
     const Tla_header_writer header(old_file.field_descriptors());
     const std::uint64_t count =
         write_data_set_file(old_file.key_names(), header, records, nullptr, output, status);
-    // Fewer than the old file claims when its first key table lacks some, or when new ones cannot
-    // be told apart, as in a build.
+    // Fewer than the old header claims when the first key table is short, or when new records
+    // cannot be told apart, as in a build.
     if (status.ok()) tla_warn_of_lost_records(count, old_file.record_count(), status);
 }
 

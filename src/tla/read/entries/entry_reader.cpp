@@ -8,7 +8,7 @@ namespace tla {
 
 namespace {
 
-// Most records are shorter, and what is copied out of the page cache in vain takes its time, too.
+// Longer than most records. Reading more would copy bytes that nobody looks at.
 constexpr std::size_t FAR_READ_AHEAD_BYTES = 512;
 
 } // namespace
@@ -31,14 +31,14 @@ std::unique_ptr<Tla_data_set_entry_file> Entry_reader::read(std::int64_t record_
     return entry;
 }
 
-std::span<const std::byte> Entry_reader::record_at_hand(std::int64_t record_offset,
-                                                        scl::Scl_status& status) {
+std::span<const std::byte> Entry_reader::buffered_record(std::int64_t record_offset,
+                                                         scl::Scl_status& status) {
     go_to(record_offset);
     const auto record = tla_whole_record(stream_.window(status), header_.fields.size());
     return record.empty() || tla_is_closed(record) ? record : record.first(0);
 }
 
-// Records read one after the other are likely to go on so.
+// Records read in file order are likely to go on in file order: then a whole window pays.
 void Entry_reader::go_to(std::int64_t record_offset) {
     const auto position = static_cast<std::uint64_t>(record_offset);
     stream_.limit_read_ahead(stream_.tell() == position ? scl::Scl_buffered_istream::WINDOW_BYTES

@@ -9,24 +9,24 @@
 
 namespace tla {
 
-// Reads the entries of one file, all through one stream, so that neighbours in the file are read at
-// once, and a record far away costs little more than its own bytes.
+// Reads the entries of one file, all through one stream: neighbours in the file then cost one read,
+// and a record far away little more than its own bytes.
 class Entry_reader {
 public:
     // Both must outlive the reader and its entries.
     Entry_reader(const scl::Scl_buffer& file, const Tla_data_set_header& header);
 
-    // The entry at an offset in bytes from the start of the file; null after a failure, with the
-    // codes of an entry, and, with the status as it was, when there is no memory for it.
+    // The entry at an offset, in bytes from the start of the file. Null after a failure, with the
+    // codes of an entry, and when there is no memory, with the status as it was.
     [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file> read(std::int64_t record_offset,
                                                                 scl::Scl_status& status);
 
     // The same entry before it is read; null when there is no memory.
     [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file> make(std::int64_t record_offset) const;
-    // The bytes of a record of version 2, valid until the next operation; empty when it is not at
-    // hand whole and well closed: read() tells what there is to tell then.
-    [[nodiscard]] std::span<const std::byte> record_at_hand(std::int64_t record_offset,
-                                                            scl::Scl_status& status);
+    // The bytes of a record of version 2, valid until the next operation. Empty unless the whole
+    // record is buffered and ends in 0x00; read() then reports why.
+    [[nodiscard]] std::span<const std::byte> buffered_record(std::int64_t record_offset,
+                                                             scl::Scl_status& status);
 
 private:
     void go_to(std::int64_t record_offset);

@@ -8,17 +8,18 @@
 
 namespace tla {
 
-// Records that stand side by side are together no longer than their file. A damaged file may have
-// its pairs point at the same long record over and over; who reads record after record asks here
-// whether to go on, so that the work stays within the file's own size.
+// Bounds the work of one lookup by the size of the file. All records together are no longer than
+// their file, but a crafted file can have every pair point at the same long record: a million pairs
+// at a record of 1 MB would be read as 1 TB. Whoever reads record after record takes each from this
+// budget first.
 class Tla_read_budget {
 public:
-    // The name must outlive the budget.
+    // In bytes. The name must outlive the budget.
     Tla_read_budget(std::uint64_t file_size, std::u16string_view file_name)
         : left_(file_size), file_name_(file_name) {}
 
-    // Pushes TLA_STATUS_NO_DATA_SET, with the file's name, when the records so far are longer than
-    // the file.
+    // Pushes TLA_STATUS_NO_DATA_SET, with the file's name, when the records taken so far are longer
+    // than the file.
     void take(std::uint64_t record_size, scl::Scl_status& status) {
         if (record_size <= left_) {
             left_ -= record_size;
@@ -28,7 +29,7 @@ public:
     }
 
 private:
-    std::uint64_t left_; // bytes
+    std::uint64_t left_;
     std::u16string_view file_name_;
 };
 

@@ -20,7 +20,7 @@ std::uint64_t bytes_left(const scl::Scl_buffered_istream& in, scl::Scl_status& s
     return size - std::min(in.tell(), size);
 }
 
-// Takes the first text, with what ends it, from the rest of a record.
+// Removes the first text, and the byte that ends it, from the rest of a record.
 std::string_view next_text(std::string_view& rest) {
     constexpr std::array ENDS = {TLA_TEXT_END, TLA_TEXT_RECORD_END};
     const std::string_view text =
@@ -59,7 +59,7 @@ bool Tla_data_set_entry_file::text_value(std::u16string_view field_name, std::u1
     return true;
 }
 
-// All at once: to look for each by itself would go through the record from its front every time.
+// All texts in one walk: finding each by itself would start at the front every time.
 bool Tla_data_set_entry_file::texts(std::vector<std::string_view>& texts) const {
     if (!has_texts()) return false;
     texts.clear();
@@ -95,8 +95,8 @@ void Tla_data_set_entry_file::read_from(scl::Scl_buffered_istream& in, scl::Scl_
     }
 }
 
-// Within both bounds: a connector that was closed has no fields any more, one that has opened
-// another file may have more than the record.
+// Checks both bounds: a connector that was closed has no fields any more, one that opened another
+// file may have more than this record.
 std::optional<std::size_t> Tla_data_set_entry_file::find_field(std::u16string_view name) const {
     const auto found = std::ranges::find(fields_, name, &Field_descriptor::name);
     const auto field = static_cast<std::size_t>(found - fields_.begin());
@@ -105,7 +105,7 @@ std::optional<std::size_t> Tla_data_set_entry_file::find_field(std::u16string_vi
 }
 
 std::span<const std::byte> Tla_data_set_entry_file::bytes() const {
-    return held_.empty() ? std::as_bytes(std::span(record_)) : held_;
+    return in_memory_.empty() ? std::as_bytes(std::span(record_)) : in_memory_;
 }
 
 bool Tla_data_set_entry_file::has_texts() const {
@@ -120,8 +120,8 @@ std::string_view Tla_data_set_entry_file::text_of(std::size_t field) const {
     return next_text(rest);
 }
 
-// Made when asked for. Most entries are asked for one field, and those of an upgrade for none: a
-// text's tokens cost more than its reading.
+// On demand: most entries are asked for one field, those of an upgrade for none, and making a
+// text's tokens costs more than reading it.
 bool Tla_data_set_entry_file::values_of(std::size_t field,
                                         std::vector<std::uint64_t>& values) const {
     if (field >= field_count_) return false;
@@ -139,21 +139,21 @@ bool Tla_data_set_entry_file::values_of(std::size_t field,
     return true;
 }
 
-// Most records are at hand whole.
+// Most records are buffered whole.
 void Tla_data_set_entry_file::read_values(scl::Scl_buffered_istream& in, scl::Scl_status& status) {
     const auto record = tla_whole_record(in.window(status), fields_.size());
     if (record.empty()) return read_long_values(in, status);
     if (file_.contents().empty()) {
         record_.assign(reinterpret_cast<const char*>(record.data()), record.size());
     } else {
-        held_ = record; // stays where it is
+        in_memory_ = record; // it stays where it is
     }
     in.skip(record.size());
     field_count_ = fields_.size();
     if (!tla_is_closed(record)) status.push(TLA_STATUS_RECORD_END);
 }
 
-// Count by count, as nothing tells a record's size in advance.
+// Count by count: nothing tells a record's size in advance.
 void Tla_data_set_entry_file::read_long_values(scl::Scl_buffered_istream& in,
                                                scl::Scl_status& status) {
     while (field_count_ != fields_.size() && take(TLA_COUNT_BYTES, in, status)) {
@@ -165,7 +165,7 @@ void Tla_data_set_entry_file::read_long_values(scl::Scl_buffered_istream& in,
     if (!tla_is_closed(bytes())) status.push(TLA_STATUS_RECORD_END);
 }
 
-// Adds the stream's next bytes to the record. No memory is taken for what the file does not have,
+// Appends the stream's next bytes to the record. Checks the file's size before it takes memory,
 // whatever the record claims.
 bool Tla_data_set_entry_file::take(std::uint64_t size, scl::Scl_buffered_istream& in,
                                    scl::Scl_status& status) {
@@ -179,7 +179,7 @@ bool Tla_data_set_entry_file::take(std::uint64_t size, scl::Scl_buffered_istream
     return !status.has_failed();
 }
 
-// Up to its closing byte, however far that is: the length of a record is known when it is read.
+// Up to the closing byte, however far away it is: only reading tells a record's length.
 void Tla_data_set_entry_file::read_texts(scl::Scl_buffered_istream& in, scl::Scl_status& status) {
     bool ended = false;
     while (!ended && !status.has_failed()) {
@@ -188,14 +188,14 @@ void Tla_data_set_entry_file::read_texts(scl::Scl_buffered_istream& in, scl::Scl
         ended = record_.ends_with(TLA_TEXT_RECORD_END);
         if (window.empty() && !status.has_failed()) status.push(scl::SCL_STATUS_END_OF_DATA);
     }
-    // Where the data ended first, the number of texts decides; a read failure is told as it is.
+    // A wrong number of texts is told rather than the end of the data; a read failure stays.
     const bool told = status.has_failed() && !(status == scl::SCL_STATUS_END_OF_DATA);
     if (field_count_ != fields_.size() && !told) status = TLA_STATUS_VALUE_COUNT;
-    if (status.has_failed()) field_count_ = 0; // which text belongs to which field is not known
+    if (status.has_failed()) field_count_ = 0; // nobody knows which text belongs to which field
 }
 
-// Returns how many of the bytes, the first of which is `position` bytes behind the first record's
-// start, belong to the record.
+// Appends unscrambled bytes to the record, up to its closing byte, and returns how many it took.
+// The first byte is `position` bytes behind the start of the first record.
 std::size_t Tla_data_set_entry_file::take_texts(std::span<const std::byte> bytes,
                                                 std::uint64_t position) {
     std::size_t taken = 0;

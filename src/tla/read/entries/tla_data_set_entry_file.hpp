@@ -24,8 +24,8 @@ namespace tla {
 
 // A record read from a file of either version. Comes from a connector, which must outlive it, open.
 //
-// It keeps the record's bytes, or knows where they lie in memory, and makes of them what is asked
-// for. Of version 1 that means that token values are made when they are asked for: token_values(),
+// It keeps the record's bytes, or points to them in a file in memory. Version 1 stores texts, whose
+// token values are made when they are asked for: token_values(),
 // values_of() and holds() throw std::runtime_error for a text of more than 15,000,000 tokens.
 class Tla_data_set_entry_file final : public Tla_data_set_entry_base {
 public:
@@ -41,10 +41,10 @@ public:
     // as the file reports them.
     void read(scl::Scl_status& status) override;
 
-    // Replaces `values` by the token values of the field at a place of the field list. False, and
+    // Replaces `values` by the token values of the field at an index of the field list. False, and
     // nothing replaced, past its end.
     [[nodiscard]] bool values_of(std::size_t field, std::vector<std::uint64_t>& values) const;
-    // Whether the field at a place of the field list has these token values; false past its end.
+    // Whether the field at an index of the field list has these token values; false past its end.
     [[nodiscard]] bool holds(std::size_t field, std::span<const std::uint64_t> values) const;
     // Replaces `texts` by those of all fields, in UTF-8, which last as long as the entry. False,
     // and nothing replaced, for every version but 1.
@@ -79,9 +79,9 @@ private:
     const std::vector<Field_descriptor>& fields_;
     std::int64_t record_offset_;
     std::uint64_t data_start_;
-    std::string record_;              // its bytes, those of version 1 unscrambled
-    std::span<const std::byte> held_; // or where they lie in a file that is held in memory
-    std::size_t field_count_ = 0;     // whole fields in them
+    std::string record_;                   // its bytes, those of version 1 unscrambled
+    std::span<const std::byte> in_memory_; // or where they lie in a file in memory
+    std::size_t field_count_ = 0;          // whole fields in them
     std::uint8_t version_;
 };
 

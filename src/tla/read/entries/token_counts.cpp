@@ -14,8 +14,8 @@ std::vector<std::uint16_t> largest_token_counts(const scl::Scl_buffer& file,
     std::vector<std::uint16_t> largest(header.fields.size());
     scl::Scl_buffered_istream in(file, false, status, scl::Scl_eol::none);
     in.set_position(header.data_start);
-    // As many as the file says: where one was written differently from how it is read, the rest up
-    // to the key tables are no records.
+    // As many as the header says. Where a record was written differently from how it is read (a
+    // count that wrapped), the bytes behind the last one are no records.
     for (std::uint32_t left = header.record_count; left > 0 && !status.has_failed(); --left) {
         for (std::uint16_t& most : largest) {
             Tla_token_count count = 0;

@@ -9,7 +9,7 @@ namespace tla {
 
 namespace {
 
-// Byte by byte, as nothing tells its length but its end.
+// Byte by byte: only the closing byte tells how long a name is.
 std::u16string read_name(scl::Scl_buffered_istream& in, const scl::Scl_status& status) {
     std::string name;
     for (char byte = TLA_NAME_END;;) {
@@ -22,7 +22,7 @@ std::u16string read_name(scl::Scl_buffered_istream& in, const scl::Scl_status& s
     return wide;
 }
 
-// How many of `record_count` pairs from the position on the file has whole.
+// How many whole pairs the file has from the position on, at most `record_count`.
 std::uint32_t count_pairs(const scl::Scl_buffered_istream& in, std::uint32_t record_count,
                           scl::Scl_status& status) {
     const std::uint64_t size = in.size(status);
@@ -31,7 +31,8 @@ std::uint32_t count_pairs(const scl::Scl_buffered_istream& in, std::uint32_t rec
         std::min<std::uint64_t>(record_count, left / TLA_INDEX_PAIR_BYTES));
 }
 
-// Of each block no more than the first hash: 8 bytes in 64 KiB, so that loading takes no time.
+// Reads only the first hash of each block, 8 bytes in 64 KiB: loading stays fast however many
+// records there are.
 void read_samples(scl::Scl_buffered_istream& in, std::uint32_t record_count, Key_index& index,
                   scl::Scl_status& status) {
     for (std::uint32_t remaining = record_count; remaining != 0;) {
@@ -43,29 +44,30 @@ void read_samples(scl::Scl_buffered_istream& in, std::uint32_t record_count, Key
         in.set_position(sample.offset + block * TLA_INDEX_PAIR_BYTES);
         remaining -= block;
     }
-    // The table lacks records that were left out of it. A table after it is then looked for at the
-    // end of the data, or behind it, and fails.
+    // Duplicates were left out, so this table is shorter than record_count. The next table is then
+    // sought past the end of the file, and fails.
     if (status == scl::SCL_STATUS_END_OF_DATA) status.clear();
 }
 
 } // namespace
 
-std::size_t Key_index::place_of(std::uint64_t hash) const {
-    if (samples_ascend) { // then only the last one that begins with the hash or below it fits
+std::size_t Key_index::block_index_of(std::uint64_t hash) const {
+    if (samples_ascend) { // then only the last block that begins with the hash or below it fits
         const auto next = std::ranges::upper_bound(samples, hash, {}, &Index_sample::first_hash);
         return next == samples.begin() ? samples.size()
                                        : static_cast<std::size_t>(next - samples.begin()) - 1;
     }
-    // Several may fit, or none: word for word as docs/reading.md has it.
-    for (std::size_t place = 0; place < samples.size(); ++place) {
-        const Key_block block = block_at(place);
-        const bool is_last = place + 1 == samples.size();
-        if (block.first_hash <= hash && (is_last || block.next_hash > hash)) return place;
+    // Several blocks may fit, or none: the rule of docs/reading.md, block by block.
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const Key_block block = block_at(i);
+        const bool is_last = i + 1 == samples.size();
+        if (block.first_hash <= hash && (is_last || block.next_hash > hash)) return i;
     }
     return samples.size();
 }
 
-// The block before the first that begins with the hash may end with it.
+// Pairs of one hash can lie on both sides of a block's border: the block before the first that
+// begins with the hash may end with it.
 Block_range Key_index::blocks_with(std::uint64_t hash) const {
     if (!samples_ascend) return {0, samples.size()};
     const auto first = std::ranges::lower_bound(samples, hash, {}, &Index_sample::first_hash);
@@ -76,13 +78,13 @@ Block_range Key_index::blocks_with(std::uint64_t hash) const {
             static_cast<std::size_t>(behind - samples.begin())};
 }
 
-Key_block Key_index::block_at(std::size_t place) const {
-    const auto before = static_cast<std::uint32_t>(place * block_size);
-    const bool is_last = place + 1 == samples.size();
-    return {.offset = samples[place].offset,
+Key_block Key_index::block_at(std::size_t block_index) const {
+    const auto before = static_cast<std::uint32_t>(block_index * block_size);
+    const bool is_last = block_index + 1 == samples.size();
+    return {.offset = samples[block_index].offset,
             .pair_count = std::min(block_size, pair_count - before),
-            .first_hash = samples[place].first_hash,
-            .next_hash = is_last ? ~std::uint64_t{0} : samples[place + 1].first_hash};
+            .first_hash = samples[block_index].first_hash,
+            .next_hash = is_last ? ~std::uint64_t{0} : samples[block_index + 1].first_hash};
 }
 
 Key_index read_key_index(scl::Scl_buffered_istream& in, std::uint32_t record_count,
@@ -94,7 +96,7 @@ Key_index read_key_index(scl::Scl_buffered_istream& in, std::uint32_t record_cou
     in.set_position(tla_aligned(in.tell()));
     index.pair_count = count_pairs(in, record_count, status);
     read_samples(in, record_count, index, status);
-    // Kept as long as the connector: no room for more than there is.
+    // Kept as long as the connector: without spare room.
     index.samples.shrink_to_fit();
     index.orders.resize(index.samples.size());
     index.samples_ascend = std::ranges::is_sorted(index.samples, {}, &Index_sample::first_hash);

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::uint32_t WINDOW_PAIRS =
     scl::Scl_buffered_istream::WINDOW_BYTES / TLA_INDEX_PAIR_BYTES;
-// More than most values have. A larger read would mostly copy what nobody looks at.
+// More than most values have. A larger read would mostly copy bytes that nobody looks at.
 constexpr std::uint32_t FEW_PAIRS = 128;
 
 std::uint64_t hash_at(std::span<const std::byte> pairs, std::size_t index) {
@@ -29,8 +29,8 @@ std::size_t count_of(std::span<const std::byte> pairs) {
     return pairs.size() / TLA_INDEX_PAIR_BYTES;
 }
 
-// How many of the pairs, whose hashes ascend, have a lower hash. Halving touches a few of the cache
-// lines that the kernel has just filled, not all.
+// How many of the pairs have a lower hash; their hashes ascend. A binary search touches a few cache
+// lines, a scan would touch all.
 std::uint32_t count_below(std::span<const std::byte> pairs, std::uint64_t hash) {
     std::size_t begin = 0;
     std::size_t end = count_of(pairs);
@@ -45,9 +45,10 @@ std::uint32_t count_below(std::span<const std::byte> pairs, std::uint64_t hash) 
     return static_cast<std::uint32_t>(begin);
 }
 
-// Hashes are checksums and so spread evenly: where one is among those of a block can be guessed.
+// Guesses the index of a hash in its block. Hashes are checksums and so spread evenly: one that is
+// a third of the way from the first hash to the next block's stands near a third of the pairs.
 std::uint32_t guess(const Key_block& block, std::uint64_t hash) {
-    // In a crafted file the next block may begin lower, and the hash lie outside.
+    // In a crafted file the next block may begin lower, and the hash may lie outside both.
     const std::uint64_t end = std::max({block.next_hash, block.first_hash, hash});
     const auto range = static_cast<double>(end - block.first_hash);
     const auto part = static_cast<double>(hash - std::min(block.first_hash, hash));
@@ -55,9 +56,9 @@ std::uint32_t guess(const Key_block& block, std::uint64_t hash) {
                                       block.pair_count);
 }
 
-// How many pairs to read around the guess. The standard deviation of its error is half the root of
-// the pair count at most; two of them on either side leave one guess in forty to be made again,
-// and copying more out of the page cache would cost more than that.
+// How many pairs to read around a guess. The standard deviation of the guess is at most half the
+// root of the pair count. Two of them on either side miss one time in forty; a wider read would
+// cost more in copying than those second looks do.
 std::uint32_t look_width(const Key_block& block) {
     return std::max(2 * static_cast<std::uint32_t>(std::sqrt(block.pair_count)), 1U);
 }
@@ -66,13 +67,12 @@ std::uint32_t look_width(const Key_block& block) {
 
 Pair_reader::Pair_reader(const scl::Scl_buffer& file)
     : stream_(file, false, attach_status_, scl::Scl_eol::none) {
-    // What a lookup reads most is one hash after another; whoever needs more asks for it.
+    // Lookups mostly read a few pairs. What needs more asks for a larger window.
     stream_.limit_read_ahead(FEW_PAIRS * TLA_INDEX_PAIR_BYTES);
 }
 
-// Only a block whose hashes ascend can be searched without reading it from its front, and then
-// finds what reading it so would. To see that they ascend takes such a reading itself, but only
-// once.
+// Only where the hashes ascend does a search find the same pair as a scan from the front. Checking
+// that takes one scan of the block, once; later lookups in the block search.
 std::uint32_t Pair_reader::first_candidate(const Key_block& block, std::uint64_t hash,
                                            Block_order& order, scl::Scl_status& status) {
     if (order == Block_order::unknown) {
@@ -97,14 +97,17 @@ bool Pair_reader::ascends(const Key_block& block, scl::Scl_status& status) {
     return true;
 }
 
-// Looks at the pairs around the guessed place, then farther and farther away from it, by half of
-// what is left at most: where few values have most of the pairs, guesses are no good, and halving
-// ends in a few more looks.
+// Looks at the pairs around the guess, then farther and farther away, but never farther than half
+// of what is left: where few values have most of the pairs the guess is useless, and halving still
+// ends after a few looks. Tested by
+// Lookup.FindsWhatTheRuleSaysInAnyTable.
+//
+// Invariant: pairs before `begin` have a lower hash, pairs from `end` on have not.
 std::uint32_t Pair_reader::first_with(const Key_block& block, std::uint64_t hash,
                                       scl::Scl_status& status) {
-    std::uint32_t begin = 0;              // all pairs before have a lower hash
-    std::uint32_t end = block.pair_count; // none from here on has
-    bool end_has_it = false;              // but the hash itself
+    std::uint32_t begin = 0;
+    std::uint32_t end = block.pair_count;
+    bool end_has_it = false; // the pair at `end` has the hash
     std::uint32_t around = guess(block, hash);
     for (std::uint32_t step = look_width(block); begin < end; step *= 4) {
         const std::uint32_t width = std::min(look_width(block), end - begin);
@@ -120,16 +123,16 @@ std::uint32_t Pair_reader::first_with(const Key_block& block, std::uint64_t hash
         } else {
             end = from + below;
             end_has_it = hash_at(pairs, below) == hash;
-            if (below > 0) break; // the pair before is there and lower
+            if (below > 0) break; // the pair before `end` is in the window and lower: found
             around = end - std::min(step, (end - begin) / 2);
         }
     }
     return end_has_it ? end : block.pair_count;
 }
 
-void Pair_reader::append_offsets(std::uint64_t place, std::uint32_t count,
+void Pair_reader::append_offsets(std::uint64_t pair_offset, std::uint32_t count,
                                  std::vector<std::int64_t>& offsets, scl::Scl_status& status) {
-    go_to(place);
+    go_to(pair_offset);
     while (count > 0) {
         const auto pairs = whole_pairs(count, status);
         if (pairs.empty()) return;
@@ -141,7 +144,7 @@ void Pair_reader::append_offsets(std::uint64_t place, std::uint32_t count,
     }
 }
 
-// What is at hand is looked at before more is read, as the pair may well be there.
+// Looks at what is buffered before it reads more: the pair is often there.
 std::uint32_t Pair_reader::skip_others(std::uint64_t hash, std::uint32_t most,
                                        scl::Scl_status& status) {
     std::uint32_t skipped = 0;
@@ -160,8 +163,8 @@ std::uint32_t Pair_reader::skip_others(std::uint64_t hash, std::uint32_t most,
     return skipped;
 }
 
-// Up to `most` pairs from the position on, in as large a read as there is; none at the end of the
-// file and after a failure.
+// Up to `most` pairs from the position on, as many as one window holds; none at the end of the file
+// or after a failure.
 std::span<const std::byte> Pair_reader::whole_pairs(std::uint32_t most, scl::Scl_status& status) {
     const auto bytes = stream_.window(std::min(most, WINDOW_PAIRS) * TLA_INDEX_PAIR_BYTES, status);
     const std::size_t count = std::min<std::size_t>(most, count_of(bytes));
