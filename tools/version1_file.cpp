@@ -1,6 +1,6 @@
 #include "version1_file.hpp"
 
-#include "records/tla_formatters.hpp"
+#include "records/values/tla_formatters.hpp"
 #include "scl/crc/scl_crc64.hpp"
 #include "scl/io/scl_endian.hpp"
 #include "scl/text/scl_string.hpp"

@@ -7,7 +7,7 @@
 // KEY, it checks the file and says what is in it. White space around a value does not count. The
 // exit status is 0 when every value was found, 1 when one was not, 2 after a fault.
 
-#include "records/tla_formatters.hpp"
+#include "records/values/tla_formatters.hpp"
 #include "scl/status/scl_status_lookup.hpp"
 #include "scl/text/scl_string.hpp"
 #include "scl/text/scl_utf.hpp"

@@ -3,11 +3,11 @@
 #include "driver/console.hpp"
 #include "driver/interrupts.hpp"
 #include "driver/option_scanner.hpp"
-#include "records/tla_status_codes.hpp"
+#include "records/values/tla_status_codes.hpp"
 #include "scl/text/scl_string.hpp"
-#include "tla/build/data_set_generator.hpp"
-#include "tla/build/scratch_file.hpp"
 #include "tla/upgrade/upgrade_data_set.hpp"
+#include "tla/write/data_set_generator.hpp"
+#include "tla/write/scratch_file.hpp"
 
 #include <cctype>
 #include <cstdio>
@@ -168,10 +168,8 @@ tla::Tla_build_result Driver::build_from(scl::Scl_buffered_istream& in,
                                          scl::Scl_file_buffer& records) {
     std::vector<std::uint64_t> key_positions;
     resolve_keys(schema_.fields, key_names_, key_positions);
-    const tla::Tla_build_plan plan{.fields = schema_.fields,
-                                   .types = schema_.types,
-                                   .key_names = key_names_,
-                                   .key_positions = key_positions};
+    const tla::Tla_build_plan plan{
+        .fields = schema_.fields, .key_names = key_names_, .key_positions = key_positions};
     return tla::build_data_set(plan, in, records, output_, status_);
 }
 

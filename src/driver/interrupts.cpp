@@ -1,6 +1,6 @@
 #include "driver/interrupts.hpp"
 
-#include "tla/build/scratch_file.hpp"
+#include "tla/write/scratch_file.hpp"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "driver/schema.hpp"
 
-#include "records/tla_formatters.hpp"
+#include "records/values/tla_formatters.hpp"
 #include "scl/text/scl_case.hpp"
 #include "scl/text/scl_string.hpp"
 

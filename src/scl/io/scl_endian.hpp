@@ -44,6 +44,11 @@ void scl_store_le(std::byte* to, T value) {
     std::copy_n(raw.begin(), raw.size(), to);
 }
 
+template <std::integral T>
+void scl_store_be(std::byte* to, T value) {
+    scl_store_le(to, scl_byte_swapped(value));
+}
+
 } // namespace scl
 
 #pragma GCC visibility pop
