@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/field_descriptor.hpp"
+#include "records/values/field_descriptor.hpp"
 
 #include <cstddef>
 #include <cstdint>
@@ -19,6 +19,7 @@ class Scl_status;
 namespace tla {
 
 class Index_access;
+class Index_state;
 
 // A data set file of version 2 that texts are scanned for (Tla_text_scan). It does not change once
 // it is made, so any number of threads may scan with it at a time, each with scans of its own.
@@ -65,10 +66,9 @@ public:
 
 private:
     friend class Index_access;
-    struct State;
-    explicit Tla_scan_index(std::unique_ptr<State> state);
+    explicit Tla_scan_index(std::unique_ptr<Index_state> state);
 
-    std::unique_ptr<State> state_;
+    std::unique_ptr<Index_state> state_;
 };
 
 } // namespace tla
