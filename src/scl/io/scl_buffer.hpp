@@ -16,7 +16,8 @@ enum class Scl_eol : unsigned { text = 0, none = 3 };
 
 // Bytes that can be read, and in some kinds written, at any offset; offsets and sizes are in bytes.
 // Buffers know nothing of positions: those belong to the streams attached to them, so that several
-// streams can read one buffer. Not for use by several threads.
+// streams can read one buffer. Reading changes nothing in a buffer, so several threads may read one
+// that nobody writes to.
 class Scl_buffer {
 public:
     Scl_buffer() = default;

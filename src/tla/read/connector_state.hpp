@@ -16,10 +16,10 @@ namespace tla {
 
 // An open file and its readers, which reuse their buffers from one operation to the next.
 struct Tla_data_set_connector_file::Source {
-    Source(std::unique_ptr<const scl::Scl_buffer> opened, const Tla_data_set_header& header)
+    Source(std::shared_ptr<const scl::Scl_buffer> opened, const Tla_data_set_header& header)
         : file(std::move(opened)), pairs(*file), entries(*file, header) {}
 
-    std::unique_ptr<const scl::Scl_buffer> file;
+    std::shared_ptr<const scl::Scl_buffer> file; // with connectors of other threads
     Pair_reader pairs;
     Entry_reader entries;
     Tla_value_tokeniser tokeniser; // of looked-up values

@@ -141,6 +141,26 @@ void Tla_data_set_connector_file::read_key_indexes(scl::Scl_status& status) {
     }
 }
 
+// Buffers keep no position, and reading a file changes nothing in them. The rest is copied: samples
+// are few, and what is known of a block's order is written down during lookups.
+std::unique_ptr<Tla_data_set_connector_file> Tla_data_set_connector_file::share() const {
+    if (!is_open() || !state_->loaded) return nullptr;
+    auto other = std::make_unique<Tla_data_set_connector_file>();
+    State& state = *other->state_;
+    state.header = state_->header;
+    state.data_file_name = state_->data_file_name;
+    state.block_size = state_->block_size;
+    state.key_indexes = state_->key_indexes;
+    state.wants_memory = state_->wants_memory;
+    state.loaded = true;
+    state.source = std::make_unique<Source>(state_->source->file, state.header);
+    return other;
+}
+
+std::span<const std::byte> Tla_data_set_connector_file::held_bytes() const {
+    return is_open() ? state_->source->file->contents() : std::span<const std::byte>();
+}
+
 std::uint64_t Tla_data_set_connector_file::file_size() const {
     scl::Scl_status never_set;
     return is_open() ? state_->source->file->size(false, never_set) : 0;

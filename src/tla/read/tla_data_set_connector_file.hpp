@@ -64,6 +64,14 @@ public:
     // says when it pays.
     void hold_in_memory();
 
+    // Another connector on the same open file, which is in memory once for both: for another thread,
+    // or for lookups in between. What this one was asked before is not known to it. Null when
+    // nothing is loaded. Any number of threads may call it at a time, as long as nothing else is
+    // done with this connector.
+    [[nodiscard]] std::unique_ptr<Tla_data_set_connector_file> share() const;
+    // The file's bytes where they are held in memory, until close(); else empty.
+    [[nodiscard]] std::span<const std::byte> held_bytes() const;
+
     // Adds the offsets of every record whose key field has these token values and that has a pair
     // in the key table, ascending and each once; unlike find_entries also those on both sides of
     // a block's border and among equal key hashes. `key` is an index into key_names(); past its
