@@ -36,7 +36,6 @@ set(DSMAKE_READER_HEADERS
     src/scl/io/scl_buffers.hpp
     src/scl/io/scl_endian.hpp
     src/scl/io/scl_ostream.hpp
-    src/scl/status/scl_display.hpp
     src/scl/status/scl_status.hpp
     src/scl/status/scl_status_codes.hpp
     src/scl/status/scl_status_lookup.hpp

@@ -1,7 +1,6 @@
 #include "answers.hpp"
 
 #include "records/values/tla_formatters.hpp"
-#include "scl/status/scl_display.hpp"
 #include "scl/text/scl_string.hpp"
 
 #include <cerrno>
@@ -19,6 +18,12 @@ namespace dslookup {
 namespace {
 
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+
+std::string shown(std::u16string_view text) {
+    std::string narrow;
+    scl::scl_wtos(scl::scl_shown(text), narrow, true);
+    return narrow;
+}
 
 [[noreturn]] void fail_of(const char* stream) {
     throw std::runtime_error(std::string(stream) + ": " + std::strerror(errno));
@@ -76,7 +81,7 @@ bool print_answer(Data_set& data_set, std::string_view key_name, std::size_t key
     scl::scl_stow(value, text);
     const std::u16string_view trimmed = scl::scl_trimmed(text);
     const std::vector<std::int64_t>& offsets = data_set.find(trimmed, key);
-    print(scl::scl_displayed(key_name) + " \"" + scl::scl_displayed(trimmed) +
+    print(scl::scl_shown(key_name) + " \"" + shown(trimmed) +
           "\": " + counted(offsets.size(), "record") + listed(offsets) + '\n');
     return !offsets.empty();
 }
@@ -89,7 +94,7 @@ void print_contents(Data_set& data_set) {
           counted(data_set.fields().size(), "field") + "; the file checks out\n");
     for (const tla::Field_descriptor& field : data_set.fields()) {
         const std::string_view type = tla::tla_formatter_name_from_type_id(field.type);
-        print("  " + scl::scl_displayed(field.name) + ", " +
+        print("  " + shown(field.name) + ", " +
               std::string(type.empty() ? "of unknown type" : type) +
               (data_set.is_key(field.name) ? ", key\n" : "\n"));
     }

@@ -1,7 +1,6 @@
 #include "data_set.hpp"
 
 #include "records/values/tla_status_codes.hpp"
-#include "scl/status/scl_display.hpp"
 #include "scl/status/scl_status_lookup.hpp"
 #include "scl/text/scl_string.hpp"
 
@@ -12,7 +11,7 @@ namespace dslookup {
 
 // Behind a table from which equal records were left out, the file's further key names come out
 // wrong. Such a file is refused here rather than answered from in part.
-Data_set::Data_set(std::string_view name) : shown_name_(scl::scl_displayed(name)) {
+Data_set::Data_set(std::string_view name) : shown_name_(scl::scl_shown(name)) {
     std::u16string wide_name;
     scl::scl_stow(name, wide_name);
     scl::Scl_status status;
@@ -47,9 +46,10 @@ std::size_t Data_set::key(std::string_view name) const {
     if (place != keys_.end()) return static_cast<std::size_t>(place - keys_.begin());
     std::string names;
     for (const std::u16string& key : keys_) {
-        names += (names.empty() ? "" : ", ") + scl::scl_displayed(key);
+        names += names.empty() ? "" : ", ";
+        scl::scl_wtos(scl::scl_shown(key), names, false);
     }
-    fail("no such key: " + scl::scl_displayed(wanted) +
+    fail("no such key: " + scl::scl_shown(name) +
          (names.empty() ? "; it has none" : "; its keys: " + names));
 }
 

@@ -62,7 +62,7 @@ template <typename Unit>
 // ASCII; one that ends inside a block ends for good if the text is ASCII, and is looked at singly
 // if not.
 template <typename Unit>
-[[nodiscard]] std::size_t run_length(scl::Scl_text_span<Unit> text, const Unit* at) {
+[[nodiscard]] inline std::size_t run_length(scl::Scl_text_span<Unit> text, const Unit* at) {
     const auto size = static_cast<std::size_t>(text.end - at);
     std::size_t count = 0;
     while (count < size && text.has_block(at + count)) {

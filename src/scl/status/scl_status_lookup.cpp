@@ -1,7 +1,6 @@
 #include "scl/status/scl_status_lookup.hpp"
 
 #include "message_files.hpp"
-#include "scl/status/scl_display.hpp"
 #include "scl/text/scl_string.hpp"
 
 #include <algorithm>
@@ -14,10 +13,10 @@ namespace {
 constexpr std::string_view HEX_DIGITS = "0123456789ABCDEF";
 constexpr std::string_view ARGUMENT_PLACE = "%1";
 
-std::string hex(std::uint32_t value, int digits) {
+std::string hex(std::uint32_t code) {
     std::string text;
-    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) {
-        text += HEX_DIGITS[(value >> shift) & 0xF];
+    for (int shift = 28; shift >= 0; shift -= 4) {
+        text += HEX_DIGITS[(code >> shift) & 0xF];
     }
     return text;
 }
@@ -37,7 +36,7 @@ std::string_view find_message(std::string_view code) {
 }
 
 void append_entry(std::u16string& text, const Scl_status::Entry& entry) {
-    const std::string code = hex(entry.code, 8);
+    const std::string code = hex(entry.code);
     scl_string_append(text, "0x" + code);
     const std::string_view message = find_message(code);
     if (!message.empty()) scl_string_append(text, ": ");
@@ -45,7 +44,7 @@ void append_entry(std::u16string& text, const Scl_status::Entry& entry) {
     const std::size_t place = message.find(ARGUMENT_PLACE);
     scl_string_append(text, message.substr(0, place));
     if (place != std::string_view::npos) {
-        if (entry.argument != nullptr) scl_append_displayed(text, entry.argument->text());
+        if (entry.argument != nullptr) text += scl_shown(entry.argument->text());
         scl_string_append(text, message.substr(place + ARGUMENT_PLACE.size()));
     }
     if (entry.count > 1) {

@@ -17,7 +17,7 @@ namespace tla {
 // M. Words are cut before none of them; of what is not visible by itself, only the non-joiner and
 // the tag characters share that without being marks.
 [[nodiscard]] inline bool is_mark(char32_t c) {
-    const std::uint8_t bits = scl::impl::scl_unicode_bits(c);
+    const std::uint8_t bits = scl::scl_unicode_bits(c);
     const bool is_attached =
         static_cast<scl::Scl_unicode_code_point_type>(bits & 7U) ==
         scl::Scl_unicode_code_point_type::attached;

@@ -42,7 +42,7 @@ void Chunk_reader::widen(std::string_view chunk) {
     std::size_t bytes = 0;
     for (std::size_t at = 0; at < wide_.size();) {
         const std::size_t from = at;
-        const char32_t c = scl::impl::scl_utf16_next(wide_, at);
+        const char32_t c = scl::scl_utf16_next(wide_, at);
         // Both units of a pair lead to its front: only its first one is ever asked for.
         byte_offsets_.insert(byte_offsets_.end(), at - from, static_cast<std::uint32_t>(bytes));
         bytes += utf8_size(c);
@@ -137,7 +137,7 @@ void Chunk_reader::format(Value_kind kind, std::u16string_view text) {
     std::size_t begin = 0;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t from = at;
-        if (!scl::impl::scl_is_surrogate(scl::impl::scl_utf16_next(text, at))) continue;
+        if (!scl::scl_is_surrogate(scl::scl_utf16_next(text, at))) continue;
         append_formatted(kind, text.substr(begin, from - begin), begin);
         formatted_ += text[from];
         unit_offsets_.push_back(static_cast<std::uint32_t>(from));
@@ -179,7 +179,7 @@ void classify(Number_word& word, std::u16string_view text) {
     std::uint32_t letters = 0;
     std::uint32_t digits = 0;
     for (std::size_t at = 0; at < text.size();) {
-        const char32_t c = scl::impl::scl_utf16_next(text, at);
+        const char32_t c = scl::scl_utf16_next(text, at);
         letters += is_plain_letter(c) ? 1 : 0;
         digits += is_digit(c) ? 1 : 0;
         ++word.characters;

@@ -50,7 +50,7 @@ char32_t previous(const std::basic_string<Unit>& text, std::size_t at) {
     if constexpr (sizeof(Unit) == 1) {
         return static_cast<unsigned char>(text[at - 1]);
     } else {
-        return scl::impl::scl_utf16_previous(text, at);
+        return scl::scl_utf16_previous(text, at);
     }
 }
 
@@ -60,7 +60,7 @@ char32_t next(const std::basic_string<Unit>& text, std::size_t at) {
     if constexpr (sizeof(Unit) == 1) {
         return static_cast<unsigned char>(text[at]);
     } else {
-        return scl::impl::scl_utf16_next(text, at);
+        return scl::scl_utf16_next(text, at);
     }
 }
 

@@ -13,7 +13,7 @@ namespace {
 std::size_t size_of_first(std::string_view text, std::size_t characters) {
     std::size_t at = 0;
     for (; characters > 0 && at < text.size(); --characters) {
-        static_cast<void>(scl::impl::scl_utf8_next(text, at));
+        static_cast<void>(scl::scl_utf8_next(text, at));
     }
     return at;
 }

@@ -77,7 +77,7 @@ void Text_decoder::decode_units(std::span<const std::byte> bytes, std::string& t
         const auto high = std::to_integer<unsigned>(is_little ? byte : half_);
         units_ += static_cast<char16_t>(high << 8U | low);
     }
-    const bool waits = !units_.empty() && scl::impl::scl_is_lead(units_.back());
+    const bool waits = !units_.empty() && scl::scl_is_lead(units_.back());
     const std::u16string_view ready =
         std::u16string_view(units_).substr(0, units_.size() - (waits ? 1 : 0));
     scl::scl_string_append(to, ready);
