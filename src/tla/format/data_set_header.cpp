@@ -65,7 +65,7 @@ void tla_read_header(const scl::Scl_buffer& file, std::u16string_view file_name,
 void tla_read_fields(const scl::Scl_buffer& file, std::u16string_view file_name,
                      const Tla_data_set_header& header, std::vector<Field_descriptor>& fields,
                      scl::Scl_status& status) {
-    scl::Scl_buffered_istream in(file, false, status, scl::Scl_eol::none);
+    scl::Scl_buffered_istream in(file, status);
     in.set_position(TLA_FIELD_LIST_OFFSET);
     tla_read_field_list(in, header.field_count, fields, status);
     replace_end_of_data(file_name, status);

@@ -1,0 +1,255 @@
+#include "tla/scan/scan_tables.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace tla {
+
+namespace {
+
+// Lets memory bring what an operation will touch while others are done: most of them lead to
+// another place of a large table, and would wait for it each.
+template <typename Operation, typename Run>
+class Delayed {
+public:
+    explicit Delayed(Run run) : run_(run) {}
+    Delayed(const Delayed&) = delete;
+    Delayed& operator=(const Delayed&) = delete;
+
+    void push(const Operation& operation) {
+        Operation& slot = waiting_[next_++ % DEPTH];
+        if (next_ > DEPTH) run_(slot);
+        slot = operation;
+    }
+    void finish() {
+        for (std::size_t i = next_ > DEPTH ? next_ - DEPTH : 0; i < next_; ++i) {
+            run_(waiting_[i % DEPTH]);
+        }
+        next_ = 0;
+    }
+
+private:
+    static constexpr std::size_t DEPTH = 16;
+    std::array<Operation, DEPTH> waiting_{};
+    std::size_t next_ = 0;
+    Run run_;
+};
+
+struct Entry {
+    std::uint64_t hash;
+    std::uint64_t place;
+};
+
+} // namespace
+
+// One pass over the records after the other.
+class Scan_tables::Maker {
+public:
+    Maker(Scan_tables& tables, const Data_set_records& records, const Key_order& key_order,
+          const Scan_hashes& hashes, std::optional<std::span<const std::uint64_t>> places)
+        : tables_(tables),
+          records_(records),
+          key_order_(key_order),
+          hashes_(hashes),
+          places_(places) {}
+
+    void note_values() {
+        const auto run = [this](const Noted& noted) { note(noted); };
+        Delayed<Noted, decltype(run)> waiting(run);
+        each_value([&](std::size_t field, std::span<const std::byte> values, std::uint64_t) {
+            const Value_kind kind = records_.kinds()[field];
+            const auto push = [&](std::uint64_t hash, bool is_value) {
+                tables_.values_.prefetch(hash);
+                const bool is_key = is_value && key_order_[field] != NO_KEY;
+                if (is_key) tables_.by_key_.prefetch(hash);
+                waiting.push({hash, kind, is_value, is_key});
+            };
+            push(hash_of_values(hashes_, kind, values,
+                                [&push](std::uint64_t hash) { push(hash, false); }),
+                 true);
+        });
+        waiting.finish();
+    }
+
+    // Gives how many records have a key value that many share.
+    std::uint64_t lay_out_keys() {
+        std::uint64_t shared = 0;
+        const bool is_long = records_.kinds().size() > MANY_FIELDS;
+        tables_.has_pairs_.resize(tables_.by_key_.bucket_count());
+        tables_.by_key_.lay_out([&](std::size_t bucket, std::uint64_t size) {
+            tables_.has_pairs_[bucket] = is_long || size > FEW_RECORDS;
+            if (tables_.has_pairs_[bucket]) shared += size;
+        });
+        return shared;
+    }
+
+    void put_keys() {
+        const auto run = [this](const Entry& e) { tables_.by_key_.put(e.hash, e.place); };
+        Delayed<Entry, decltype(run)> waiting(run);
+        each_value([&](std::size_t field, std::span<const std::byte> values, std::uint64_t place) {
+            if (key_order_[field] == NO_KEY) return;
+            const Entry entry{hash_of_values(hashes_, records_.kinds()[field], values), place};
+            tables_.by_key_.prefetch_entry(entry.hash);
+            waiting.push(entry);
+        });
+        waiting.finish();
+    }
+
+    // False when the table would take more than that.
+    [[nodiscard]] bool count_pairs(std::uint64_t most_bytes) {
+        std::uint64_t total = 0;
+        const auto run = [this](const Entry& e) { tables_.by_pair_->count(e.hash); };
+        Delayed<Entry, decltype(run)> waiting(run);
+        each_pair([&](const Entry& entry) {
+            tables_.by_pair_->prefetch(entry.hash);
+            waiting.push(entry);
+            ++total;
+        });
+        waiting.finish();
+        if (Record_table::bytes_of(total, records_.size()) > most_bytes) return false;
+        tables_.by_pair_->lay_out([](std::size_t, std::uint64_t) {});
+        return true;
+    }
+    void put_pairs() {
+        const auto run = [this](const Entry& e) { tables_.by_pair_->put(e.hash, e.place); };
+        Delayed<Entry, decltype(run)> waiting(run);
+        each_pair([&](const Entry& entry) {
+            tables_.by_pair_->prefetch_entry(entry.hash);
+            waiting.push(entry);
+        });
+        waiting.finish();
+    }
+
+private:
+    struct Noted {
+        std::uint64_t hash;
+        Value_kind kind;
+        bool is_value;
+        bool is_key;
+    };
+
+    void note(const Noted& noted) {
+        if (!noted.is_value) return tables_.values_.add_beginning(noted.hash);
+        if (!tables_.values_.ask(noted.hash).is_value) {
+            tables_.values_.add_value(noted.hash);
+            ++tables_.different_[static_cast<std::size_t>(noted.kind)];
+        }
+        if (noted.is_key) tables_.by_key_.count(noted.hash);
+    }
+
+    template <typename Take>
+    void each_place(Take take) {
+        if (!places_) return records_.each_record(take);
+        for (const std::uint64_t place : *places_) {
+            static_cast<void>(take(place));
+        }
+    }
+
+    // Fields without token values never occur, nor do those of a type that nobody knows.
+    template <typename Take>
+    void each_value(Take take) {
+        each_place([&](std::uint64_t place) {
+            return records_.each_field(
+                place, [&](std::size_t field, std::span<const std::byte> values) {
+                    if (values.empty() || records_.kinds()[field] == Value_kind::none) return;
+                    take(field, values, place);
+                });
+        });
+    }
+
+    template <typename Take>
+    void each_pair(Take take) {
+        each_place([&](std::uint64_t place) {
+            gather(place);
+            for (const std::uint64_t key : key_values_) {
+                for (const Field_value& other : values_) {
+                    if (is_pair(key, other)) take({hashes_.paired(key, other.hash), place});
+                }
+            }
+            return next_;
+        });
+    }
+
+    struct Field_value {
+        std::uint64_t hash;
+        std::uint32_t times;  // that the record has it
+        bool is_shared_key;   // a key's, of which there are pairs
+    };
+
+    // Where both are keys' values that many records share, the pair is the same both ways.
+    [[nodiscard]] static bool is_pair(std::uint64_t key, const Field_value& other) {
+        if (other.hash == key) return other.times > 1;
+        return !other.is_shared_key || key < other.hash;
+    }
+
+    // The record's values, each once: a record may have the same in a hundred thousand fields.
+    void gather(std::uint64_t place) {
+        values_.clear();
+        key_values_.clear();
+        next_ = records_.each_field(
+            place, [&](std::size_t field, std::span<const std::byte> values) {
+                const Value_kind kind = records_.kinds()[field];
+                if (values.empty() || kind == Value_kind::none) return;
+                const std::uint64_t hash = hash_of_values(hashes_, kind, values);
+                const bool is_shared_key =
+                    key_order_[field] != NO_KEY &&
+                    tables_.has_pairs_[tables_.by_key_.bucket_of(hash)];
+                values_.push_back({hash, 1, is_shared_key});
+                if (is_shared_key) key_values_.push_back(hash);
+            });
+        if (key_values_.empty()) return;
+        std::ranges::sort(key_values_);
+        const auto keys_end = std::ranges::unique(key_values_).begin();
+        key_values_.erase(keys_end, key_values_.end());
+        merge_values();
+    }
+
+    void merge_values() {
+        std::ranges::sort(values_, {}, &Field_value::hash);
+        std::size_t last = 0;
+        for (std::size_t i = 1; i < values_.size(); ++i) {
+            if (values_[i].hash == values_[last].hash) {
+                ++values_[last].times;
+                values_[last].is_shared_key |= values_[i].is_shared_key;
+            } else {
+                values_[++last] = values_[i];
+            }
+        }
+        values_.resize(std::min(values_.size(), last + 1));
+    }
+
+    Scan_tables& tables_;
+    const Data_set_records& records_;
+    const Key_order& key_order_;
+    const Scan_hashes& hashes_;
+    std::optional<std::span<const std::uint64_t>> places_;
+    std::vector<Field_value> values_;       // of the record at hand
+    std::vector<std::uint64_t> key_values_; // those of them that there are pairs of
+    std::uint64_t next_ = 0;
+};
+
+Scan_tables::Scan_tables(const Data_set_records& records, const Key_order& key_order,
+                         const Scan_hashes& hashes, std::uint64_t most_bytes,
+                         std::optional<std::span<const std::uint64_t>> places)
+    : values_(places ? places->size() * SEQUENCES_A_PLACE : records.totals().sequences),
+      by_key_(places ? places->size() : records.totals().key_values, records.size()) {
+    Maker maker(*this, records, key_order, hashes, places);
+    maker.note_values();
+    const std::uint64_t shared = maker.lay_out_keys();
+    maker.put_keys();
+    if (shared == 0) return;
+    const Value_totals& totals = records.totals();
+    const std::uint64_t others = totals.pairs / totals.key_values + 1;
+    by_pair_.emplace(std::min(shared * others, totals.pairs), records.size());
+    if (maker.count_pairs(most_bytes)) {
+        maker.put_pairs();
+    } else {
+        by_pair_.reset();
+    }
+}
+
+const Record_table* Scan_tables::by_pair(std::uint64_t key_value) const {
+    return by_pair_ && has_pairs_[by_key_.bucket_of(key_value)] ? &*by_pair_ : nullptr;
+}
+
+} // namespace tla
