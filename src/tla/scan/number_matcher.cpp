@@ -29,6 +29,7 @@ void Number_matcher::start() {
 void Number_matcher::clear_groups() {
     groups_.clear();
     text_.clear();
+    has_digits_ = false;
 }
 
 std::optional<Text_place> Number_matcher::oldest() const {
@@ -71,6 +72,7 @@ void Number_matcher::add_group(const Number_word& word, std::u16string_view text
     if (!joins) clear_groups();
     groups_.push_back({first, number_, text_.size(), word.characters, word.has_digit});
     text_ += text;
+    has_digits_ |= word.has_digit;
     drop_groups();
 }
 
@@ -91,6 +93,7 @@ void Number_matcher::drop_groups() {
     for (Group& group : groups_) {
         group.text -= text;
     }
+    has_digits_ = std::ranges::any_of(groups_, &Group::has_digit);
 }
 
 // A beginning goes on behind its last word, with an item that begins with the next word.

@@ -37,7 +37,9 @@ public:
     void pass_other() {
         if (!is_at_rest()) clear_groups();
     }
-    // A chunk of no interest that is one group of letters; while idle.
+    // Whether a group that comes next may end a stretch; then it has to be read.
+    [[nodiscard]] bool may_end_stretch() const { return has_digits_; }
+    // A chunk of no interest that is one group of letters and may end none; while idle.
     void pass_group(std::string_view letters, Text_place place);
 
     using Take = std::function<void(const Occurrence&)>;
@@ -84,6 +86,7 @@ private:
     const Scan_hashes& hashes_;
     std::vector<Group> groups_; // joined, one to the next
     std::u16string text_;       // of the groups, back to back
+    bool has_digits_ = false;   // one of them
     std::vector<Beginning> open_;
     std::uint64_t number_ = 0;  // of the next word; numbers of words apart differ by more than one
     std::uint64_t gap_characters_ = 0;

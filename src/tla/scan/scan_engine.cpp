@@ -10,9 +10,6 @@ namespace {
 
 // Behind the buffer's text, for what is read in blocks.
 constexpr std::size_t PADDING = 64;
-// A window of text: large enough that what is done for each costs nothing, small enough for the
-// cache.
-constexpr std::size_t WINDOW_BYTES = std::size_t{256} << 10;
 
 std::array<bool, VALUE_KINDS> kinds_of(const Index_state& index) {
     std::array<bool, VALUE_KINDS> kinds{};
@@ -28,6 +25,7 @@ Tla_text_scan::Engine::Engine(const Index_state& index, const Tla_scan_options& 
     : index_(index),
       is_converted_(options.is_converted),
       within_(options.within),
+      window_bytes_(std::max<std::size_t>(options.window, 1)),
       has_numbers_(kinds_of(index)[static_cast<std::size_t>(Value_kind::number)]),
       cache_(index.hashes),
       reader_(kinds_of(index)),
@@ -64,12 +62,12 @@ void Tla_text_scan::Engine::start(Tla_scan_listener& listener) {
 
 bool Tla_text_scan::Engine::feed(std::span<const std::byte> bytes) {
     while (!bytes.empty() && !is_over_) {
-        const auto piece = bytes.first(std::min(bytes.size(), WINDOW_BYTES));
+        const auto piece = bytes.first(std::min(bytes.size(), window_bytes_));
         bytes = bytes.subspan(piece.size());
         is_over_ = true; // until this is done
         decoder_.decode(piece, buffer_);
         is_over_ = false;
-        if (buffer_.size() - scanned_ >= WINDOW_BYTES) scan_buffer(false);
+        if (buffer_.size() - scanned_ >= window_bytes_) scan_buffer(false);
     }
     return !is_over_;
 }
@@ -116,7 +114,7 @@ void Tla_text_scan::Engine::scan_buffer(bool is_end) try {
 // What still belongs to something that may go on stays.
 void Tla_text_scan::Engine::drop_text() {
     const auto size = static_cast<std::size_t>(oldest().byte - buffer_at_);
-    if (size < WINDOW_BYTES / 2) return;
+    if (size < window_bytes_ / 2) return;
     lines_.look_at(buffer_, buffer_at_);
     static_cast<void>(lines_.line_at(std::max(oldest().byte, place_.byte)));
     buffer_.erase(0, size);
@@ -162,7 +160,7 @@ bool Tla_text_scan::Engine::pass_known(std::string_view chunk) {
     const Chunk_cache::Entry& entry = cache_.find(chunk);
     const bool is_idle =
         sequences_[0].is_idle() && sequences_[1].is_idle() && numbers_.is_idle();
-    if (!is_idle) return false;
+    if (!is_idle || numbers_.may_end_stretch()) return false;
     if (entry.interest == Chunk_interest::none) {
         numbers_.pass_other();
     } else if (entry.interest == Chunk_interest::group) {

@@ -56,6 +56,7 @@ private:
     const Scan_tables* tables_ = nullptr;
     bool is_converted_;
     std::optional<std::uint64_t> within_;
+    std::size_t window_bytes_;
     Tla_scan_listener* listener_ = nullptr;
     bool is_over_ = true; // the listener wants no more, or the text failed
 
