@@ -8,30 +8,35 @@ namespace tla {
 namespace {
 
 // Lets memory bring what an operation will touch while others are done: most of them lead to
-// another place of a large table, and would wait for it each.
-template <typename Operation, typename Run>
+// another place of a large table, and would wait for it each. In two steps, as where an entry goes
+// is known when its bucket is at hand.
+template <typename Operation, typename Prepare, typename Run>
 class Delayed {
 public:
-    explicit Delayed(Run run) : run_(run) {}
+    Delayed(Prepare prepare, Run run) : prepare_(prepare), run_(run) {}
     Delayed(const Delayed&) = delete;
     Delayed& operator=(const Delayed&) = delete;
 
     void push(const Operation& operation) {
-        Operation& slot = waiting_[next_++ % DEPTH];
-        if (next_ > DEPTH) run_(slot);
-        slot = operation;
+        if (next_ >= DEPTH) run_(at(next_ - DEPTH));
+        if (next_ >= DEPTH / 2) prepare_(at(next_ - DEPTH / 2));
+        at(next_++) = operation;
     }
     void finish() {
-        for (std::size_t i = next_ > DEPTH ? next_ - DEPTH : 0; i < next_; ++i) {
-            run_(waiting_[i % DEPTH]);
+        for (std::size_t i = next_ >= DEPTH ? next_ - DEPTH : 0; i < next_; ++i) {
+            run_(at(i));
         }
         next_ = 0;
     }
 
 private:
-    static constexpr std::size_t DEPTH = 16;
+    static constexpr std::size_t DEPTH = 32;
+
+    [[nodiscard]] Operation& at(std::size_t number) { return waiting_[number % DEPTH]; }
+
     std::array<Operation, DEPTH> waiting_{};
     std::size_t next_ = 0;
+    Prepare prepare_;
     Run run_;
 };
 
@@ -55,7 +60,8 @@ public:
 
     void note_values() {
         const auto run = [this](const Noted& noted) { note(noted); };
-        Delayed<Noted, decltype(run)> waiting(run);
+        const auto nothing = [](const Noted&) {};
+        Delayed<Noted, decltype(nothing), decltype(run)> waiting(nothing, run);
         each_value([&](std::size_t field, std::span<const std::byte> values, std::uint64_t) {
             const Value_kind kind = records_.kinds()[field];
             const auto push = [&](std::uint64_t hash, bool is_value) {
@@ -84,12 +90,13 @@ public:
     }
 
     void put_keys() {
+        const auto prepare = [this](const Entry& e) { tables_.by_key_.prefetch_entry(e.hash); };
         const auto run = [this](const Entry& e) { tables_.by_key_.put(e.hash, e.place); };
-        Delayed<Entry, decltype(run)> waiting(run);
+        Delayed<Entry, decltype(prepare), decltype(run)> waiting(prepare, run);
         each_value([&](std::size_t field, std::span<const std::byte> values, std::uint64_t place) {
             if (key_order_[field] == NO_KEY) return;
             const Entry entry{hash_of_values(hashes_, records_.kinds()[field], values), place};
-            tables_.by_key_.prefetch_entry(entry.hash);
+            tables_.by_key_.prefetch(entry.hash);
             waiting.push(entry);
         });
         waiting.finish();
@@ -98,8 +105,9 @@ public:
     // False when the table would take more than that.
     [[nodiscard]] bool count_pairs(std::uint64_t most_bytes) {
         std::uint64_t total = 0;
+        const auto nothing = [](const Entry&) {};
         const auto run = [this](const Entry& e) { tables_.by_pair_->count(e.hash); };
-        Delayed<Entry, decltype(run)> waiting(run);
+        Delayed<Entry, decltype(nothing), decltype(run)> waiting(nothing, run);
         each_pair([&](const Entry& entry) {
             tables_.by_pair_->prefetch(entry.hash);
             waiting.push(entry);
@@ -111,10 +119,11 @@ public:
         return true;
     }
     void put_pairs() {
+        const auto prepare = [this](const Entry& e) { tables_.by_pair_->prefetch_entry(e.hash); };
         const auto run = [this](const Entry& e) { tables_.by_pair_->put(e.hash, e.place); };
-        Delayed<Entry, decltype(run)> waiting(run);
+        Delayed<Entry, decltype(prepare), decltype(run)> waiting(prepare, run);
         each_pair([&](const Entry& entry) {
-            tables_.by_pair_->prefetch_entry(entry.hash);
+            tables_.by_pair_->prefetch(entry.hash);
             waiting.push(entry);
         });
         waiting.finish();
