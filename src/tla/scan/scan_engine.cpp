@@ -35,7 +35,8 @@ Tla_text_scan::Engine::Engine(const Index_state& index, const Tla_scan_options& 
       judge_(index,
              std::max<std::size_t>(
                  options.least.value_or(std::min<std::size_t>(index.header.fields.size(), 2)), 1),
-             options.within) {}
+             options.within),
+      has_one_field_(index.records->kinds().size() == 1) {}
 
 void Tla_text_scan::Engine::start(Tla_scan_listener& listener) {
     is_over_ = true; // should what follows fail
@@ -53,6 +54,7 @@ void Tla_text_scan::Engine::start(Tla_scan_listener& listener) {
     lines_.start(0);
     window_.clear();
     keys_.clear();
+    texts_.clear();
     const Scan_tables& tables = index_.tables();
     if (tables_ != &tables) cache_.clear(); // what it holds was of others
     tables_ = &tables;
@@ -99,12 +101,13 @@ void Tla_text_scan::Engine::scan_buffer(bool is_end) try {
             matcher.start();
         }
         numbers_.start();
-        settle_first_keys(~std::uint64_t{0});
+        static_cast<void>(settle_first_keys(~std::uint64_t{0}));
         return;
     }
     // A cut may need two characters to be seen.
     constexpr std::size_t LONGEST_CUT = 6;
     uncut_ = size > LONGEST_CUT ? size - LONGEST_CUT : 0;
+    forget_words();
     drop_text();
 } catch (...) {
     is_over_ = true;
@@ -113,10 +116,12 @@ void Tla_text_scan::Engine::scan_buffer(bool is_end) try {
 
 // What still belongs to something that may go on stays.
 void Tla_text_scan::Engine::drop_text() {
-    const auto size = static_cast<std::size_t>(oldest().byte - buffer_at_);
+    std::uint64_t needed = oldest().byte;
+    if (within_ && !keys_.empty()) needed = std::min(needed, keys_.front().byte);
+    const auto size = static_cast<std::size_t>(needed - buffer_at_);
     if (size < window_bytes_ / 2) return;
     lines_.look_at(buffer_, buffer_at_);
-    static_cast<void>(lines_.line_at(std::max(oldest().byte, place_.byte)));
+    static_cast<void>(lines_.line_at(std::max(needed, place_.byte)));
     buffer_.erase(0, size);
     buffer_at_ += size;
     scanned_ -= size;

@@ -49,8 +49,11 @@ private:
     void add_key(const Occurrence& occurrence);
     [[nodiscard]] Text_place oldest() const;
     void settle_keys();
+    void forget_words();
     bool settle_first_keys(std::uint64_t complete_to);
-    void report(Key_places::const_iterator begin, Key_places::const_iterator end);
+    void judge_batch();
+    void report(std::uint64_t byte);
+    [[nodiscard]] std::string_view text_at(std::uint64_t byte, std::uint64_t end) const;
 
     const Index_state& index_;
     const Scan_tables* tables_ = nullptr;
@@ -77,7 +80,12 @@ private:
     Occurrence_window window_;
     Key_places keys_;
     Record_judge judge_;
+    std::vector<Key_place> batch_; // those that stand at one place
     std::vector<Found_record> found_;
+    // Without a bound of words: how keys are written, as their text is long gone when they are
+    // judged. By their numbers.
+    std::unordered_map<std::uint64_t, std::string> texts_;
+    bool has_one_field_; // nothing else can be within reach
 };
 
 } // namespace tla
