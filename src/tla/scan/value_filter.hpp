@@ -1,10 +1,10 @@
 #pragma once
 
+#include "tla/scan/large_array.hpp"
 #include "tla/scan/scan_hashes.hpp"
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 namespace tla {
 
@@ -21,7 +21,7 @@ public:
 
     // For about so many sequences; more make it less sure.
     explicit Value_filter(std::uint64_t sequences)
-        : words_(static_cast<std::size_t>(sequences * BITS_A_SEQUENCE / WORD_BITS + 1)) {}
+        : words_(static_cast<std::size_t>(sequences * BITS_A_SEQUENCE / WORD_BITS + 1), true) {}
 
     void add_value(std::uint64_t hash) { words_[place_of(hash)] |= value_bits(hash); }
     void add_beginning(std::uint64_t hash) { words_[place_of(hash)] |= beginning_bits(hash); }
@@ -50,7 +50,7 @@ private:
         return three_bits(hash >> 18U);
     }
 
-    std::vector<std::uint64_t> words_;
+    Large_array<std::uint64_t> words_;
 };
 
 } // namespace tla
