@@ -17,9 +17,9 @@ def find_codec(charset):
     if wanted in GUESSED:
         return None
     name = codecs.lookup(wanted).name
-    b"".decode(name)  # LookupError also for what is no encoding of texts
     if name in REFUSED:
         raise LookupError(charset)
+    "\n".encode(name)  # LookupError for what is no encoding of texts
     return WIDER.get(name, name)
 
 

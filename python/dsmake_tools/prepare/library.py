@@ -17,7 +17,7 @@ def load():
             ctypes.POINTER(ctypes.c_char_p), ctypes.c_size_t, ctypes.c_char_p, ctypes.c_size_t,
             ctypes.c_void_p, ctypes.c_size_t, ctypes.c_void_p, ctypes.c_size_t]
     except (OSError, AttributeError) as fault:
-        raise Fault(f"{name}: {fault}; DSMAKE_LIBRARY names another") from fault
+        raise Fault(f"{fault}; DSMAKE_LIBRARY may name another library") from fault
     return library
 
 

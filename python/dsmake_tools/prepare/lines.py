@@ -62,7 +62,7 @@ def find_encoding(wanted, head):
     """The encoding as messages call it, and Python's codec."""
     if wanted is not None:
         try:
-            b"".decode(wanted)
+            "\n".encode(wanted)  # LookupError also for what encodes no text
             return shown(wanted), codecs.lookup(wanted).name
         except (LookupError, UnicodeError) as fault:
             raise Fault(f"no encoding is called {shown(wanted)}") from fault
