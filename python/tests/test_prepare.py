@@ -78,8 +78,8 @@ class Tables(Preparing):
 
     def test_quotes_and_lines(self):
         table = 'a,"1\r\n2 ""x"""\nb,"un,closed\nc,"3\n4"\n"d" e,f"g\n'
-        self.assertEqual(self.prepare(table, "--drop"), 'a\t1 2 "x"\nc\t3 4\nd e\tf"g\n')
-        self.assert_told("1: record with a TAB, CR or line end", "3: quotation mark that nothing",
+        self.assertEqual(self.prepare(table, "--drop"), 'a\t1 2 "x"\nc\t3 4\n"d" e\tf"g\n')
+        self.assert_told("1: record with a TAB, CR or line end", "3: quotation mark that holds no", "6: quotation mark that holds no",
                          "3: line with another number of fields: 3, not 2",
                          "4: record with a TAB, CR or line end")
 

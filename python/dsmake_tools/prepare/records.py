@@ -34,26 +34,35 @@ class Records:
     def quoted(self, line):
         text, fields, at = line, [], 0
         while at is not None:
-            place = self.skip_blanks(text, at)
-            value = None
-            if text.startswith('"', place):
-                text, end = self.closing(text, place + 1)
+            begin = self.quote_at(text, at)
+            if begin is not None:
+                text, end = self.closing(text, begin + 1)
                 if end is not None:
-                    value = text[place + 1:end].replace('""', '"')
-                    place = end + 1
-            end = text.find(self.delimiter, place)
-            rest = text[place:end] if end >= 0 else without_end(text[place:])
-            # Behind a closing quote nothing but blanks should stand; what does is kept.
-            fields.append(text[at:place] + rest if value is None else value + rest.rstrip(" "))
-            at = None if end < 0 else end + 1
+                    rest, following = self.up_to_delimiter(text, end + 1)
+                    if not rest.strip(" "):
+                        fields.append(text[begin + 1:end].replace('""', '"'))
+                        at = following
+                        continue
+                self.tell_quote()
+            value, at = self.up_to_delimiter(text, at)
+            fields.append(value)
         return fields
 
-    def skip_blanks(self, text, at):
-        """In front of a quote; else they belong to the value."""
-        place = at
-        while text.startswith(" ", place):
-            place += 1
-        return place if text.startswith('"', place) else at
+    def up_to_delimiter(self, text, at):
+        """What stands there, and where the next field begins, if one does."""
+        end = text.find(self.delimiter, at)
+        return (without_end(text[at:]), None) if end < 0 else (text[at:end], end + 1)
+
+    @staticmethod
+    def quote_at(text, at):
+        """A quote in front of a value; blanks may stand in front of that."""
+        while text.startswith(" ", at):
+            at += 1
+        return at if text.startswith('"', at) else None
+
+    def tell_quote(self):
+        if self.report:
+            self.report.tell("quote", self.number, "")
 
     def closing(self, text, at):
         """Where the quote is closed, and the text with as many lines as that needs. None when it is
@@ -77,8 +86,6 @@ class Records:
     def give_back(self, lines):
         self.waiting.extendleft(reversed(lines))
         self.number -= len(lines)
-        if self.report:
-            self.report.tell("quote", self.number, "")
 
 
 def find_quote(text, at):
