@@ -8,9 +8,14 @@ import re
 
 # Most values; the rules below would say the same.
 PLAIN = re.compile(r"\+?[0-9A-Za-z]*|\+?\(?\d{1,8}\)?(?:[ /-]\d{1,8}){1,6}").fullmatch
-# One word, marks within it included, and several that become one.
-WORD = r"\w+(?:[.,:;'’·]\w+)*"
-ONE_WORD = re.compile(WORD).fullmatch
+# Characters of words; not those of scripts that have each as a word, nor raised figures. Accents and
+# soft hyphens belong to what stands before them.
+LETTERS = ("(?:[^\\W\u00b2\u00b3\u00b9\u00bc-\u00be\u0e00-\u0eff\u2070-\u209c\u3040-\u309f\u3400-\u9fff"
+           "\U00020000-\U0003ffff][\u00ad\u0300-\u036f]*)+")
+# One word, marks within it included: some stand between figures, some between letters.
+WORD = rf"{LETTERS}(?:(?:(?<=\d)[.,;'’](?=\d)|(?<!\d)[.:·'’](?!\d)){LETTERS})*"
+ONE_WORD = re.compile(rf"{WORD}|.[\u00ad\u0300-\u036f]*").fullmatch
+# Several that become one.
 JOINED = re.compile(rf"{WORD}(?:[ -]+{WORD})+")
 GROUP = re.compile(r"[A-Za-z]{1,4}|(?=[A-Za-z]*\d)[A-Za-z\d]+").fullmatch
 DIGIT = re.compile(r"\d").search
@@ -30,8 +35,11 @@ def is_found(value):
     if not all(map(are_groups, joined)):
         return False
     bare = value.replace(" ", "").replace("-", "")
+    if bare[:1].isspace():  # makes an empty word, which no text has
+        return False
     if ONE_WORD(bare):
-        return True
+        whole = value.strip(" -")
+        return whole == bare or joined == [whole]
     return not LOOSENED(value) and not (joined and len(tokens(bare)) > MOST_TOKENS)
 
 
