@@ -1,6 +1,6 @@
-#include "records/tla_formatters.hpp"
-#include "records/tla_kept_fields.hpp"
-#include "records/tla_record_processor.hpp"
+#include "records/input/tla_field_copies.hpp"
+#include "records/input/tla_record_processor.hpp"
+#include "records/values/tla_formatters.hpp"
 #include "sample_text.hpp"
 #include "scl/text/scl_string.hpp"
 
@@ -30,13 +30,13 @@ constexpr std::u16string_view CARD = u"4111-1111-1111-1111";
 
 // First name, surname and card number from text to token values.
 void whole_record(benchmark::State& state, std::u16string_view first, std::u16string_view surname) {
-    const std::vector<tla::Formatter_type_id> types = {
-        tla::tla_formatter_type_id_from_name("Simple"),
-        tla::tla_formatter_type_id_from_name("SimpleNC"),
-        tla::tla_formatter_type_id_from_name("CCNUMBER")};
+    const std::vector<tla::Field_descriptor> columns = {
+        {u"FirstName", tla::Tla_simple_formatter::TYPE_ID},
+        {u"Surname", tla::Tla_simplenc_formatter::TYPE_ID},
+        {u"CardNum", tla::Tla_ccnum_formatter::TYPE_ID}};
     const std::vector<std::uint64_t> keys = {1};
-    tla::Tla_record_processor processor(types, keys, nullptr);
-    tla::Tla_kept_fields fields;
+    tla::Tla_record_processor processor(columns, keys, nullptr);
+    tla::Tla_field_copies fields;
     for (const std::u16string_view text : {first, surname, CARD}) {
         std::string narrow;
         scl::scl_wtos(text, narrow, true);
@@ -45,7 +45,7 @@ void whole_record(benchmark::State& state, std::u16string_view first, std::u16st
     const tla::Tla_record_text record{fields.fields()};
     scl::Scl_status status;
     Discarding_buffer buffer;
-    scl::Scl_ostream out(buffer, status, scl::Scl_eol::none);
+    scl::Scl_ostream out(buffer);
     for (auto _ : state) {
         processor.process(record, out, status);
     }

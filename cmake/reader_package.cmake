@@ -1,17 +1,17 @@
 # dsmake::reader, the installed library: what reads data set files, in one library, with the headers
 # that its callers include and no others. Static, unless BUILD_SHARED_LIBS is on.
-set(DSMAKE_READER_ROOMS scl/text scl/status scl/io scl/crc txt cerc ucl txtdfc records tla/format
-    tla/read tla/c)
+set(DSMAKE_READER_ROOMS scl/text scl/status scl/io scl/crc txt cerc ucl txtdfc records/values tla/format
+    tla/read/keys tla/read/entries tla/read tla/c)
 set(DSMAKE_READER_HEADERS
     src/tla/read/tla_data_set_connector_base.hpp
     src/tla/read/tla_data_set_connector_file.hpp
-    src/tla/read/tla_data_set_entry_base.hpp
-    src/tla/read/tla_data_set_entry_file.hpp
-    src/records/field_descriptor.hpp
-    src/records/scratch_text.hpp
-    src/records/tla_formatters.hpp
-    src/records/tla_status_codes.hpp
-    src/records/tla_text_in_form.hpp
+    src/tla/read/entries/tla_data_set_entry_base.hpp
+    src/tla/read/entries/tla_data_set_entry_file.hpp
+    src/records/values/field_descriptor.hpp
+    src/records/values/tla_padded_buffer.hpp
+    src/records/values/tla_formatters.hpp
+    src/records/values/tla_status_codes.hpp
+    src/records/values/tla_formatted_text.hpp
     src/txtdfc/dfc_facets.hpp
     src/txtdfc/dfc_format_codec.hpp
     src/txtdfc/line_ends.hpp
@@ -39,6 +39,7 @@ set(DSMAKE_READER_HEADERS
     src/scl/status/scl_status.hpp
     src/scl/status/scl_status_codes.hpp
     src/scl/status/scl_status_lookup.hpp
+    src/scl/text/scl_block.hpp
     src/scl/text/scl_case.hpp
     src/scl/text/scl_normalize.hpp
     src/scl/text/scl_string.hpp

@@ -1,10 +1,10 @@
-#include "records/tla_kept_fields.hpp"
-#include "records/tla_status_codes.hpp"
+#include "records/input/tla_field_copies.hpp"
+#include "records/values/tla_status_codes.hpp"
 #include "scl/io/scl_buffers.hpp"
 #include "scl/text/scl_string.hpp"
-#include "tla/build/build_data_set.hpp"
-#include "tla/build/data_set_generator.hpp"
-#include "tla/format/data_set_header.hpp"
+#include "tla/write/build_data_set.hpp"
+#include "tla/write/data_set_generator.hpp"
+#include "tla/write/header_writer.hpp"
 
 #include <gtest/gtest.h>
 
@@ -24,18 +24,16 @@ struct Build {
     Build(const std::string& lines, const std::vector<std::string_view>& type_names,
           const Keys& keys) {
         for (const std::string_view name : type_names) {
-            types.push_back(tla::tla_formatter_type_id_from_name(name));
-            fields.push_back(
-                {std::u16string(1, static_cast<char16_t>(u'A' + fields.size())), types.back()});
+            fields.push_back({std::u16string(1, static_cast<char16_t>(u'A' + fields.size())),
+                              tla::tla_formatter_type_id_from_name(name)});
         }
         scl::Scl_heap_buffer input;
         input.write_at(0, std::as_bytes(std::span(lines)), status);
-        scl::Scl_buffered_istream in(input, false, status, scl::Scl_eol::text);
-        result = tla::build_data_set({fields, types, keys, {}}, in, scratch, output, status);
+        scl::Scl_buffered_istream in(input, status);
+        result = tla::build_data_set({fields, keys, {}}, in, scratch, output, status);
     }
 
     std::vector<tla::Field_descriptor> fields;
-    std::vector<tla::Formatter_type_id> types;
     scl::Scl_status status;
     scl::Scl_heap_buffer scratch;
     scl::Scl_heap_buffer output;
@@ -58,7 +56,8 @@ TEST(Build_data_set, KeepsThePairsThatAreReadElse) {
         EXPECT_EQ(build.result.record_count, 20002U);
         scl::Scl_heap_buffer read_again;
         scl::Scl_status status;
-        tla::write_data_set_file(keys, build.fields, build.scratch, nullptr, read_again, status);
+        tla::write_data_set_file(keys, tla::Tla_header_writer(build.fields), build.scratch, nullptr,
+                                 read_again, status);
         EXPECT_TRUE(bytes_in(read_again) == bytes_in(build.output));
     }
 }

@@ -52,33 +52,11 @@ static void open_none(void) {
     dsmake_close(NULL);
 }
 
-/* The values of two records, of which the fields are equal as their types go. */
-static void make_token_values(void) {
-    static const char text[] = " A-b\t41-11 \na-B \t4111\n";
-    static const char *const types[] = {"SimpleNC", "ccnumber"};
-    uint64_t values[8] = {0}, again[3] = {0};
-    uint32_t counts[4];
-    const size_t size = sizeof text - 1;
-    EXPECT(dsmake_record_values(types, 2, text, size, values, 8, counts, 4) == 8);
-    EXPECT(counts[0] == 3 && counts[1] == 1 && counts[2] == 3 && counts[3] == 1);
-    EXPECT(memcmp(values, values + 4, 4 * sizeof *values) == 0);
-    EXPECT(dsmake_token_values("Simple", "a-b", 3, again, 2) == 3);
-    EXPECT(again[0] == values[0] && again[1] == values[1] && again[2] == 0); /* room for two */
-    EXPECT(dsmake_token_values("Simple", " A", 2, again, 1) == 1 && again[0] != values[0]);
-    EXPECT(dsmake_token_values("CCNUMBER", "- -", 3, NULL, 0) == 0);
-    EXPECT(dsmake_token_values("Number", "1", 1, again, 1) == -1);
-    EXPECT(dsmake_record_values(types, 2, text, size - 1, values, 8, counts, 4) == -1);
-    EXPECT(dsmake_record_values(types, 2, text, size, values, 8, counts, 3) == -1);
-    EXPECT(dsmake_record_values(types, 1, text, size, values, 8, counts, 4) == -1);
-    EXPECT(dsmake_record_values(types, 2, "a\n", 2, values, 8, counts, 4) == -1);
-}
-
 int main(int argument_count, char **arguments) {
     EXPECT(argument_count == 2);
     look_up(arguments[1], 0);
     look_up(arguments[1], DSMAKE_HOLD_IN_MEMORY);
     look_up_too_much(arguments[1]);
     open_none();
-    make_token_values();
     return 0;
 }

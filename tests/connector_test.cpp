@@ -1,7 +1,7 @@
 #include "data_set_files.hpp"
-#include "records/tla_formatters.hpp"
-#include "records/tla_status_codes.hpp"
-#include "tla/read/key_index.hpp"
+#include "records/values/tla_formatters.hpp"
+#include "records/values/tla_status_codes.hpp"
+#include "tla/read/keys/key_index.hpp"
 
 #include <algorithm>
 

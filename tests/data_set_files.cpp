@@ -1,14 +1,15 @@
 #include "data_set_files.hpp"
 
 #include "driver/schema.hpp"
-#include "records/tla_kept_fields.hpp"
-#include "records/tla_record_processor.hpp"
+#include "records/input/tla_field_copies.hpp"
+#include "records/input/tla_record_processor.hpp"
 #include "scl/crc/scl_crc64.hpp"
 #include "scl/io/scl_buffers.hpp"
 #include "scl/text/scl_string.hpp"
-#include "tla/build/data_set_generator.hpp"
 #include "tla/format/data_set_layout.hpp"
 #include "tla/upgrade/upgrade_data_set.hpp"
+#include "tla/write/data_set_generator.hpp"
+#include "tla/write/header_writer.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
 #include <algorithm>
@@ -46,12 +47,12 @@ std::string version1(std::string_view schema, const Keys& keys, const Rows& rows
 std::string version2(std::string_view schema, const Keys& keys, const Rows& rows) {
     driver::Schema parsed;
     (void)driver::parse_schema(schema, parsed);
-    tla::Tla_record_processor processor(parsed.types, {}, nullptr);
+    tla::Tla_record_processor processor(parsed.fields, {}, nullptr);
     scl::Scl_status status;
     scl::Scl_heap_buffer records;
-    scl::Scl_ostream out(records, status, scl::Scl_eol::none);
+    scl::Scl_ostream out(records);
     for (const auto& row : rows) {
-        tla::Tla_kept_fields fields;
+        tla::Tla_field_copies fields;
         for (const std::string& text : row) {
             fields.add(text);
         }
@@ -59,7 +60,8 @@ std::string version2(std::string_view schema, const Keys& keys, const Rows& rows
     }
     out.detach(status);
     scl::Scl_heap_buffer file;
-    tla::write_data_set_file(all_wide(keys), parsed.fields, records, nullptr, file, status);
+    tla::write_data_set_file(all_wide(keys), tla::Tla_header_writer(parsed.fields), records,
+                             nullptr, file, status);
     if (!status.ok()) throw std::runtime_error("the file cannot be built");
     return bytes_in(file);
 }

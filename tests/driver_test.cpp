@@ -1,6 +1,6 @@
 #include "driver/option_scanner.hpp"
 #include "driver/schema.hpp"
-#include "records/tla_formatters.hpp"
+#include "records/values/tla_formatters.hpp"
 
 #include <gtest/gtest.h>
 

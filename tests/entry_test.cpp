@@ -1,8 +1,8 @@
 #include "data_set_files.hpp"
-#include "records/tla_status_codes.hpp"
+#include "records/values/tla_status_codes.hpp"
 #include "scl/io/scl_buffers.hpp"
 #include "tla/format/data_set_layout.hpp"
-#include "tla/read/entry_reader.hpp"
+#include "tla/read/entries/entry_reader.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "records/tla_formatters.hpp"
+#include "records/values/tla_formatters.hpp"
 #include "scl/text/scl_string.hpp"
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ TEST(Formatter, BringsValuesIntoOneForm) {
 // The bytes of ASCII are formatted as its units are, whatever lies behind them.
 TEST(Formatter, FormatsBytesAsItFormatsUnits) {
     const std::string text = "McCoy-[Z@`a{z}] 4111-1111 1111 -1111- --  -Az09_~";
-    tla::Scratch_text<char> scratch;
+    tla::Tla_padded_buffer<char> scratch;
     for (const std::string_view name : {"Simple", "SimpleNC", "CCNUMBER"}) {
         const tla::Formatter_type_id id = tla::tla_formatter_type_id_from_name(name);
         const auto formatter = tla::tla_create_formatter(id);

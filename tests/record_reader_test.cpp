@@ -1,7 +1,7 @@
-#include "records/tla_formatters.hpp"
-#include "records/tla_kept_fields.hpp"
-#include "records/tla_record_reader.hpp"
-#include "records/tla_status_codes.hpp"
+#include "records/input/tla_field_copies.hpp"
+#include "records/input/tla_record_reader.hpp"
+#include "records/values/tla_formatters.hpp"
+#include "records/values/tla_status_codes.hpp"
 #include "scl/io/scl_buffers.hpp"
 
 #include <gtest/gtest.h>
@@ -58,20 +58,20 @@ struct Bench {
             result, status.value(), {reinterpret_cast<const char*>(bytes.data()), bytes.size()}};
     }
 
-    const std::vector<tla::Formatter_type_id> types{tla::Tla_simple_formatter::TYPE_ID,
-                                                    tla::Tla_simplenc_formatter::TYPE_ID};
+    const std::vector<tla::Field_descriptor> columns{{u"A", tla::Tla_simple_formatter::TYPE_ID},
+                                                     {u"B", tla::Tla_simplenc_formatter::TYPE_ID}};
     const std::vector<std::uint64_t> keys{1};
     scl::Scl_status status;
     scl::Scl_heap_buffer written;
-    scl::Scl_ostream out{written, status, scl::Scl_eol::none};
-    tla::Tla_record_processor processor{types, keys, nullptr};
+    scl::Scl_ostream out{written};
+    tla::Tla_record_processor processor{columns, keys, nullptr};
 };
 
 // Reads in windows of so many bytes.
 Outcome read(std::string_view input, std::size_t window, std::size_t fails_from = NEVER) {
     const Failing_file file(input, fails_from);
     Bench bench;
-    scl::Scl_buffered_istream in(file, false, bench.status, scl::Scl_eol::text);
+    scl::Scl_buffered_istream in(file, bench.status);
     in.limit_read_ahead(window);
     tla::Tla_record_reader reader(bench.processor, bench.out);
     return bench.outcome_of(reader.read_records(in, bench.status));
@@ -129,7 +129,7 @@ private:
     std::size_t at_ = 0;
     Tla_read_result result_ = Tla_read_result::finished;
     std::string field_;
-    tla::Tla_kept_fields fields_;
+    tla::Tla_field_copies fields_;
     std::size_t count_ = 0;
     Bench bench_;
 };

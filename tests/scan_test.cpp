@@ -1,5 +1,5 @@
 #include "program.hpp"
-#include "records/tla_formatters.hpp"
+#include "records/values/tla_formatters.hpp"
 #include "scl/text/scl_string.hpp"
 #include "scl/text/scl_unicode.hpp"
 #include "small_reader.hpp"

@@ -1,4 +1,9 @@
-#include "records/delimiters.hpp"
+#include "records/input/delimiters.hpp"
+#include "records/input/tla_field_copies.hpp"
+#include "records/values/record_layout.hpp"
+#include "records/values/tla_key_hash.hpp"
+#include "records/values/tla_value_tokens.hpp"
+#include "scl/io/scl_buffers.hpp"
 #include "scl/text/scl_string.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
@@ -44,7 +49,63 @@ TEST(Token_values, OfBytesAreThoseOfUnits) {
     }
 }
 
-TEST(Delimiters, AreTheSameInBlocksAndSingly) {
+// The bytes of a record's only field, as a build stores them.
+std::string stored(const std::string& value, const tla::Formatter_type_id& type) {
+    const std::vector<tla::Field_descriptor> fields = {{u"A", type}};
+    tla::Tla_record_processor processor(fields, {}, nullptr);
+    tla::Tla_field_copies copies;
+    copies.add(value);
+    scl::Scl_status status;
+    scl::Scl_heap_buffer records;
+    scl::Scl_ostream out(records);
+    processor.process({copies.fields()}, out, status);
+    out.detach(status);
+    const auto bytes = records.contents();
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+// Bytes, UTF-16 units, and values too long to be narrowed: one way for all.
+TEST(Value_tokens, OfALookupAreThoseOfARecord) {
+    const std::vector<std::string> pieces = {"smith",
+                                             "ZO\xC3\x8B",
+                                             "-",
+                                             " ",
+                                             "4111",
+                                             "'",
+                                             "\xEF\xBB\xBF",
+                                             "I\xCC\x87",
+                                             "\xC3\xBF",
+                                             "J\xCC\x8C",
+                                             "\xCE\xA3",
+                                             "\xFF",
+                                             "\xC2\xA0",
+                                             "\xE6\x9D\x8E",
+                                             ".",
+                                             std::string(300, 'a')};
+    std::mt19937 random(12); // NOLINT: the same numbers each time
+    tla::Tla_value_tokeniser tokeniser;
+    for (int round = 0; round < 6000; ++round) {
+        std::string value = "x"; // not trimmed, and never empty
+        for (auto left = random() % 5; left > 0; --left) {
+            value += pieces[random() % pieces.size()];
+        }
+        value += "y";
+        if (round % 3 == 0) value.insert(0, "\xEF\xBB\xBF");
+        const auto type = round % 2 == 0 ? tla::Tla_simplenc_formatter::TYPE_ID
+                                         : tla::Tla_ccnum_formatter::TYPE_ID;
+        std::u16string wide;
+        scl::scl_stow(value, wide);
+        Values values;
+        scl::Scl_status status;
+        tokeniser.tokenise(wide, type, values, status);
+        const std::string record = stored(value, type);
+        const auto bytes = std::as_bytes(std::span(record));
+        ASSERT_TRUE(tla::tla_field_holds(bytes, 0, values)) << testing::PrintToString(value);
+        ASSERT_EQ(tla::tla_key_hash(values), tla::tla_key_hash(tla::tla_field_values(bytes, 0)));
+    }
+}
+
+TEST(Delimiters, AreThoseThatABytewiseSearchFinds) {
     std::mt19937 random(11); // NOLINT: the same numbers each time
     for (int round = 0; round < 2000; ++round) {
         std::string block(tla::Delimiters::BLOCK, 'a');
@@ -52,9 +113,12 @@ TEST(Delimiters, AreTheSameInBlocksAndSingly) {
             if (random() % 4 == 0) byte = "\t\r\n\xEF\xBB\x80\x7F\v"[random() % 8];
         }
         const tla::Delimiters found = tla::find_delimiters(block.data());
-        const tla::Delimiters singly = tla::find_delimiters_singly(block.data());
-        ASSERT_EQ(found.ends, singly.ends);
-        ASSERT_EQ(found.not_ascii, singly.not_ascii);
+        for (std::size_t i = 0; i < block.size(); ++i) {
+            const bool ends = block[i] == '\t' || block[i] == '\r' || block[i] == '\n';
+            ASSERT_EQ((found.ends >> i & 1U) == 1, ends) << i;
+            ASSERT_EQ((found.not_ascii >> i & 1U) == 1, static_cast<signed char>(block[i]) < 0)
+                << i;
+        }
     }
 }
 

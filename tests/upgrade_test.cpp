@@ -1,5 +1,5 @@
 #include "data_set_files.hpp"
-#include "records/tla_status_codes.hpp"
+#include "records/values/tla_status_codes.hpp"
 
 namespace {
 

@@ -1,11 +1,11 @@
 #include "version1_file.hpp"
 
-#include "records/tla_formatters.hpp"
+#include "records/values/tla_formatters.hpp"
 #include "scl/crc/scl_crc64.hpp"
 #include "scl/io/scl_endian.hpp"
 #include "scl/text/scl_string.hpp"
 #include "tla/format/data_set_layout.hpp"
-#include "tla/sort/pair_cells.hpp"
+#include "tla/sort/pair_pages.hpp"
 
 #include <algorithm>
 #include <span>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/tla_formatters.hpp"
+#include "records/values/tla_formatters.hpp"
 #include "text_tokens.hpp"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "text_tokens.hpp"
 
-#include "records/tla_formatters.hpp"
-#include "records/tla_text_in_form.hpp"
+#include "records/values/tla_formatted_text.hpp"
+#include "records/values/tla_formatters.hpp"
 #include "scl/text/scl_unicode.hpp"
 #include "scl/text/scl_utf.hpp"
 #include "txt/txt_token_types.hpp"
@@ -19,7 +19,7 @@ constexpr char16_t BLANK = u' ';
 
 bool is_digits(std::u16string_view token) {
     for (std::size_t at = 0; at < token.size();) {
-        if (!scl::scl_is_decimal_digit(scl::impl::scl_utf16_next(token, at))) return false;
+        if (!scl::scl_is_decimal_digit(scl::scl_utf16_next(token, at))) return false;
     }
     return true;
 }
@@ -100,7 +100,7 @@ std::uint64_t Number_runs::most_values() const {
 }
 
 Text_tokens::Text_tokens(std::u16string_view original, Form form) {
-    const tla::Tla_text_in_form in_form(original, type_of(form));
+    const tla::Tla_formatted_text in_form(original, type_of(form));
     const char16_t* const start = in_form.text().data();
     make_room(in_form.text());
     Number_reader reader(numbers);
@@ -109,7 +109,7 @@ Text_tokens::Text_tokens(std::u16string_view original, Form form) {
             reader.take(static_cast<std::uint32_t>(values.size()), begin, end);
         }
         values.push_back(txt::txt_token_value(scl::Scl_text_span<char16_t>{begin, end}));
-        places.push_back(in_form.original_place(static_cast<std::size_t>(begin - start)));
+        places.push_back(in_form.original_offset(static_cast<std::size_t>(begin - start)));
     });
 }
 

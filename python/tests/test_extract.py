@@ -186,5 +186,27 @@ class Broken(Extracting):
                          (2, f"{self.path}: No space left on device\n"))
 
 
+@unittest.skipUnless("DSMAKE" in os.environ and "DSSCAN" in os.environ, "DSMAKE or DSSCAN not set")
+class Scanning(Extracting):
+    def test_customers_in_a_mail(self):
+        folder = os.path.dirname(self.path)
+
+        def run(program, *arguments):
+            return subprocess.run([os.environ.get(program, program), *arguments], cwd=folder,
+                                  capture_output=True, check=True).stdout.decode()
+
+        with open(os.path.join(folder, "t.tsv"), "w", encoding="utf-8") as file:
+            file.write("Zoë\tO'Brien\t4111111111111111\nAnna\tBülow\t4222222222222222\n")
+        run("DSMAKE", "-k", "Name", "-s", "First,Simple;Name,SimpleNC;Card,CCNUMBER", "-i", "t.tsv",
+            "-o", "t.ds")
+        body = "<w:p><w:t>Anna Bü</w:t><w:t>low 4222-2222-2222-2222</w:t></w:p>"
+        with open(self.path, "wb") as file:
+            file.write(mail("See below.", "<p>Zoë <b>O&rsquo;Br</b>ien, 4111 1111 1111 1111" + "=" * 70,
+                            {"a": docx(body)}, "Hello"))
+        self.assertEqual(os.system(f"cd '{folder}' && $DSSCAN -q -m 3 t.ds 'a file'") >> 8, 1)
+        lines = run("DSSCAN", "-m", "3", "--pre", PROGRAM, "t.ds", "a file").splitlines()
+        self.assertEqual([line.split('"')[1] for line in lines], ["O’Brien", "Bülow"])
+
+
 if __name__ == "__main__":
     unittest.main()

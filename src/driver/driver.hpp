@@ -3,7 +3,7 @@
 #include "driver/schema.hpp"
 #include "scl/io/scl_file_buffer.hpp"
 #include "scl/status/scl_status.hpp"
-#include "tla/build/build_data_set.hpp"
+#include "tla/write/build_data_set.hpp"
 
 #include <exception>
 #include <string>

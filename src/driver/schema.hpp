@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/field_descriptor.hpp"
+#include "records/values/field_descriptor.hpp"
 
 #include <cstdint>
 #include <span>

@@ -8,7 +8,7 @@ from hashlib import blake2b
 
 from ..shown import shown
 from .findable import is_found, PLAIN
-from .library import RecordValues
+from .library import counts_of, RecordValues
 
 BLOCK_RECORDS = 4096
 BLOCK_CHARACTERS = 1 << 20
@@ -110,14 +110,10 @@ class Checks:
             return
         text = "\n".join(self.rows) + "\n"
         self.tell_without_word(text)
-        counts, values = self.library.of(text.encode("utf-8", "surrogateescape"), len(self.rows))
-        left_out = self.too_many_words(counts) if max(counts) > MOST_WORDS else set()
-        left_out |= self.find_equal(memoryview(counts).cast("B"), values, left_out)
-        if left_out:
-            kept = [row for index, row in enumerate(self.rows) if index not in left_out]
-            text = "".join(row + "\n" for row in kept)
-        self.records += len(self.rows) - len(left_out)
-        self.write(text.encode("utf-8", "surrogateescape"))
+        rows = text.encode("utf-8", "surrogateescape").splitlines(keepends=True)
+        kept = [row for row, line in zip(rows, self.lines) if self.stays(row, line)]
+        self.records += len(kept)
+        self.write(b"".join(kept))
         self.rows, self.lines, self.size = [], [], 0
 
     def tell_without_word(self, text):
@@ -128,23 +124,22 @@ class Checks:
                 place = text.count("\t", begin, found.start())
                 self.report.tell("no word", self.lines[index], self.named(place, value))
 
-    def too_many_words(self, counts):
-        found = [divmod(at, len(self.columns)) for at, count in enumerate(counts)
-                 if count > MOST_WORDS]
-        for index, place in found:
-            self.report.tell("words", self.lines[index], shown(self.columns[place].name))
-        return {index for index, _ in found}
+    def stays(self, row, line):
+        """Whether the record is to be written. Digests of 128 bits tell equal ones: a table may have
+        been written to make checksums meet."""
+        values = self.library.of(row[:-1])
+        if len(values) > 8 * MOST_WORDS and not self.has_few_words(values, line):
+            return False
+        key = int.from_bytes(blake2b(values, digest_size=16).digest(), "little")
+        first = self.seen.setdefault(key, line)
+        if first == line:
+            return True
+        self.report.tell("equal", line, f"that of line {first}")
+        return not self.drops
 
-    def find_equal(self, counts, values, left_out):
-        """The rows that equal an earlier one; those that stay when nothing is dropped are told
-        only. Digests of 128 bits, as a table may have been written to make checksums meet."""
-        step, equal = 4 * len(self.columns), set()
-        for index, line in enumerate(self.lines):
-            digest = blake2b(counts[step * index:step * (index + 1)], digest_size=16)
-            digest.update(values[index])
-            key = int.from_bytes(digest.digest(), "little")
-            first = self.seen.setdefault(key, line)
-            if first != line and index not in left_out:
-                self.report.tell("equal", line, f"that of line {first}")
-                equal.add(index)
-        return equal if self.drops else set()
+    def has_few_words(self, values, line):
+        long = [column.name for column, count in zip(self.columns, counts_of(values))
+                if count > MOST_WORDS]
+        if long:
+            self.report.tell("words", line, shown(", ".join(long)))
+        return not long

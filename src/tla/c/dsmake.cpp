@@ -1,6 +1,6 @@
 #include "tla/c/dsmake.h"
 
-#include "records/tla_status_codes.hpp"
+#include "records/values/tla_status_codes.hpp"
 #include "scl/status/scl_status_lookup.hpp"
 #include "scl/text/scl_string.hpp"
 #include "tla/read/tla_data_set_connector_file.hpp"

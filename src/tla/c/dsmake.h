@@ -12,7 +12,6 @@
 #ifndef DSMAKE_H
 #define DSMAKE_H
 
-#include <stddef.h>
 #include <stdint.h>
 
 #if defined(__GNUC__)
@@ -53,22 +52,6 @@ const char *dsmake_message(const dsmake_data_set *set);
 
 /* Null is closed already. */
 void dsmake_close(dsmake_data_set *set);
-
-/* The token values that a build stores for a text, of `size` bytes, in a field of the type
- * ("Simple", "SimpleNC" or "CCNUMBER"): the text is trimmed first. Returns how many there are, and
- * writes as many of them to `values` as there is room for; -1 for another type, more than 15,000,000
- * words and marks, or memory that has run out. A byte order mark, which a build leaves out wherever
- * it stands, must not be in the text. */
-int64_t dsmake_token_values(const char *type, const char *text, size_t size, uint64_t *values,
-                            size_t room);
-
-/* The same for a text of records as a build takes it, to tell which of them are equal: each line
- * ends with LF and has `fields` fields, of these types, between TABs. `counts` gets how many values
- * each field has, line by line, so `count_room` must be the lines times `fields`; `values` gets the
- * values themselves, one behind the other. -1 also when the text has other lines or fields. A text
- * of `size` bytes never has more than `size` values. */
-int64_t dsmake_record_values(const char *const *types, size_t fields, const char *text, size_t size,
-                             uint64_t *values, size_t room, uint32_t *counts, size_t count_room);
 
 #ifdef __cplusplus
 }

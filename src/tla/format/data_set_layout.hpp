@@ -1,7 +1,5 @@
 #pragma once
 
-#include "scl/io/scl_ostream.hpp"
-
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -9,10 +7,9 @@
 
 namespace tla {
 
-// The layout of a data set file, but for its records (records/record_layout.hpp);
+// The layout of a data set file, but for its records (records/values/record_layout.hpp);
 // docs/file-format.md explains it, docs/version-1.md what is different there. Offsets in bytes.
 inline constexpr std::string_view TLA_DATA_SET_MAGIC = "KQZVDaSe";
-inline constexpr std::uint16_t TLA_DATA_SET_VERSION = 2;
 
 inline constexpr std::uint64_t TLA_CHECKSUM_OFFSET = 8;
 inline constexpr std::uint64_t TLA_CHECKED_FROM = 16; // the checksum covers all bytes from here on
@@ -30,15 +27,6 @@ inline constexpr std::uint64_t TLA_ALIGNMENT = 8;
 
 [[nodiscard]] constexpr std::uint64_t tla_aligned(std::uint64_t offset) {
     return (offset + TLA_ALIGNMENT - 1) / TLA_ALIGNMENT * TLA_ALIGNMENT;
-}
-
-// Zero bytes up to the next multiple of eight of the output position. Codes are those of writing to
-// `out`.
-inline void tla_pad_to_eight(scl::Scl_ostream& out, scl::Scl_status& status) {
-    constexpr std::uint8_t ZERO = 0;
-    while (out.tell() % TLA_ALIGNMENT != 0 && !status.has_failed()) {
-        out.write_le(ZERO, status);
-    }
 }
 
 // Records of version 1 are text whose bytes are scrambled by an exclusive or with a key of eight

@@ -1,7 +1,7 @@
 #include "tla/format/field_list.hpp"
 
-#include "records/tla_formatters.hpp"
-#include "records/tla_status_codes.hpp"
+#include "records/values/tla_formatters.hpp"
+#include "records/values/tla_status_codes.hpp"
 #include "scl/text/scl_string.hpp"
 #include "tla/format/data_set_layout.hpp"
 
@@ -13,8 +13,8 @@ namespace tla {
 
 namespace {
 
-// Takes the list byte by byte: what a byte means depends on what came before it, and a list may
-// reach over any number of windows of the stream.
+// Takes the list byte by byte: a byte's meaning depends on what came before it, and a list may be
+// longer than a window of the stream.
 class Field_list_parser {
 public:
     explicit Field_list_parser(std::vector<Field_descriptor>& fields) : fields_(fields) {}
@@ -38,7 +38,7 @@ public:
     }
 
 private:
-    // Of several separators in a field the last one counts; what came before it is dropped.
+    // Of several separators in a field the last one counts, and what stood before it is dropped.
     void end_name() {
         scl::scl_stow(gathered_, name_);
         gathered_.clear();
@@ -61,8 +61,8 @@ private:
 
 } // namespace
 
-void read_field_list(scl::Scl_buffered_istream& in, std::vector<Field_descriptor>& fields,
-                     scl::Scl_status& status) {
+void tla_read_field_list(scl::Scl_buffered_istream& in, std::vector<Field_descriptor>& fields,
+                         scl::Scl_status& status) {
     Field_list_parser parser(fields);
     bool goes_on = true;
     while (goes_on) {
@@ -71,7 +71,7 @@ void read_field_list(scl::Scl_buffered_istream& in, std::vector<Field_descriptor
     }
 }
 
-std::string field_list_of(std::span<const Field_descriptor> fields) {
+std::string tla_field_list_of(std::span<const Field_descriptor> fields) {
     std::string list;
     for (const Field_descriptor& field : fields) {
         scl::scl_string_append(list, field.name);
@@ -83,7 +83,7 @@ std::string field_list_of(std::span<const Field_descriptor> fields) {
     return list;
 }
 
-// A set, as a damaged file may have millions of fields.
+// With a set: a crafted file may have millions of fields.
 bool tla_names_are_unique(std::span<const Field_descriptor> fields) {
     std::unordered_set<std::u16string_view> names;
     return std::ranges::all_of(fields, [&names](const Field_descriptor& field) {

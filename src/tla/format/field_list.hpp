@@ -1,6 +1,6 @@
 #pragma once
 
-#include "records/field_descriptor.hpp"
+#include "records/values/field_descriptor.hpp"
 #include "scl/io/scl_buffered_istream.hpp"
 
 #include <span>
@@ -9,18 +9,22 @@
 
 namespace tla {
 
-// Adds the fields of a file's field list to `fields`. The stream, attached with this status, stands
-// at the list's front and is left behind its closing byte.
+// The field list of a data set file, here of two fields:
 //
-// A field is its name, 0x0A, its formatter type's name, 0x00; one 0x00 more ends the list. The name
-// is what stands before the last 0x0A, and a field whose two names are empty ends the list when it
-// is not the first. Sets TLA_STATUS_FIELD_LIST for a list that is empty or a field without 0x0A;
-// leaves SCL_STATUS_END_OF_DATA and SCL_STATUS_READ_FAILED as the stream reports them.
-void read_field_list(scl::Scl_buffered_istream& in, std::vector<Field_descriptor>& fields,
-                     scl::Scl_status& status);
+//     | FirstName \n Simple \0 | Surname \n SimpleNC \0 | \0 |
+//
+// A name may hold \n: the last one before the \0 separates it from the type's name.
+
+// Adds the fields of a file's field list to `fields`. The stream, attached with this status, stands
+// at the list's front and is left behind its closing byte. A field whose two names are empty ends
+// the list when it is not the first. Sets TLA_STATUS_FIELD_LIST for a list that is empty or a field
+// without 0x0A; leaves SCL_STATUS_END_OF_DATA and SCL_STATUS_READ_FAILED as the stream reports
+// them.
+void tla_read_field_list(scl::Scl_buffered_istream& in, std::vector<Field_descriptor>& fields,
+                         scl::Scl_status& status);
 
 // The list's bytes, the closing one included.
-[[nodiscard]] std::string field_list_of(std::span<const Field_descriptor> fields);
+[[nodiscard]] std::string tla_field_list_of(std::span<const Field_descriptor> fields);
 
 // Whether no two fields share a name, byte for byte. What is written must be so, as a key table
 // names its field; a reader takes the first field of a name.

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "records/values/tla_value_tokens.hpp"
 #include "tla/format/data_set_header.hpp"
-#include "tla/read/entry_reader.hpp"
-#include "tla/read/key_index.hpp"
-#include "tla/read/key_value.hpp"
-#include "tla/read/pair_reader.hpp"
+#include "tla/read/entries/entry_reader.hpp"
+#include "tla/read/keys/key_index.hpp"
+#include "tla/read/keys/pair_reader.hpp"
 #include "tla/read/tla_data_set_connector_file.hpp"
 
 #include <memory>
@@ -14,7 +14,7 @@
 
 namespace tla {
 
-// An open file and what it is read through, kept from one operation to the next for the buffers.
+// An open file and its readers, which reuse their buffers from one operation to the next.
 struct Tla_data_set_connector_file::Source {
     Source(std::unique_ptr<const scl::Scl_buffer> opened, const Tla_data_set_header& header)
         : file(std::move(opened)), pairs(*file), entries(*file, header) {}
@@ -22,7 +22,7 @@ struct Tla_data_set_connector_file::Source {
     std::unique_ptr<const scl::Scl_buffer> file;
     Pair_reader pairs;
     Entry_reader entries;
-    Key_tokeniser tokeniser;
+    Tla_value_tokeniser tokeniser; // of looked-up values
 };
 
 // What a connector knows of its file.
@@ -30,10 +30,10 @@ struct Tla_data_set_connector_file::State {
     Tla_data_set_header header;
     std::u16string data_file_name;
     std::unique_ptr<Source> source; // null when closed
-    std::uint32_t block_size = 0;   // pairs a sample; 0 when not loaded
+    std::uint32_t block_size = 0;   // of all key tables, in pairs; 0 when not loaded
     std::vector<Key_index> key_indexes;
-    std::vector<std::uint16_t> largest_counts; // of the fields; empty until asked for
-    bool held = false;                         // the file is to be held in memory
+    std::vector<std::uint16_t> largest_counts; // of tokens, by field; empty until asked for
+    bool wants_memory = false;                 // load() is to read the whole file into memory
     bool loaded = false;
     std::vector<std::int64_t> record_offsets;
 };

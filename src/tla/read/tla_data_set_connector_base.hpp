@@ -1,8 +1,8 @@
 #pragma once
 
-#include "records/field_descriptor.hpp"
+#include "records/values/field_descriptor.hpp"
 #include "scl/status/scl_status.hpp"
-#include "tla/read/tla_data_set_entry_file.hpp"
+#include "tla/read/entries/tla_data_set_entry_file.hpp"
 
 #include <cstdint>
 #include <memory>

@@ -1,12 +1,12 @@
 #include "tla/read/tla_data_set_connector_file.hpp"
 
-#include "records/tla_status_codes.hpp"
+#include "records/values/tla_status_codes.hpp"
 #include "scl/io/scl_buffers.hpp"
 #include "scl/io/scl_file_buffer.hpp"
 #include "scl/text/scl_case.hpp"
 #include "tla/format/data_set_layout.hpp"
 #include "tla/read/connector_state.hpp"
-#include "tla/read/held_file.hpp"
+#include "tla/read/file_in_memory.hpp"
 
 #include <algorithm>
 #include <exception>
@@ -16,7 +16,7 @@ namespace tla {
 namespace {
 
 constexpr std::string_view FILE_NAME_PARAMETER = "DataFileName";
-// A sample is 8 bytes in a block of 64 KiB, a key's name seldom longer than this.
+// Loading reads 8 bytes of each block of 64 KiB; a key's name is seldom longer than this.
 constexpr std::size_t SAMPLE_READ_AHEAD_BYTES = 512;
 
 } // namespace
@@ -30,7 +30,7 @@ const std::vector<Field_descriptor>& Tla_data_set_connector_file::field_descript
 }
 
 std::uint8_t Tla_data_set_connector_file::version() const {
-    return state_->header.version();
+    return state_->header.version().number;
 }
 
 std::uint64_t Tla_data_set_connector_file::data_start() const {
@@ -50,7 +50,7 @@ bool Tla_data_set_connector_file::is_open() const {
 }
 
 void Tla_data_set_connector_file::hold_in_memory() {
-    state_->held = true;
+    state_->wants_memory = true;
 }
 
 void Tla_data_set_connector_file::set_parameter(std::string_view name, std::u16string_view value,
@@ -70,16 +70,16 @@ void Tla_data_set_connector_file::open(scl::Scl_status& status) {
     }
 }
 
-// What stays is what the interface promises to keep; see there.
+// Keeps what the interface says it keeps: key indexes and record offsets.
 void Tla_data_set_connector_file::close() {
     state_->data_file_name.clear();
     state_->header.fields.clear();
-    state_->header.index_offset = 0;
+    state_->header.key_table_offset = 0;
     state_->header.key_count = 0;
     state_->header.record_count = 0;
     state_->source.reset();
     state_->loaded = false;
-    state_->held = false;
+    state_->wants_memory = false;
     state_->block_size = 0;
     state_->largest_counts.clear();
 }
@@ -94,14 +94,13 @@ void Tla_data_set_connector_file::load(scl::Scl_status& status, bool accept_any_
                     state_->header, status);
     if (!status.has_failed()) read_body(status);
     if (status.has_failed()) return;
-    // Not before the checksum is right: what a damaged file says of its counts misleads.
+    // Only with a right checksum: the counts of a damaged file mean nothing.
     state_->block_size = index_block_size(state_->header.record_count, state_->header.key_count);
     if (state_->block_size == 0) {
         status = TLA_STATUS_TOO_MANY_PAIRS;
         return;
     }
-    // Names and samples grow with the file: where they take all memory, it is not the caller's
-    // fault.
+    // Names and samples grow with the file: memory that they exhaust is the file's fault.
     try {
         read_key_indexes(status);
     } catch (const std::exception&) {
@@ -110,7 +109,7 @@ void Tla_data_set_connector_file::load(scl::Scl_status& status, bool accept_any_
     state_->loaded = !status.has_failed();
 }
 
-// The one pass over the file: it takes the checksum and, when asked to, keeps the bytes.
+// One pass over the file takes the checksum and, when asked to, keeps the bytes.
 void Tla_data_set_connector_file::read_body(scl::Scl_status& status) {
     const std::uint64_t size = file_size();
     if (size <= TLA_CHECKED_FROM) {
@@ -118,8 +117,8 @@ void Tla_data_set_connector_file::read_body(scl::Scl_status& status) {
         return;
     }
     scl::Scl_crc64 crc;
-    if (state_->held) {
-        auto bytes = hold_file(*state_->source->file, crc, status);
+    if (state_->wants_memory) {
+        auto bytes = read_into_memory(*state_->source->file, crc, status);
         if (!status.has_failed())
             state_->source = std::make_unique<Source>(std::move(bytes), state_->header);
     } else {
@@ -132,9 +131,9 @@ void Tla_data_set_connector_file::read_body(scl::Scl_status& status) {
 }
 
 void Tla_data_set_connector_file::read_key_indexes(scl::Scl_status& status) {
-    scl::Scl_buffered_istream in(*state_->source->file, false, status, scl::Scl_eol::none);
+    scl::Scl_buffered_istream in(*state_->source->file, status);
     in.limit_read_ahead(SAMPLE_READ_AHEAD_BYTES);
-    in.set_position(state_->header.index_offset);
+    in.set_position(state_->header.key_table_offset);
     for (std::uint16_t i = 0; i < state_->header.key_count && !status.has_failed(); ++i) {
         Key_index index =
             read_key_index(in, state_->header.record_count, state_->block_size, status);

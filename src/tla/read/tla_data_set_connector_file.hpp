@@ -8,15 +8,15 @@
 
 namespace tla {
 
-// Reads a data set file of version 1 or 2. What a file claims costs no more time or memory than its
-// own size warrants. Status codes are errors; those marked * carry the file's name, + its name and
+// Reads a data set file of version 1 or 2. Time and memory stay in proportion to the file's size,
+// whatever it claims. Status codes are errors; those marked * carry the file's name, + its name and
 // the system's reason:
 //   set_parameter   none
 //   open            TLA_STATUS_NOT_OPEN
 //   load            TLA_STATUS_NOT_OPEN, _NO_DATA_SET*, _VERSION*, _FIELD_LIST, _CHECKSUM,
 //                   _TOO_MANY_PAIRS; SCL_STATUS_END_OF_DATA for a key table that begins outside the
 //                   file; SCL_STATUS_READ_FAILED+; SCL_STATUS_NO_MEMORY for a file that is to be
-//                   held and does not fit
+//                   in memory and does not fit
 //   record_offsets  TLA_STATUS_NOT_OPEN, also when the status has failed before;
 //                   SCL_STATUS_READ_FAILED+
 //   read_entry      TLA_STATUS_NOT_OPEN, and those of an entry
@@ -33,6 +33,9 @@ namespace tla {
 // index takes it all.
 //
 // Entries use the connector's fields and its file: it must outlive them, open.
+//
+// Opening and loading are in tla_data_set_connector_file.cpp, all else is in
+// tla_data_set_connector_lookups.cpp.
 class Tla_data_set_connector_file final : public Tla_data_set_connector_base {
 public:
     Tla_data_set_connector_file();
@@ -56,15 +59,15 @@ public:
     [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file>
     read_entry(std::int64_t record_offset, scl::Scl_status& status) override;
 
-    // Lets `load` hold the whole file in memory: lookups then make no system call, and what becomes
-    // of the file afterwards makes no difference. To be called before load; close() takes it back.
-    // docs/reading.md says when it pays.
+    // Has `load` read the whole file into memory. Lookups then make no system call, and the file
+    // may be changed or removed. To be called before load; close() takes it back. docs/reading.md
+    // says when it pays.
     void hold_in_memory();
 
     // Adds the offsets of every record whose key field has these token values and that has a pair
-    // in the key table, ascending and each once; unlike find_entries also on both sides of a
-    // block's border and among equal key hashes. `key` is a place in key_names(); past its end
-    // nothing is found. For a file of version 2.
+    // in the key table, ascending and each once; unlike find_entries also those on both sides of
+    // a block's border and among equal key hashes. `key` is an index into key_names(); past its
+    // end nothing is found. For a file of version 2.
     void find_records(std::span<const std::uint64_t> values, std::size_t key,
                       std::vector<std::int64_t>& record_offsets, scl::Scl_status& status);
     // The same for the token values of a text, which is brought into the form of the key's type,

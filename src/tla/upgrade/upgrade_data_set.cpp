@@ -1,15 +1,16 @@
 #include "tla/upgrade/upgrade_data_set.hpp"
 
-#include "records/tla_kept_fields.hpp"
-#include "records/tla_record_processor.hpp"
-#include "records/tla_status_codes.hpp"
+#include "records/input/tla_field_copies.hpp"
+#include "records/input/tla_record_processor.hpp"
+#include "records/values/tla_status_codes.hpp"
 #include "scl/text/scl_string.hpp"
-#include "tla/build/data_set_generator.hpp"
-#include "tla/build/scratch_file.hpp"
-#include "tla/format/data_set_layout.hpp"
+#include "tla/format/data_set_version.hpp"
 #include "tla/format/field_list.hpp"
+#include "tla/read/entries/read_budget.hpp"
 #include "tla/read/tla_data_set_connector_file.hpp"
-#include "tla/read/tla_record_allowance.hpp"
+#include "tla/write/data_set_generator.hpp"
+#include "tla/write/header_writer.hpp"
+#include "tla/write/scratch_file.hpp"
 
 #include <algorithm>
 
@@ -24,14 +25,8 @@ void load_old_file(std::u16string_view path, Tla_data_set_connector_file& old_fi
     if (!status.has_failed()) old_file.load(status, true);
 }
 
-std::vector<Formatter_type_id> types_of(const std::vector<Field_descriptor>& fields) {
-    std::vector<Formatter_type_id> types(fields.size());
-    std::ranges::transform(fields, types.begin(), &Field_descriptor::type);
-    return types;
-}
-
 void gather_texts(const Tla_data_set_entry_file& entry, const std::vector<Field_descriptor>& fields,
-                  std::vector<std::string_view>& stored, Tla_kept_fields& texts,
+                  std::vector<std::string_view>& stored, Tla_field_copies& texts,
                   scl::Scl_status& status) {
     if (!entry.texts(stored)) {
         status.assign(TLA_STATUS_NO_TEXT, scl::Scl_wstring_status_arg(fields.front().name));
@@ -43,31 +38,31 @@ void gather_texts(const Tla_data_set_entry_file& entry, const std::vector<Field_
     }
 }
 
-// In the order of their places in the old file, as the new one keeps it; so the file is read from
-// front to back, too.
+// In the order of their offsets: the new file keeps the order of the old one, and the old one is
+// read from front to back.
 void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_file,
                      scl::Scl_ostream& out, scl::Scl_status& status) {
     const std::vector<Field_descriptor>& fields = old_file.field_descriptors();
     std::vector<std::int64_t> offsets = old_file.record_offsets(status);
     std::ranges::sort(offsets);
-    Tla_record_allowance allowance(old_file.file_size(), path);
-    Tla_record_processor processor(types_of(fields), {}, nullptr);
+    Tla_read_budget budget(old_file.file_size(), path);
+    Tla_record_processor processor(fields, {}, nullptr);
     std::vector<std::string_view> stored;
-    Tla_kept_fields texts;
+    Tla_field_copies texts;
     for (const std::int64_t offset : offsets) {
         if (status.has_failed()) return;
         const auto entry = old_file.read_entry(offset, status);
         if (entry == nullptr) continue;
         gather_texts(*entry, fields, stored, texts, status);
-        allowance.take(entry->record_size(), status);
+        budget.take(entry->record_size(), status);
         if (status.has_failed()) return;
         processor.process({texts.fields()}, out, status);
     }
 }
 
-// Each key table takes a pass over all records. A damaged file may claim thousands of keys for a
-// few long records; as token values are at most nine times as long as their texts, a file with up
-// to a hundred keys never comes here.
+// Making a key table takes a pass over all records, and a crafted file may claim thousands of keys
+// for a few long records. Token values are at most nine times as long as their texts, so a file of
+// up to a hundred keys always passes.
 void check_work(const Tla_data_set_connector_file& old_file, std::uint64_t records_size,
                 std::u16string_view path, scl::Scl_status& status) {
     constexpr std::uint64_t MOST_PASSES = 1024; // over as many bytes as the old file has
@@ -84,8 +79,9 @@ void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
     scl::scl_string_append(path, input_path);
     Tla_data_set_connector_file old_file;
     load_old_file(path, old_file, status);
-    if (status.has_failed() || old_file.version() >= TLA_DATA_SET_VERSION) return;
-    // A new file may not have such names. Told at once: converting takes memory for each field.
+    if (status.has_failed() || old_file.version() >= TLA_LATEST_VERSION.number) return;
+    // A new file may not have such names. Refused before the records are converted, which takes
+    // memory for each field.
     if (!tla_names_are_unique(old_file.field_descriptors())) {
         status = TLA_STATUS_FIELD_LIST;
         return;
@@ -93,15 +89,16 @@ void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
     scl::Scl_file_buffer records;
     tla_open_scratch_file(records, status);
     if (status.has_failed()) return;
-    scl::Scl_ostream out(records, status, scl::Scl_eol::none);
+    scl::Scl_ostream out(records);
     convert_records(path, old_file, out, status);
     out.detach(status);
     if (!status.has_failed()) check_work(old_file, records.size(false, status), path, status);
     if (status.has_failed()) return;
-    const std::uint64_t count = write_data_set_file(
-        old_file.key_names(), old_file.field_descriptors(), records, nullptr, output, status);
-    // Fewer than the old file claims when its first key table lacks some, or when new ones cannot
-    // be told apart, as in a build.
+    const Tla_header_writer header(old_file.field_descriptors());
+    const std::uint64_t count =
+        write_data_set_file(old_file.key_names(), header, records, nullptr, output, status);
+    // Fewer than the old header claims when the first key table is short, or when new records
+    // cannot be told apart, as in a build.
     if (status.ok()) tla_warn_of_lost_records(count, old_file.record_count(), status);
 }
 

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "scl/text/scl_block.hpp"
+
+#include <cstddef>
+#include <cstdint>
+
+namespace tla {
+
+inline constexpr char FIELD_SEPARATOR = '\t';
+inline constexpr char LINE_FEED = '\n';
+inline constexpr char CARRIAGE_RETURN = '\r';
+
+// What of 64 bytes the reader has to look at, a bit for each byte: what may end a field or a line,
+// and what is not ASCII. The other bytes are passed over together.
+struct Delimiters {
+    static constexpr std::size_t BLOCK = 64;
+
+    std::uint64_t ends = 0;
+    std::uint64_t not_ascii = 0;
+};
+
+[[nodiscard]] inline Delimiters find_delimiters(const char* bytes) {
+    Delimiters found;
+    for (std::size_t at = 0; at < Delimiters::BLOCK; at += scl::SCL_BLOCK_BYTES) {
+        const scl::Scl_block block(bytes + at);
+        const auto ends =
+            block.equals(FIELD_SEPARATOR) | block.equals(LINE_FEED) | block.equals(CARRIAGE_RETURN);
+        found.ends |= std::uint64_t{ends.top_bits()} << at;
+        found.not_ascii |= std::uint64_t{block.top_bits()} << at;
+    }
+    return found;
+}
+
+} // namespace tla

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "scl/text/scl_text_span.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+namespace tla {
+
+// A text put together from pieces, with a readable block behind it (scl::Scl_text_span). clear()
+// keeps the memory for the next text.
+class Padded_text {
+public:
+    void append(std::string_view piece) {
+        const std::size_t needed = size_ + piece.size() + scl::SCL_BLOCK_BYTES;
+        // By half: doubling would take three times the size of a text just longer than the memory
+        // while old and new memory are both there.
+        if (needed > capacity_) grow(std::max(needed, capacity_ + capacity_ / 2));
+        std::ranges::copy(piece, bytes_.get() + size_);
+        size_ += piece.size();
+    }
+    void clear() { size_ = 0; }
+
+    [[nodiscard]] bool empty() const { return size_ == 0; }
+    [[nodiscard]] std::string_view view() const { return {bytes_.get(), size_}; }
+    [[nodiscard]] char* data() { return bytes_.get(); }
+
+private:
+    // Left unfilled: the system gives no memory to pages that nobody has written.
+    void grow(std::size_t capacity) {
+        auto bytes = std::make_unique_for_overwrite<char[]>(capacity);
+        std::ranges::copy(view(), bytes.get());
+        bytes_ = std::move(bytes);
+        capacity_ = capacity;
+    }
+
+    std::unique_ptr<char[]> bytes_;
+    std::size_t capacity_ = 0;
+    std::size_t size_ = 0;
+};
+
+} // namespace tla

@@ -1,0 +1,155 @@
+#include "records/input/tla_record_reader.hpp"
+
+#include "records/input/delimiters.hpp"
+
+#include <algorithm>
+#include <array>
+#include <bit>
+
+namespace tla {
+
+namespace {
+
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+
+std::string_view as_text(std::span<const std::byte> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
+
+// Of the next 64 bytes, or of as many as there are: zeros, which end nothing, make up the block.
+Delimiters find_next_delimiters(std::string_view rest) {
+    if (rest.size() >= Delimiters::BLOCK) return find_delimiters(rest.data());
+    std::array<char, Delimiters::BLOCK> block{};
+    std::ranges::copy(rest, block.begin());
+    return find_delimiters(block.data());
+}
+
+} // namespace
+
+// A failure to read comes after all that was read: the bytes before it may hold a fault of their
+// own, which is then the first one. A CR that nothing follows is one.
+Tla_read_result Tla_record_reader::read_records(scl::Scl_buffered_istream& in,
+                                                scl::Scl_status& status) {
+    scl::Scl_status reading;
+    while (goes_on(status)) {
+        const std::string_view window = as_text(in.window(reading));
+        const bool is_good = !after_carriage_return_ || window.starts_with(LINE_FEED);
+        if (!is_good) result_ = Tla_read_result::invalid_line_ending;
+        if (window.empty() || !is_good) break;
+        take_window(window, status);
+        in.skip(window.size());
+    }
+    if (goes_on(status)) status.push_top(reading);
+    return result_;
+}
+
+// Lines are used where they lie, but for the one that the window ends in, and any that has no block
+// readable behind it there.
+void Tla_record_reader::take_window(std::string_view window, scl::Scl_status& status) {
+    after_carriage_return_ = window.ends_with(CARRIAGE_RETURN);
+    if (!open_line_.empty()) window.remove_prefix(complete_line(window, status));
+    const std::size_t unpadded = std::min(window.size(), scl::SCL_BLOCK_BYTES);
+    const std::string_view padded = window.substr(0, window.size() - unpadded);
+    if (goes_on(status)) window.remove_prefix(take_lines(padded, status));
+    while (goes_on(status) && !window.empty()) {
+        window.remove_prefix(complete_line(window, status));
+    }
+}
+
+// Adds what the window has of the open line, and takes it when it ends there. Returns how much.
+std::size_t Tla_record_reader::complete_line(std::string_view window, scl::Scl_status& status) {
+    const std::string_view rest = window.substr(0, window.find(LINE_FEED)); // all, without one
+    const std::string_view taken = window.substr(0, rest.size() + 1);
+    check_returns(taken);
+    if (result_ != Tla_read_result::finished) return 0;
+    open_line_.append(taken);
+    if (taken.size() == rest.size()) return taken.size();
+    (void)take_lines(open_line_.view(), status);
+    open_line_.clear();
+    return taken.size();
+}
+
+// Looks for a CR without LF in text that holds no whole line, or just one. At the window's end the
+// next byte is not known yet.
+void Tla_record_reader::check_returns(std::string_view text) {
+    const std::size_t first = text.find(CARRIAGE_RETURN);
+    if (first == std::string_view::npos || first + 1 == text.size()) return;
+    if (text[first + 1] != LINE_FEED) result_ = Tla_read_result::invalid_line_ending;
+}
+
+// Takes the whole lines that the piece begins with; returns how much of it they are.
+std::size_t Tla_record_reader::take_lines(std::string_view text, scl::Scl_status& status) {
+    const char* done = text.data();
+    begin_line(done);
+    for (std::size_t at = 0; at < text.size(); at += Delimiters::BLOCK) {
+        Delimiters found = find_next_delimiters(text.substr(at));
+        for (std::uint64_t ends = found.ends; ends != 0; ends &= ends - 1) {
+            const char* const end = text.data() + at + std::countr_zero(ends);
+            if (*end == FIELD_SEPARATOR) {
+                end_field(end);
+            } else if (*end == LINE_FEED) {
+                const std::uint64_t before = ~ends & (ends - 1);
+                is_ascii_ = is_ascii_ && (found.not_ascii & before) == 0;
+                found.not_ascii &= ~before; // the next line's
+                end_line(end, text.data(), status);
+                if (!goes_on(status)) return 0;
+                done = end + 1;
+                begin_line(done);
+            } else if (end + 1 != text.data() + text.size() && end[1] != LINE_FEED) {
+                result_ = Tla_read_result::invalid_line_ending;
+                return 0;
+            }
+        }
+        is_ascii_ = is_ascii_ && found.not_ascii == 0;
+    }
+    return static_cast<std::size_t>(done - text.data());
+}
+
+void Tla_record_reader::begin_line(const char* at) {
+    field_begin_ = at;
+    field_count_ = 0;
+    is_ascii_ = true;
+}
+
+void Tla_record_reader::end_field(const char* at) {
+    if (field_count_ < column_count_) fields_[field_count_] = {field_begin_, at};
+    ++field_count_;
+    field_begin_ = at + 1;
+}
+
+// A CR before an LF is part of the line end; one anywhere else never gets here.
+void Tla_record_reader::end_line(const char* at, const char* text, scl::Scl_status& status) {
+    const bool after_return = at != text && at[-1] == CARRIAGE_RETURN;
+    end_field(after_return ? at - 1 : at);
+    if (field_count_ != column_count_) {
+        result_ = Tla_read_result::field_count_mismatch;
+        return;
+    }
+    const std::string_view line(fields_.front().begin,
+                                static_cast<std::size_t>(at - fields_.front().begin));
+    if (!is_ascii_ && line.find(BYTE_ORDER_MARK.front()) != std::string_view::npos) drop_marks();
+    processor_.process({fields_, is_ascii_}, out_, status);
+}
+
+// From front to back, so that bytes which a dropped mark brings together are no mark themselves. A
+// field loses bytes only, so the memory that all of them need is known before.
+void Tla_record_reader::drop_marks() {
+    unmarked_.clear();
+    for (const Tla_field_text& field : fields_) {
+        unmarked_.append(field.view());
+    }
+    char* to = unmarked_.data();
+    for (Tla_field_text& field : fields_) {
+        const char* const begin = to;
+        std::string_view rest = field.view();
+        for (std::size_t mark = 0; mark != std::string_view::npos;) {
+            mark = rest.find(BYTE_ORDER_MARK);
+            to = std::ranges::copy(rest.substr(0, mark), to).out;
+            rest.remove_prefix(
+                std::min(rest.size(), rest.substr(0, mark).size() + BYTE_ORDER_MARK.size()));
+        }
+        field = {begin, to};
+    }
+}
+
+} // namespace tla

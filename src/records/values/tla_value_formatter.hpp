@@ -1,0 +1,48 @@
+#pragma once
+
+#include "records/values/field_descriptor.hpp"
+#include "records/values/tla_formatters.hpp"
+#include "records/values/tla_padded_buffer.hpp"
+#include "scl/text/scl_text_span.hpp"
+
+#include <string>
+#include <string_view>
+
+namespace tla {
+
+// Memory for formatted texts, reused from one value to the next.
+struct Tla_value_buffer {
+    Tla_padded_buffer<char> ascii;
+    std::u16string wide;
+};
+
+// Brings values of one type into the form that their tokens are made from. Records and lookups both
+// go this way: a value that they formatted differently would never be found. ASCII stays bytes, all
+// else is UTF-16. Tested by Token_values.OfBytesAreThoseOfUnits and
+// Value_tokens.OfALookupAreThoseOfARecord.
+class Tla_value_formatter {
+public:
+    explicit Tla_value_formatter(const Formatter_type_id& type)
+        : formatter_(tla_shared_formatter(type)), format_ascii_(tla_ascii_formatter(type)) {}
+
+    // False for a type that is none of the three; format() may not be called then.
+    [[nodiscard]] bool is_known() const { return formatter_ != nullptr; }
+
+    // The formatted text: the value itself, where nothing changes, or in `buffer`.
+    [[nodiscard]] scl::Scl_text_span<char> format(scl::Scl_text_span<char> ascii_value,
+                                                  Tla_value_buffer& buffer) const {
+        return format_ascii_(ascii_value, buffer.ascii);
+    }
+    // The formatted text, in `buffer.wide`, of which `value` may view a part.
+    [[nodiscard]] scl::Scl_text_span<char16_t> format(std::u16string_view value,
+                                                      Tla_value_buffer& buffer) const {
+        formatter_->format(value, buffer.wide, false);
+        return scl::scl_span_of(buffer.wide);
+    }
+
+private:
+    const Tla_formatter_base* formatter_; // a constant of the program, or null
+    Tla_ascii_formatter format_ascii_;
+};
+
+} // namespace tla

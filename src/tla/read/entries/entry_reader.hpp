@@ -1,0 +1,39 @@
+#pragma once
+
+#include "scl/io/scl_buffered_istream.hpp"
+#include "tla/format/data_set_header.hpp"
+#include "tla/read/entries/tla_data_set_entry_file.hpp"
+
+#include <cstdint>
+#include <memory>
+
+namespace tla {
+
+// Reads the entries of one file, all through one stream: neighbours in the file then cost one read,
+// and a record far away little more than its own bytes.
+class Entry_reader {
+public:
+    // Both must outlive the reader and its entries.
+    Entry_reader(const scl::Scl_buffer& file, const Tla_data_set_header& header);
+
+    // The entry at an offset, in bytes from the start of the file. Null after a failure, with the
+    // codes of an entry, and when there is no memory, with the status as it was.
+    [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file> read(std::int64_t record_offset,
+                                                                scl::Scl_status& status);
+
+    // The same entry before it is read; null when there is no memory.
+    [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file> make(std::int64_t record_offset) const;
+    // The bytes of a record of version 2, valid until the next operation. Empty unless the whole
+    // record is buffered and ends in 0x00; read() then reports why.
+    [[nodiscard]] std::span<const std::byte> buffered_record(std::int64_t record_offset,
+                                                             scl::Scl_status& status);
+
+private:
+    void go_to(std::int64_t record_offset);
+
+    const scl::Scl_buffer& file_;
+    const Tla_data_set_header& header_;
+    scl::Scl_buffered_istream stream_;
+};
+
+} // namespace tla

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "records/values/field_descriptor.hpp"
+#include "scl/io/scl_buffered_istream.hpp"
+#include "scl/io/scl_ostream.hpp"
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace tla {
+
+class Record_collector;
+class Tla_header_writer;
+
+// Makes a data set file of version 2 from records in the layout of its records section. `records`
+// is copied as it is; key tables are made by reading it, one after the other, with 16 bytes of
+// memory a record. What `collected` knows is not read; it may be null. Everything is borrowed for
+// the call and stays open; `output` is written from its front on. Returns the record count that
+// the header has.
+//
+// Sets TLA_STATUS_FIELD_LIST when two fields share a name, TLA_STATUS_TOO_MANY_PAIRS for more keys
+// or records than a header can count, TLA_STATUS_KEY_NAME when a key name is no field's (capitals
+// count), TLA_STATUS_RECORD_END when a record does not end with 0x00; leaves what reading and
+// writing leave; pushes the warning TLA_STATUS_DUPLICATE_LEFT_OUT for each pair left out of a key
+// table. After an error the output is unfinished and its checksum wrong.
+std::uint64_t write_data_set_file(std::span<const std::u16string> key_names,
+                                  const Tla_header_writer& header, const scl::Scl_buffer& records,
+                                  Record_collector* collected, scl::Scl_buffer& output,
+                                  scl::Scl_status& status);
+
+// Pushes the warning TLA_STATUS_RECORDS_LOST, with both numbers as its argument, unless they are
+// equal. `readable` is the record count of a file that was made, `taken` how many records went in.
+void tla_warn_of_lost_records(std::uint64_t readable, std::uint64_t taken, scl::Scl_status& status);
+
+// The number of complete records from the stream's position to its end. One that lacks only its
+// closing byte counts; one cut short before that does not. The end of the data is cleared from the
+// status; TLA_STATUS_RECORD_END and SCL_STATUS_READ_FAILED stay, and the number is of no use then.
+[[nodiscard]] std::uint64_t
+count_records(std::size_t field_count, scl::Scl_buffered_istream& records, scl::Scl_status& status);
+
+} // namespace tla

@@ -1,0 +1,14 @@
+#include "tla/write/key_pairs.hpp"
+
+#include "records/values/record_layout.hpp"
+#include "records/values/tla_key_hash.hpp"
+#include "tla/write/record_comparer.hpp"
+
+namespace tla {
+
+void Key_pairs::add(std::span<const std::byte> record, std::uint64_t offset) {
+    const std::span<const std::byte> values = tla_field_values(record, key_field_);
+    sorter_.add({tla_key_hash(values), tagger_.tagged(offset, record_fingerprint(record))});
+}
+
+} // namespace tla

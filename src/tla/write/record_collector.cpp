@@ -1,0 +1,46 @@
+#include "tla/write/record_collector.hpp"
+
+#include "records/values/record_layout.hpp"
+#include "records/values/tla_value_formatter.hpp"
+
+#include <algorithm>
+
+namespace tla {
+
+namespace {
+
+// A record takes some 32 bytes of text. Wrong by a factor of ten, the guess costs little.
+constexpr std::uint64_t TEXT_BYTES_A_RECORD = 32;
+
+// No byte of text gives more bytes of record: one character is one token at most, of eight bytes,
+// and each field has a separator or line end to make up for its count and the record's end.
+constexpr std::uint64_t MOST_GROWTH = 8;
+
+bool has_unknown_type(std::span<const Field_descriptor> fields) {
+    return std::ranges::any_of(fields, [](const Field_descriptor& field) {
+        return !Tla_value_formatter(field.type).is_known();
+    });
+}
+
+} // namespace
+
+Record_collector::Record_collector(const Tla_header_writer& header, std::u16string_view first_key,
+                                   std::uint64_t input_size)
+    : next_offset_(header.header_end()), largest_offset_(next_offset_ + MOST_GROWTH * input_size) {
+    const auto fields = header.fields();
+    const auto key = std::ranges::find(fields, first_key, &Field_descriptor::name);
+    if (key == fields.end() || has_unknown_type(fields)) return;
+    pairs_.emplace(input_size / TEXT_BYTES_A_RECORD, largest_offset_);
+    pairs_->begin_key(static_cast<std::size_t>(key - fields.begin()));
+}
+
+void Record_collector::record_made(std::span<const std::byte> record) {
+    ++count_;
+    const bool fits = !record.empty() && next_offset_ <= largest_offset_;
+    if (!fits) pairs_.reset(); // for good: every later offset depends on this record's size
+    if (!pairs_) return;
+    pairs_->add(record.first(record.size() - TLA_RECORD_END_BYTES), next_offset_);
+    next_offset_ += record.size();
+}
+
+} // namespace tla
