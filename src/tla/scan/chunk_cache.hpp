@@ -46,7 +46,9 @@ public:
                                    (chunk.size() > 16 ? hashes_.mixed(bytes[2]) : 0) ^
                                    hashes_.mixed(bytes[3]);
         Entry& entry = entries_[static_cast<std::size_t>(hash >> (64 - ENTRY_BITS))];
-        if (entry.bytes != bytes) entry = {bytes, Chunk_interest::unknown, 0};
+        const std::uint64_t differ = (entry.bytes[0] ^ bytes[0]) | (entry.bytes[1] ^ bytes[1]) |
+                                     (entry.bytes[2] ^ bytes[2]) | (entry.bytes[3] ^ bytes[3]);
+        if (differ != 0) entry = {bytes, Chunk_interest::unknown, 0};
         return entry;
     }
 

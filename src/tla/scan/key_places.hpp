@@ -1,24 +1,40 @@
 #pragma once
 
-#include "tla/scan/occurrence.hpp"
-
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <map>
-#include <string>
-#include <utility>
+#include <functional>
+#include <vector>
 
 namespace tla {
 
-// An occurrence of a key's value, and how it is written.
+// An occurrence of a key's value that waits until all is known of what stands around it, by its
+// number in the window.
 struct Key_place {
-    Occurrence occurrence;
-    std::string text; // the first characters of it
-    bool text_is_whole;
+    std::uint64_t byte; // of its first character
+    std::uint64_t end;
+    std::uint64_t number;
+    auto operator<=>(const Key_place&) const = default;
 };
 
-// Occurrences of keys that wait until all is known of what stands around them, by their first
-// characters, then their ends: a long one that begins before a short one is found after it.
-using Key_places = std::multimap<std::pair<std::uint64_t, std::uint64_t>, Key_place>;
+// Those that wait, the first in the text at the front: a long one that begins before a short one is
+// found after it.
+class Key_places {
+public:
+    void clear() { heap_.clear(); }
+    [[nodiscard]] bool empty() const { return heap_.empty(); }
+    [[nodiscard]] const Key_place& front() const { return heap_.front(); }
+    void push(const Key_place& place) {
+        heap_.push_back(place);
+        std::ranges::push_heap(heap_, std::greater());
+    }
+    void pop() {
+        std::ranges::pop_heap(heap_, std::greater());
+        heap_.pop_back();
+    }
+
+private:
+    std::vector<Key_place> heap_;
+};
 
 } // namespace tla

@@ -29,6 +29,7 @@ void Number_matcher::start() {
 void Number_matcher::clear_groups() {
     groups_.clear();
     text_.clear();
+    has_digits_ = false;
 }
 
 std::optional<Text_place> Number_matcher::oldest() const {
@@ -71,6 +72,7 @@ void Number_matcher::add_group(const Number_word& word, std::u16string_view text
     if (!joins) clear_groups();
     groups_.push_back({first, number_, text_.size(), word.characters, word.has_digit});
     text_ += text;
+    has_digits_ |= word.has_digit;
     drop_groups();
 }
 
@@ -91,6 +93,7 @@ void Number_matcher::drop_groups() {
     for (Group& group : groups_) {
         group.text -= text;
     }
+    has_digits_ = std::ranges::any_of(groups_, &Group::has_digit);
 }
 
 // A beginning goes on behind its last word, with an item that begins with the next word.
@@ -128,10 +131,12 @@ void Number_matcher::read_word(const Number_word& word, std::u16string_view text
     } else {
         clear_groups();
     }
+    items_.clear();
     for (std::size_t i = 0; i < word.value_count; ++i) {
-        read_item({first, number_, false}, word.values[i]);
+        add_item(first, number_, false, word.values[i]);
     }
-    if (word.is_group) read_stretches();
+    if (word.is_group) add_stretches();
+    read_items();
     gap_characters_ = 0;
     gap_line_ends_ = 0;
     ++number_;
@@ -139,20 +144,24 @@ void Number_matcher::read_word(const Number_word& word, std::u16string_view text
 }
 
 // Those that end with the last group.
-void Number_matcher::read_stretches() {
+void Number_matcher::add_stretches() {
     std::uint64_t characters = groups_.back().characters;
     for (std::size_t i = groups_.size() - 1; i > 0; --i) {
-        characters += groups_[i - 1].characters;
+        const Group& group = groups_[i - 1];
+        characters += group.characters;
         if (characters > MOST_CHARACTERS) return;
-        if (!groups_[i - 1].has_digit && !groups_.back().has_digit) continue;
-        stretch_.assign(text_, groups_[i - 1].text);
-        read_stretch(i - 1, stretch_);
+        if (!group.has_digit && !groups_.back().has_digit) continue;
+        stretch_.assign(text_, group.text);
+        add_stretch(group, stretch_);
     }
 }
 
-void Number_matcher::read_stretch(std::size_t first_group, std::u16string& text) {
-    const Group& group = groups_[first_group];
-    const Item item{group.first, group.number, true};
+// As it is, with a to z as capitals, with A to Z as small letters; what does not differ, once.
+void Number_matcher::add_stretch(const Group& group, std::u16string& text) {
+    const auto add = [&] {
+        add_item(group.first, group.number, true,
+                 txt::txt_token_value(std::u16string_view(text)));
+    };
     const auto change = [&text](char16_t first, char16_t last, int by) {
         bool changes = false;
         for (char16_t& unit : text) {
@@ -163,45 +172,58 @@ void Number_matcher::read_stretch(std::size_t first_group, std::u16string& text)
         return changes;
     };
     constexpr int TO_CAPITAL = 'A' - 'a';
-    read_item(item, txt::txt_token_value(std::u16string_view(text)));
-    const bool has_small = change(u'a', u'z', TO_CAPITAL);
-    if (has_small) read_item(item, txt::txt_token_value(std::u16string_view(text)));
+    add();
+    if (change(u'a', u'z', TO_CAPITAL)) add();
     // Where all letters were small, this is the stretch as it is once more.
-    if (change(u'A', u'Z', -TO_CAPITAL)) {
-        read_item(item, txt::txt_token_value(std::u16string_view(text)));
+    if (change(u'A', u'Z', -TO_CAPITAL)) add();
+}
+
+// Has memory bring the filter's answer while others are worked out.
+void Number_matcher::add_item(Text_place first, std::uint64_t first_number, bool is_stretch,
+                              std::uint64_t value) {
+    const std::uint64_t alone = hashes_.extended(hashes_.start(Value_kind::number), value);
+    tables_->prefetch(alone);
+    items_.push_back({first, first_number, is_stretch, value, alone});
+}
+
+void Number_matcher::read_items() {
+    const std::size_t open = open_.size();
+    for (const Item& item : items_) {
+        const auto before = std::ranges::lower_bound(
+            open_, item.first_number, {}, [](const Beginning& b) { return b.last_number + 1; });
+        for (auto i = static_cast<std::size_t>(before - open_.begin());
+             i < open && open_[i].last_number + 1 == item.first_number; ++i) {
+            extend(open_[i], hashes_.extended(open_[i].hash, item.value), item);
+        }
+        extend({0, item.first, 0, 0, 0, false}, item.alone, item);
     }
 }
 
-void Number_matcher::read_item(const Item& item, std::uint64_t value) {
-    const std::size_t open = open_.size();
-    for (std::size_t i = 0; i < open; ++i) {
-        if (open_[i].last_number + 1 == item.first_number && open_[i].last_number != number_) {
-            extend(Beginning(open_[i]), item, value);
+void Number_matcher::extend(Beginning beginning, std::uint64_t hash, const Item& item) {
+    const Value_filter::Answer found = tables_->ask(hash);
+    if (!found.any()) return;
+    beginning.hash = hash;
+    beginning.last_number = number_;
+    beginning.has_stretch |= item.is_stretch;
+    ++beginning.values;
+    if (beginning.has_stretch && beginning.values > MOST_VALUES) return;
+    if (beginning.values == 1) beginning.line = place_->line_at(item.first.byte);
+    if (found.is_value) {
+        (*take_)({hash, beginning.first, place_->last_word_of(span_), place_->end_of(span_),
+                  beginning.line, Value_kind::number});
+    }
+    if (found.begins_one && !is_open(beginning)) open_.push_back(beginning);
+}
+
+// Two ways of putting a stretch together may come to the same.
+bool Number_matcher::is_open(const Beginning& beginning) const {
+    for (auto b = open_.rbegin(); b != open_.rend() && b->last_number == number_; ++b) {
+        if (b->hash == beginning.hash && b->first.byte == beginning.first.byte &&
+            b->has_stretch == beginning.has_stretch) {
+            return true;
         }
     }
-    Beginning alone{hashes_.start(Value_kind::number), item.first, 0, 0, 0, false};
-    extend(alone, item, value);
-}
-
-void Number_matcher::extend(const Beginning& beginning, const Item& item, std::uint64_t value) {
-    Beginning extended = beginning;
-    extended.hash = hashes_.extended(beginning.hash, value);
-    extended.last_number = number_;
-    extended.has_stretch |= item.is_stretch;
-    ++extended.values;
-    if (extended.has_stretch && extended.values > MOST_VALUES) return;
-    const Value_filter::Answer found = tables_->ask(extended.hash);
-    if (!found.any()) return;
-    if (extended.values == 1) extended.line = place_->line_at(item.first.byte);
-    if (found.is_value) {
-        (*take_)({extended.hash, extended.first, place_->last_word_of(span_),
-                  place_->end_of(span_), extended.line, Value_kind::number});
-    }
-    const bool is_known = std::ranges::any_of(open_, [&extended](const Beginning& b) {
-        return b.last_number == extended.last_number && b.hash == extended.hash &&
-               b.first.byte == extended.first.byte && b.has_stretch == extended.has_stretch;
-    });
-    if (found.begins_one && !is_known) open_.push_back(extended);
+    return false;
 }
 
 } // namespace tla

@@ -37,7 +37,9 @@ public:
     void pass_other() {
         if (!is_at_rest()) clear_groups();
     }
-    // A chunk of no interest that is one group of letters; while idle.
+    // Whether a group that comes next may end a stretch; then it has to be read.
+    [[nodiscard]] bool may_end_stretch() const { return has_digits_; }
+    // A chunk of no interest that is one group of letters and may end none; while idle.
     void pass_group(std::string_view letters, Text_place place);
 
     using Take = std::function<void(const Occurrence&)>;
@@ -66,6 +68,8 @@ private:
         Text_place first;
         std::uint64_t first_number;
         bool is_stretch;
+        std::uint64_t value;
+        std::uint64_t alone; // the hash of the value by itself
     };
 
     [[nodiscard]] bool is_at_rest() const { return groups_.empty() && open_.empty(); }
@@ -76,18 +80,23 @@ private:
     void drop_beginnings();
     void pass_gap(std::uint32_t characters, std::uint32_t line_ends, bool is_clean);
     void read_word(const Number_word& word, std::u16string_view text);
-    void read_stretches();
-    void read_stretch(std::size_t first_group, std::u16string& text);
-    void read_item(const Item& item, std::uint64_t value);
-    void extend(const Beginning& beginning, const Item& item, std::uint64_t value);
+    void add_stretches();
+    void add_stretch(const Group& group, std::u16string& text);
+    void add_item(Text_place first, std::uint64_t first_number, bool is_stretch,
+                  std::uint64_t value);
+    void read_items();
+    void extend(Beginning beginning, std::uint64_t hash, const Item& item);
+    [[nodiscard]] bool is_open(const Beginning& beginning) const;
 
     const Scan_hashes& hashes_;
     std::vector<Group> groups_; // joined, one to the next
     std::u16string text_;       // of the groups, back to back
-    std::vector<Beginning> open_;
+    bool has_digits_ = false;   // one of them
+    std::vector<Beginning> open_; // by their last words
     std::uint64_t number_ = 0;  // of the next word; numbers of words apart differ by more than one
     std::uint64_t gap_characters_ = 0;
     std::uint64_t gap_line_ends_ = 0;
+    std::vector<Item> items_; // that end with the word at hand
     std::u16string stretch_;
 
     // While a word is read.

@@ -81,10 +81,8 @@ Word_range Record_judge::reach_of(const Occurrence& occurrence) const {
 // Records are looked at one by one where there are fewer of them than words to ask about.
 void Record_judge::judge(const Occurrence& key, const Occurrence_window& window,
                          std::vector<Found_record>& found) {
-    if (least_ == 1) {
-        if (done_.insert(key.hash).second) judge_all(key, window, found);
-        return;
-    }
+    if (is_done(key.hash)) return;
+    if (least_ == 1) return judge_all(key, window, found);
     const Record_table* const pairs = tables_->by_pair(key.hash);
     const std::uint64_t records = tables_->by_key().entries_of(key.hash).size();
     const std::uint64_t words = window.end() - window.begin();
@@ -100,11 +98,12 @@ void Record_judge::judge_all(const Occurrence& key, const Occurrence_window& win
                              std::vector<Found_record>& found) {
     const Record_table& records = tables_->by_key();
     const Record_table::Range entries = records.entries_of(key.hash);
+    bool are_reported = true;
     for (std::uint64_t entry = entries.begin; entry < entries.end; ++entry) {
-        if (records.may_be(entry, key.hash)) {
-            judge_record(records.place(entry), key, window, found);
-        }
+        if (!records.may_be(entry, key.hash)) continue;
+        are_reported &= judge_record(records.place(entry), key, window, found);
     }
+    if (are_reported || least_ == 1) done_.insert(key.hash);
 }
 
 // From the first one in the window that was not gone through for an earlier occurrence of the

@@ -35,6 +35,10 @@ public:
 
     // Whether the value is a key's of some record, which is seldom wrong.
     [[nodiscard]] bool may_be_key(const Occurrence& occurrence) const;
+    // Whether all records of the value are reported, so that it is of no interest as a key any more.
+    [[nodiscard]] bool is_done(std::uint64_t hash) const {
+        return !done_.empty() && done_.contains(hash);
+    }
     // The words within reach of an occurrence.
     [[nodiscard]] Word_range reach_of(const Occurrence& occurrence) const;
 
@@ -71,9 +75,9 @@ private:
     // occurs wherever enough fields do.
     std::array<std::array<bool, VALUE_KINDS>, VALUE_KINDS> asked_kinds_{};
     Reported_records reported_;
-    // Where one other field is enough, nothing is asked twice: values of which all records with the
-    // key's are reported, by the hash of both; and for a key's value how far the window was gone
-    // through.
+    // Nothing is asked twice: values of keys of which all records are reported; where one other
+    // field is enough, those of pairs, by the hash of both; and for a key's value how far the
+    // window was gone through.
     std::unordered_set<std::uint64_t> done_;
     std::unordered_map<std::uint64_t, std::uint64_t> checked_;
     std::vector<std::size_t> fields_; // of the record at hand

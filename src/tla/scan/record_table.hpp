@@ -1,13 +1,12 @@
 #pragma once
 
 #include "scl/io/scl_endian.hpp"
+#include "tla/scan/large_array.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
-#include <vector>
 
 namespace tla {
 
@@ -34,17 +33,15 @@ public:
     template <typename Take>
     void lay_out(Take take);
     void put(std::uint64_t hash, std::uint64_t place) {
-        const std::uint64_t at = ends_[bucket_of(hash)]++;
-        tags_[at] = tag_of(hash);
+        std::byte* const entry = entry_at(ends_[bucket_of(hash)]++);
+        entry[0] = tag_of(hash);
         std::array<std::byte, sizeof place> bytes{};
         scl::scl_store_le(bytes.data(), place);
-        std::copy_n(bytes.begin(), width_, &places_[at * width_]);
+        std::copy_n(bytes.begin(), width_, entry + 1);
     }
     void prefetch(std::uint64_t hash) const { __builtin_prefetch(&ends_[bucket_of(hash)], 1); }
     void prefetch_entry(std::uint64_t hash) const {
-        const std::uint64_t at = ends_[bucket_of(hash)];
-        __builtin_prefetch(&tags_[at], 1);
-        __builtin_prefetch(&places_[at * width_], 1);
+        __builtin_prefetch(entry_at(ends_[bucket_of(hash)]), 1);
     }
 
     [[nodiscard]] std::size_t bucket_of(std::uint64_t hash) const {
@@ -57,11 +54,11 @@ public:
         return {bucket == 0 ? 0 : ends_[bucket - 1], ends_[bucket]};
     }
     [[nodiscard]] bool may_be(std::uint64_t entry, std::uint64_t hash) const {
-        return tags_[entry] == tag_of(hash);
+        return *entry_at(entry) == tag_of(hash);
     }
     [[nodiscard]] std::uint64_t place(std::uint64_t entry) const {
         std::array<std::byte, sizeof(std::uint64_t)> bytes{};
-        std::copy_n(&places_[entry * width_], width_, bytes.begin());
+        std::copy_n(entry_at(entry) + 1, width_, bytes.begin());
         return scl::scl_load_le<std::uint64_t>(bytes.data());
     }
 
@@ -69,15 +66,20 @@ private:
     __extension__ using Wide = unsigned __int128;
     static constexpr std::uint64_t ENTRIES_A_BUCKET = 6;
 
-    [[nodiscard]] static std::uint8_t tag_of(std::uint64_t hash) {
-        return static_cast<std::uint8_t>(hash);
+    [[nodiscard]] static std::byte tag_of(std::uint64_t hash) {
+        return static_cast<std::byte>(hash);
+    }
+    [[nodiscard]] const std::byte* entry_at(std::uint64_t entry) const {
+        return &entries_[static_cast<std::size_t>(entry) * (1 + width_)];
+    }
+    [[nodiscard]] std::byte* entry_at(std::uint64_t entry) {
+        return &entries_[static_cast<std::size_t>(entry) * (1 + width_)];
     }
     [[nodiscard]] static std::size_t width_of(std::uint64_t limit);
 
-    std::vector<std::uint64_t> ends_; // of the buckets; while it is filled, where the next one goes
+    Large_array<std::uint64_t> ends_; // of the buckets; while it is filled, where the next one goes
     std::size_t width_;               // bytes of a place
-    std::unique_ptr<std::uint8_t[]> tags_;
-    std::unique_ptr<std::byte[]> places_; // the lower bytes of each, little-endian
+    Large_array<std::byte> entries_;  // of each eight bits of its hash, then its place, little-endian
 };
 
 template <typename Take>
@@ -89,8 +91,7 @@ void Record_table::lay_out(Take take) {
         ends_[bucket] = entries; // its begin: put() moves it to its end
         entries += size;
     }
-    tags_ = std::make_unique_for_overwrite<std::uint8_t[]>(entries + 1);
-    places_ = std::make_unique_for_overwrite<std::byte[]>((entries + 1) * width_);
+    entries_ = Large_array<std::byte>(static_cast<std::size_t>(entries + 1) * (1 + width_), false);
 }
 
 } // namespace tla

@@ -10,9 +10,6 @@ namespace {
 
 // Behind the buffer's text, for what is read in blocks.
 constexpr std::size_t PADDING = 64;
-// A window of text: large enough that what is done for each costs nothing, small enough for the
-// cache.
-constexpr std::size_t WINDOW_BYTES = std::size_t{256} << 10;
 
 std::array<bool, VALUE_KINDS> kinds_of(const Index_state& index) {
     std::array<bool, VALUE_KINDS> kinds{};
@@ -28,6 +25,7 @@ Tla_text_scan::Engine::Engine(const Index_state& index, const Tla_scan_options& 
     : index_(index),
       is_converted_(options.is_converted),
       within_(options.within),
+      window_bytes_(std::max<std::size_t>(options.window, 1)),
       has_numbers_(kinds_of(index)[static_cast<std::size_t>(Value_kind::number)]),
       cache_(index.hashes),
       reader_(kinds_of(index)),
@@ -37,7 +35,8 @@ Tla_text_scan::Engine::Engine(const Index_state& index, const Tla_scan_options& 
       judge_(index,
              std::max<std::size_t>(
                  options.least.value_or(std::min<std::size_t>(index.header.fields.size(), 2)), 1),
-             options.within) {}
+             options.within),
+      has_one_field_(index.records->kinds().size() == 1) {}
 
 void Tla_text_scan::Engine::start(Tla_scan_listener& listener) {
     is_over_ = true; // should what follows fail
@@ -55,6 +54,7 @@ void Tla_text_scan::Engine::start(Tla_scan_listener& listener) {
     lines_.start(0);
     window_.clear();
     keys_.clear();
+    texts_.clear();
     const Scan_tables& tables = index_.tables();
     if (tables_ != &tables) cache_.clear(); // what it holds was of others
     tables_ = &tables;
@@ -64,12 +64,12 @@ void Tla_text_scan::Engine::start(Tla_scan_listener& listener) {
 
 bool Tla_text_scan::Engine::feed(std::span<const std::byte> bytes) {
     while (!bytes.empty() && !is_over_) {
-        const auto piece = bytes.first(std::min(bytes.size(), WINDOW_BYTES));
+        const auto piece = bytes.first(std::min(bytes.size(), window_bytes_));
         bytes = bytes.subspan(piece.size());
         is_over_ = true; // until this is done
         decoder_.decode(piece, buffer_);
         is_over_ = false;
-        if (buffer_.size() - scanned_ >= WINDOW_BYTES) scan_buffer(false);
+        if (buffer_.size() - scanned_ >= window_bytes_) scan_buffer(false);
     }
     return !is_over_;
 }
@@ -101,12 +101,13 @@ void Tla_text_scan::Engine::scan_buffer(bool is_end) try {
             matcher.start();
         }
         numbers_.start();
-        settle_first_keys(~std::uint64_t{0});
+        static_cast<void>(settle_first_keys(~std::uint64_t{0}));
         return;
     }
     // A cut may need two characters to be seen.
     constexpr std::size_t LONGEST_CUT = 6;
     uncut_ = size > LONGEST_CUT ? size - LONGEST_CUT : 0;
+    forget_words();
     drop_text();
 } catch (...) {
     is_over_ = true;
@@ -115,10 +116,12 @@ void Tla_text_scan::Engine::scan_buffer(bool is_end) try {
 
 // What still belongs to something that may go on stays.
 void Tla_text_scan::Engine::drop_text() {
-    const auto size = static_cast<std::size_t>(oldest().byte - buffer_at_);
-    if (size < WINDOW_BYTES / 2) return;
+    std::uint64_t needed = oldest().byte;
+    if (within_ && !keys_.empty()) needed = std::min(needed, keys_.front().byte);
+    const auto size = static_cast<std::size_t>(needed - buffer_at_);
+    if (size < window_bytes_ / 2) return;
     lines_.look_at(buffer_, buffer_at_);
-    static_cast<void>(lines_.line_at(std::max(oldest().byte, place_.byte)));
+    static_cast<void>(lines_.line_at(std::max(needed, place_.byte)));
     buffer_.erase(0, size);
     buffer_at_ += size;
     scanned_ -= size;
@@ -162,7 +165,7 @@ bool Tla_text_scan::Engine::pass_known(std::string_view chunk) {
     const Chunk_cache::Entry& entry = cache_.find(chunk);
     const bool is_idle =
         sequences_[0].is_idle() && sequences_[1].is_idle() && numbers_.is_idle();
-    if (!is_idle) return false;
+    if (!is_idle || numbers_.may_end_stretch()) return false;
     if (entry.interest == Chunk_interest::none) {
         numbers_.pass_other();
     } else if (entry.interest == Chunk_interest::group) {

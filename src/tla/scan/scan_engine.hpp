@@ -49,13 +49,17 @@ private:
     void add_key(const Occurrence& occurrence);
     [[nodiscard]] Text_place oldest() const;
     void settle_keys();
+    void forget_words();
     bool settle_first_keys(std::uint64_t complete_to);
-    void report(Key_places::const_iterator begin, Key_places::const_iterator end);
+    void judge_batch();
+    void report(std::uint64_t byte);
+    [[nodiscard]] std::string_view text_at(std::uint64_t byte, std::uint64_t end) const;
 
     const Index_state& index_;
     const Scan_tables* tables_ = nullptr;
     bool is_converted_;
     std::optional<std::uint64_t> within_;
+    std::size_t window_bytes_;
     Tla_scan_listener* listener_ = nullptr;
     bool is_over_ = true; // the listener wants no more, or the text failed
 
@@ -76,7 +80,12 @@ private:
     Occurrence_window window_;
     Key_places keys_;
     Record_judge judge_;
+    std::vector<Key_place> batch_; // those that stand at one place
     std::vector<Found_record> found_;
+    // Without a bound of words: how keys are written, as their text is long gone when they are
+    // judged. By their numbers.
+    std::unordered_map<std::uint64_t, std::string> texts_;
+    bool has_one_field_; // nothing else can be within reach
 };
 
 } // namespace tla

@@ -22,8 +22,10 @@ std::size_t size_of_first(std::string_view text, std::size_t characters) {
 
 void Tla_text_scan::Engine::take(const Occurrence& occurrence) {
     if (!within_) return take_first(occurrence);
+    const bool is_key = !judge_.is_done(occurrence.hash) && judge_.may_be_key(occurrence);
+    if (!is_key && has_one_field_) return;
     window_.add(occurrence);
-    if (judge_.may_be_key(occurrence)) add_key(occurrence);
+    if (is_key) add_key(occurrence);
 }
 
 // Without a bound it makes no difference where else a value occurs: of each one the first place is
@@ -38,24 +40,23 @@ void Tla_text_scan::Engine::take_first(const Occurrence& occurrence) {
     Occurrence& first = window_.at(known).occurrence;
     const auto rank = [](const Occurrence& o) { return std::pair(o.first.byte, o.end); };
     if (rank(first) <= rank(occurrence)) return;
-    const auto [begin, end] = keys_.equal_range(rank(first));
-    const auto same = std::find_if(begin, end, [&occurrence](const auto& key) {
-        return key.second.occurrence.hash == occurrence.hash;
-    });
-    if (same != end) {
-        keys_.erase(same);
-        add_key(occurrence);
+    first = occurrence; // the place that waits is passed over, as it is no longer the value's
+    if (texts_.contains(known)) {
+        texts_[known] = text_at(occurrence.first.byte, occurrence.end);
+        keys_.push({occurrence.first.byte, occurrence.end, known});
     }
-    first = occurrence;
 }
 
 void Tla_text_scan::Engine::add_key(const Occurrence& occurrence) {
-    const auto at = static_cast<std::size_t>(occurrence.first.byte - buffer_at_);
-    const auto size = static_cast<std::size_t>(occurrence.end - occurrence.first.byte);
-    const std::string_view text = std::string_view(buffer_).substr(at, size);
-    const std::size_t shown = size_of_first(text, TLA_SCAN_QUOTED_CHARACTERS);
-    keys_.emplace(std::pair(occurrence.first.byte, occurrence.end),
-                  Key_place{occurrence, std::string(text.substr(0, shown)), shown == size});
+    const std::uint64_t number = window_.end() - 1;
+    if (!within_) texts_.emplace(number, text_at(occurrence.first.byte, occurrence.end));
+    keys_.push({occurrence.first.byte, occurrence.end, number});
+}
+
+std::string_view Tla_text_scan::Engine::text_at(std::uint64_t byte, std::uint64_t end) const {
+    const std::string_view text = std::string_view(buffer_).substr(
+        static_cast<std::size_t>(byte - buffer_at_), static_cast<std::size_t>(end - byte));
+    return text.substr(0, size_of_first(text, TLA_SCAN_QUOTED_CHARACTERS));
 }
 
 // From there on occurrences may still be found.
@@ -75,12 +76,18 @@ void Tla_text_scan::Engine::settle_keys() {
     if (!within_) return;
     // The first of those that wait is looked at before anything else, as this is asked for each
     // chunk.
-    const Occurrence& next = keys_.begin()->second.occurrence;
+    const Occurrence& next = window_.at(keys_.front().number).occurrence;
     if (next.last_word >= place_.word || place_.word - next.last_word <= *within_) return;
-    if (!settle_first_keys(oldest().byte)) return;
-    const std::uint64_t needed =
-        keys_.empty() ? oldest().word
-                      : std::min(oldest().word, keys_.begin()->second.occurrence.first.word);
+    if (settle_first_keys(oldest().byte)) forget_words();
+}
+
+// What no key that waits or is yet to come can reach.
+void Tla_text_scan::Engine::forget_words() {
+    if (!within_) return;
+    std::uint64_t needed = oldest().word;
+    if (!keys_.empty()) {
+        needed = std::min(needed, window_.at(keys_.front().number).occurrence.first.word);
+    }
     window_.forget_before(needed > *within_ ? needed - *within_ : 0);
 }
 
@@ -92,45 +99,55 @@ bool Tla_text_scan::Engine::settle_first_keys(std::uint64_t complete_to) {
         return is_end || (key.last_word < place_.word && place_.word - key.last_word > *within_);
     };
     while (!keys_.empty() && !is_over_) {
-        const auto begin = keys_.begin();
-        const std::uint64_t byte = begin->first.first;
+        const std::uint64_t byte = keys_.front().byte;
         if (byte >= complete_to) return true;
-        auto end = begin;
-        for (; end != keys_.end() && end->first.first == byte; ++end) {
-            if (!is_known(end->second.occurrence)) return true;
+        batch_.clear();
+        bool all_known = true;
+        for (; !keys_.empty() && keys_.front().byte == byte; keys_.pop()) {
+            batch_.push_back(keys_.front());
+            all_known &= is_known(window_.at(batch_.back().number).occurrence);
         }
-        found_.clear();
-        for (auto key = begin; key != end; ++key) {
-            judge_.judge(key->second.occurrence, window_, found_);
+        if (!all_known) {
+            for (const Key_place& key : batch_) {
+                keys_.push(key);
+            }
+            return true;
         }
-        report(begin, end);
-        keys_.erase(begin, end);
+        judge_batch();
     }
     return !is_over_;
 }
 
+void Tla_text_scan::Engine::judge_batch() {
+    found_.clear();
+    for (const Key_place& key : batch_) {
+        const Occurrence& occurrence = window_.at(key.number).occurrence;
+        const bool is_current = occurrence.first.byte == key.byte && occurrence.end == key.end;
+        if (is_current) judge_.judge(occurrence, window_, found_);
+    }
+    if (!found_.empty()) report(batch_.front().byte);
+}
+
 // All that stands at one place: of each record the key that is named first, then the shorter
 // occurrence; then by the records.
-void Tla_text_scan::Engine::report(Key_places::const_iterator begin,
-                                   Key_places::const_iterator end) {
+void Tla_text_scan::Engine::report(std::uint64_t byte) {
     std::ranges::sort(found_, {}, [](const Found_record& found) {
         return std::tuple(found.place, found.key_order, found.end);
     });
     for (const Found_record& found : found_) {
         if (judge_.is_reported(found.place)) continue;
         judge_.mark_reported(found.place);
-        const auto key = std::find_if(begin, end, [&found](const auto& one) {
-            return one.first.second == found.end;
-        });
-        const Key_place& place = key->second;
+        const auto key = std::ranges::find(batch_, found.end, &Key_place::end);
+        const std::string_view text =
+            within_ ? text_at(byte, found.end) : std::string_view(texts_.at(key->number));
         const Tla_scan_find find{
             .line = found.line,
-            .place = decoder_.bytes_in_front() + place.occurrence.first.byte,
-            .length = found.end - place.occurrence.first.byte,
+            .place = decoder_.bytes_in_front() + byte,
+            .length = found.end - byte,
             .key = index_.keys[found.key_order],
             .record = static_cast<std::int64_t>(index_.header.data_start + found.place),
-            .text = place.text,
-            .text_is_whole = place.text_is_whole,
+            .text = text,
+            .text_is_whole = text.size() == found.end - byte,
             .fields = found.fields};
         if (listener_->take(find)) continue;
         is_over_ = true;

@@ -8,30 +8,35 @@ namespace tla {
 namespace {
 
 // Lets memory bring what an operation will touch while others are done: most of them lead to
-// another place of a large table, and would wait for it each.
-template <typename Operation, typename Run>
+// another place of a large table, and would wait for it each. In two steps, as where an entry goes
+// is known when its bucket is at hand.
+template <typename Operation, typename Prepare, typename Run>
 class Delayed {
 public:
-    explicit Delayed(Run run) : run_(run) {}
+    Delayed(Prepare prepare, Run run) : prepare_(prepare), run_(run) {}
     Delayed(const Delayed&) = delete;
     Delayed& operator=(const Delayed&) = delete;
 
     void push(const Operation& operation) {
-        Operation& slot = waiting_[next_++ % DEPTH];
-        if (next_ > DEPTH) run_(slot);
-        slot = operation;
+        if (next_ >= DEPTH) run_(at(next_ - DEPTH));
+        if (next_ >= DEPTH / 2) prepare_(at(next_ - DEPTH / 2));
+        at(next_++) = operation;
     }
     void finish() {
-        for (std::size_t i = next_ > DEPTH ? next_ - DEPTH : 0; i < next_; ++i) {
-            run_(waiting_[i % DEPTH]);
+        for (std::size_t i = next_ >= DEPTH ? next_ - DEPTH : 0; i < next_; ++i) {
+            run_(at(i));
         }
         next_ = 0;
     }
 
 private:
-    static constexpr std::size_t DEPTH = 16;
+    static constexpr std::size_t DEPTH = 32;
+
+    [[nodiscard]] Operation& at(std::size_t number) { return waiting_[number % DEPTH]; }
+
     std::array<Operation, DEPTH> waiting_{};
     std::size_t next_ = 0;
+    Prepare prepare_;
     Run run_;
 };
 
@@ -55,7 +60,8 @@ public:
 
     void note_values() {
         const auto run = [this](const Noted& noted) { note(noted); };
-        Delayed<Noted, decltype(run)> waiting(run);
+        const auto nothing = [](const Noted&) {};
+        Delayed<Noted, decltype(nothing), decltype(run)> waiting(nothing, run);
         each_value([&](std::size_t field, std::span<const std::byte> values, std::uint64_t) {
             const Value_kind kind = records_.kinds()[field];
             const auto push = [&](std::uint64_t hash, bool is_value) {
@@ -83,41 +89,51 @@ public:
         return shared;
     }
 
-    void put_keys() {
-        const auto run = [this](const Entry& e) { tables_.by_key_.put(e.hash, e.place); };
-        Delayed<Entry, decltype(run)> waiting(run);
-        each_value([&](std::size_t field, std::span<const std::byte> values, std::uint64_t place) {
-            if (key_order_[field] == NO_KEY) return;
-            const Entry entry{hash_of_values(hashes_, records_.kinds()[field], values), place};
-            tables_.by_key_.prefetch_entry(entry.hash);
-            waiting.push(entry);
+    // Where all records' entries go is known now; which pairs there are is found on the way. False
+    // when their table would take more than `most_bytes`, which is seen at the end.
+    [[nodiscard]] bool put_keys(std::uint64_t most_bytes) {
+        Record_table& keys = tables_.by_key_;
+        const auto prepare = [&keys](const Entry& e) { keys.prefetch_entry(e.hash); };
+        const auto put = [&keys](const Entry& e) { keys.put(e.hash, e.place); };
+        Delayed<Entry, decltype(prepare), decltype(put)> entries(prepare, put);
+        const auto nothing = [](const Entry&) {};
+        const auto count = [this](const Entry& e) { tables_.by_pair_->count(e.hash); };
+        Delayed<Entry, decltype(nothing), decltype(count)> pairs(nothing, count);
+        std::uint64_t pair_count = 0;
+        each_place([&](std::uint64_t place) {
+            gather(place);
+            for (const Field_value& value : values_) {
+                for (std::uint32_t times = value.key_times; times > 0; --times) {
+                    keys.prefetch(value.hash);
+                    entries.push({value.hash, place});
+                }
+            }
+            each_pair([&](std::uint64_t hash) {
+                tables_.by_pair_->prefetch(hash);
+                pairs.push({hash, place});
+                ++pair_count;
+            });
+            return next_;
         });
-        waiting.finish();
-    }
-
-    // False when the table would take more than that.
-    [[nodiscard]] bool count_pairs(std::uint64_t most_bytes) {
-        std::uint64_t total = 0;
-        const auto run = [this](const Entry& e) { tables_.by_pair_->count(e.hash); };
-        Delayed<Entry, decltype(run)> waiting(run);
-        each_pair([&](const Entry& entry) {
-            tables_.by_pair_->prefetch(entry.hash);
-            waiting.push(entry);
-            ++total;
-        });
-        waiting.finish();
-        if (Record_table::bytes_of(total, records_.size()) > most_bytes) return false;
-        tables_.by_pair_->lay_out([](std::size_t, std::uint64_t) {});
-        return true;
+        entries.finish();
+        pairs.finish();
+        return Record_table::bytes_of(pair_count, records_.size()) <= most_bytes;
     }
     void put_pairs() {
-        const auto run = [this](const Entry& e) { tables_.by_pair_->put(e.hash, e.place); };
-        Delayed<Entry, decltype(run)> waiting(run);
-        each_pair([&](const Entry& entry) {
-            tables_.by_pair_->prefetch_entry(entry.hash);
-            waiting.push(entry);
+        Record_table& pairs = *tables_.by_pair_;
+        pairs.lay_out([](std::size_t, std::uint64_t) {});
+        const auto prepare = [&pairs](const Entry& e) { pairs.prefetch_entry(e.hash); };
+        const auto put = [&pairs](const Entry& e) { pairs.put(e.hash, e.place); };
+        Delayed<Entry, decltype(prepare), decltype(put)> entries(prepare, put);
+        each_place([&](std::uint64_t place) {
+            gather(place);
+            each_pair([&](std::uint64_t hash) {
+                pairs.prefetch(hash);
+                entries.push({hash, place});
+            });
+            return next_;
         });
-        waiting.finish();
+        entries.finish();
     }
 
 private:
@@ -157,65 +173,69 @@ private:
         });
     }
 
+    // Of the record that was gathered: the hash of each pair.
     template <typename Take>
     void each_pair(Take take) {
-        each_place([&](std::uint64_t place) {
-            gather(place);
-            for (const std::uint64_t key : key_values_) {
-                for (const Field_value& other : values_) {
-                    if (is_pair(key, other)) take({hashes_.paired(key, other.hash), place});
-                }
+        if (!has_shared_key_) return;
+        for (const Field_value& key : values_) {
+            if (!key.is_shared_key) continue;
+            for (const Field_value& other : values_) {
+                if (is_pair(key, other)) take(hashes_.paired(key.hash, other.hash));
             }
-            return next_;
-        });
+        }
     }
 
+    // A value of the record at hand, each once: it may have the same in a hundred thousand fields.
     struct Field_value {
         std::uint64_t hash;
-        std::uint32_t times;  // that the record has it
-        bool is_shared_key;   // a key's, of which there are pairs
+        std::uint32_t times;     // that the record has it
+        std::uint32_t key_times; // in key fields
+        bool is_shared_key;      // of which there are pairs
     };
 
     // Where both are keys' values that many records share, the pair is the same both ways.
-    [[nodiscard]] static bool is_pair(std::uint64_t key, const Field_value& other) {
-        if (other.hash == key) return other.times > 1;
-        return !other.is_shared_key || key < other.hash;
+    [[nodiscard]] static bool is_pair(const Field_value& key, const Field_value& other) {
+        if (other.hash == key.hash) return other.times > 1;
+        return !other.is_shared_key || key.hash < other.hash;
     }
 
-    // The record's values, each once: a record may have the same in a hundred thousand fields.
     void gather(std::uint64_t place) {
         values_.clear();
-        key_values_.clear();
+        has_shared_key_ = false;
         next_ = records_.each_field(
             place, [&](std::size_t field, std::span<const std::byte> values) {
                 const Value_kind kind = records_.kinds()[field];
                 if (values.empty() || kind == Value_kind::none) return;
                 const std::uint64_t hash = hash_of_values(hashes_, kind, values);
-                const bool is_shared_key =
-                    key_order_[field] != NO_KEY &&
-                    tables_.has_pairs_[tables_.by_key_.bucket_of(hash)];
-                values_.push_back({hash, 1, is_shared_key});
-                if (is_shared_key) key_values_.push_back(hash);
+                const bool is_key = key_order_[field] != NO_KEY;
+                const bool is_shared =
+                    is_key && tables_.has_pairs_[tables_.by_key_.bucket_of(hash)];
+                has_shared_key_ |= is_shared;
+                values_.push_back({hash, 1, is_key ? 1U : 0U, is_shared});
             });
-        if (key_values_.empty()) return;
-        std::ranges::sort(key_values_);
-        const auto keys_end = std::ranges::unique(key_values_).begin();
-        key_values_.erase(keys_end, key_values_.end());
-        merge_values();
+        if (has_shared_key_) merge_values();
     }
 
+    // Of few values it is quicker to compare each with all.
     void merge_values() {
-        std::ranges::sort(values_, {}, &Field_value::hash);
-        std::size_t last = 0;
-        for (std::size_t i = 1; i < values_.size(); ++i) {
-            if (values_[i].hash == values_[last].hash) {
-                ++values_[last].times;
-                values_[last].is_shared_key |= values_[i].is_shared_key;
+        constexpr std::size_t FEW = 8;
+        const bool are_few = values_.size() <= FEW;
+        if (!are_few) std::ranges::sort(values_, {}, &Field_value::hash);
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < values_.size(); ++i) {
+            std::size_t same = kept == 0 || are_few ? 0 : kept - 1;
+            while (same < kept && values_[same].hash != values_[i].hash) {
+                ++same;
+            }
+            if (same == kept) {
+                values_[kept++] = values_[i];
             } else {
-                values_[++last] = values_[i];
+                values_[same].times += values_[i].times;
+                values_[same].key_times += values_[i].key_times;
+                values_[same].is_shared_key |= values_[i].is_shared_key;
             }
         }
-        values_.resize(std::min(values_.size(), last + 1));
+        values_.resize(kept);
     }
 
     Scan_tables& tables_;
@@ -223,8 +243,8 @@ private:
     const Key_order& key_order_;
     const Scan_hashes& hashes_;
     std::optional<std::span<const std::uint64_t>> places_;
-    std::vector<Field_value> values_;       // of the record at hand
-    std::vector<std::uint64_t> key_values_; // those of them that there are pairs of
+    std::vector<Field_value> values_;
+    bool has_shared_key_ = false;
     std::uint64_t next_ = 0;
 };
 
@@ -236,12 +256,13 @@ Scan_tables::Scan_tables(const Data_set_records& records, const Key_order& key_o
     Maker maker(*this, records, key_order, hashes, places);
     maker.note_values();
     const std::uint64_t shared = maker.lay_out_keys();
-    maker.put_keys();
-    if (shared == 0) return;
     const Value_totals& totals = records.totals();
-    const std::uint64_t others = totals.pairs / totals.key_values + 1;
-    by_pair_.emplace(std::min(shared * others, totals.pairs), records.size());
-    if (maker.count_pairs(most_bytes)) {
+    if (shared != 0) {
+        const std::uint64_t others = totals.pairs / totals.key_values + 1;
+        by_pair_.emplace(std::min(shared * others, totals.pairs), records.size());
+    }
+    const bool pairs_fit = maker.put_keys(most_bytes);
+    if (by_pair_ && pairs_fit) {
         maker.put_pairs();
     } else {
         by_pair_.reset();

@@ -54,6 +54,9 @@ struct Tla_scan_options {
     // The text comes in UTF-8 from a converter: two bytes that look like a mark of UTF-16 are none,
     // and a mark that is left in front does not count for the places.
     bool is_converted = false;
+    // About how many bytes of a text are gone through at a time. It makes no difference to what is
+    // found.
+    std::size_t window = std::size_t{256} << 10;
 };
 
 // Scans texts, one after the other, for the records of a data set. Each text comes in pieces of any
