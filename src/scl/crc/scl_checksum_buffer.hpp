@@ -36,8 +36,8 @@ public:
         target_.truncate(size, status);
     }
 
-    // Steps over bytes that were written to the target before; `checksum` is of them alone. Those in
-    // front of them are summed up.
+    // Steps over bytes that were written to the target before; `checksum` is of them alone. Those
+    // in front of them are summed up.
     void append_written(std::uint64_t count, const Scl_crc64& checksum) {
         checksum_.append(checksum, count);
         next_ += count;

@@ -11,13 +11,22 @@ namespace tla {
 namespace {
 
 constexpr unsigned HASH_BITS = 64;
-constexpr unsigned MOST_BUCKET_BITS = 10;
-constexpr std::uint64_t PAIRS_A_BUCKET = 512; // aimed at
-constexpr std::size_t SMALL_BUCKET = 32768;   // pairs that are sorted in one piece: half a MiB
+constexpr std::size_t SMALL_BUCKET = 32768; // pairs that are sorted in one piece: half a MiB
+
+// Buckets take turns in being written to, each at a cache line and a page of its own: 256 of them
+// stay in the caches, and adding a million pairs takes less time than with 1024. More are worth it
+// only where 256 would each grow too large to be sorted in one piece.
+constexpr unsigned FEW_BUCKETS_BITS = 8;
+constexpr unsigned MOST_BUCKETS_BITS = 10;
+constexpr std::uint64_t FEW_PAIRS = 512; // fewer a bucket are not worth the bucket
 
 unsigned bucket_bits(std::uint64_t expected_count, unsigned settled_bits) {
-    const auto wanted = static_cast<unsigned>(std::bit_width(expected_count / PAIRS_A_BUCKET));
-    return std::min({wanted, MOST_BUCKET_BITS, HASH_BITS - settled_bits});
+    const auto bits_for = [expected_count](std::uint64_t pairs_a_bucket) {
+        return static_cast<unsigned>(std::bit_width(expected_count / pairs_a_bucket));
+    };
+    const unsigned large =
+        std::clamp(bits_for(SMALL_BUCKET / 2), FEW_BUCKETS_BITS, MOST_BUCKETS_BITS);
+    return std::min({bits_for(FEW_PAIRS), large, HASH_BITS - settled_bits});
 }
 
 } // namespace

@@ -23,8 +23,8 @@ struct Records_made {
 // Makes a data set file of version 2 from records in the layout of its records section. `records`
 // is copied as it is; key tables are made by reading it, one after the other, with 16 bytes of
 // memory a record. What `made` knows or has done is not done again; it is null when the records
-// come from elsewhere. Everything is borrowed for the call and stays open. Returns the record count that
-// the header has.
+// come from elsewhere. Everything is borrowed for the call and stays open. Returns the record count
+// that the header has.
 //
 // Sets TLA_STATUS_FIELD_LIST when two fields share a name, TLA_STATUS_TOO_MANY_PAIRS for more keys
 // or records than a header can count, TLA_STATUS_KEY_NAME when a key name is no field's (capitals

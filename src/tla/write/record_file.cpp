@@ -17,8 +17,8 @@ void Record_file::write_at(std::uint64_t offset, std::span<const std::byte> byte
     if (in_output_ && !write_to_output(offset, bytes)) empty_output();
 }
 
-// The zeros keep the header's place: a buffer can only be written up to its end. They are no header,
-// so that a reader refuses a file that is left unfinished.
+// The zeros keep the header's place: a buffer can only be written up to its end. They are no
+// header, so that a reader refuses a file that is left unfinished.
 bool Record_file::write_to_output(std::uint64_t offset, std::span<const std::byte> bytes) {
     scl::Scl_status status;
     if (offset == 0) output_.write_at(0, std::vector<std::byte>(header_end_), status);

@@ -15,9 +15,9 @@ namespace tla {
 // Copying the scratch file into the output afterwards would take one more pass over all records;
 // here both files get the same bytes from the same memory, and the checksum is made on the way.
 //
-// The scratch file is what counts. The output is a copy made early, and nobody shall notice it: when
-// it cannot be written, or when room is short for both, the output is emptied and the records are
-// copied later, so that a failure is told where and as it was without this class.
+// The scratch file is what counts. The output is a copy made early, and nobody shall notice it:
+// when it cannot be written, or when room is short for both, the output is emptied and the records
+// are copied later, so that a failure is told where and as it was without this class.
 class Record_file final : public scl::Scl_buffer {
 public:
     // Both must be empty and outlive this object.
