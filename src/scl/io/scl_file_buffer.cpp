@@ -134,6 +134,7 @@ void Scl_file_buffer::truncate(std::uint64_t size, Scl_status& status) {
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
         return;
     }
+    if (size == size_ && reserved_end_ <= size_) return;
     const int error = file_.truncate(size);
     if (error != 0) return report(SCL_STATUS_WRITE_FAILED, scl_system_reason(error), status);
     size_ = size;

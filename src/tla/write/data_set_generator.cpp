@@ -66,6 +66,20 @@ std::uint64_t count_all(std::size_t field_count, const scl::Scl_buffer& records,
     return count_records(field_count, in, status);
 }
 
+// What makes a file impossible, looked for before anything is written. A count that the header
+// cannot hold would stand there as a wrapped number.
+std::uint64_t count_checked(Key_names key_names, Schema schema, const scl::Scl_buffer& records,
+                            const Records_made* made, scl::Scl_status& status) {
+    if (!tla_names_are_unique(schema)) {
+        status = TLA_STATUS_FIELD_LIST;
+        return 0;
+    }
+    const std::uint64_t count = count_all(schema.size(), records, made, status);
+    if (status.has_failed()) return 0;
+    if (!Tla_header_counts::can_hold(key_names.size(), count)) status = TLA_STATUS_TOO_MANY_PAIRS;
+    return count;
+}
+
 // The records may stand in the output already; the file is then written on behind them.
 void write_records(const scl::Scl_buffer& records, const Records_made* made,
                    scl::Scl_checksum_buffer& checked, scl::Scl_ostream& out,
@@ -104,15 +118,9 @@ std::uint64_t write_data_set_file(Key_names key_names, const Tla_header_writer& 
                                   const scl::Scl_buffer& records, const Records_made* made,
                                   scl::Scl_buffer& output, scl::Scl_status& status) {
     const Schema schema = header.fields();
-    if (!tla_names_are_unique(schema)) {
-        status = TLA_STATUS_FIELD_LIST;
-        return 0;
-    }
-    const std::uint64_t count = count_all(schema.size(), records, made, status);
-    if (status.has_failed()) return 0;
-    // Before anything is written: the header could only hold a wrapped number.
-    if (!Tla_header_counts::can_hold(key_names.size(), count)) {
-        status = TLA_STATUS_TOO_MANY_PAIRS;
+    const std::uint64_t count = count_checked(key_names, schema, records, made, status);
+    if (status.has_failed()) {
+        if (made != nullptr) made->file.empty_output();
         return 0;
     }
     scl::Scl_checksum_buffer checked(output, TLA_CHECKED_FROM);

@@ -17,7 +17,7 @@ class Tla_header_writer;
 // What a build knows of its records when all are made.
 struct Records_made {
     Record_collector& collector; // their number, and the pairs of the first key
-    const Record_file& file;     // the scratch file, and whether the output has the records, too
+    Record_file& file;           // the scratch file, and whether the output has the records, too
 };
 
 // Makes a data set file of version 2 from records in the layout of its records section. `records`
