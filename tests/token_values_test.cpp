@@ -57,7 +57,7 @@ std::string stored(const std::string& value, const tla::Formatter_type_id& type)
     copies.add(value);
     scl::Scl_status status;
     scl::Scl_heap_buffer records;
-    scl::Scl_ostream out(records, status, scl::Scl_eol::none);
+    scl::Scl_ostream out(records);
     processor.process({copies.fields()}, out, status);
     out.detach(status);
     const auto bytes = records.contents();

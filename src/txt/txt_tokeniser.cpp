@@ -7,8 +7,8 @@
 
 namespace txt {
 
-// What the store has no room for is left: process() makes room, a character at a time, and the next
-// run goes on.
+// Takes no more than the store has room for. process(), which takes the next character, makes room,
+// and the run goes on after that.
 std::size_t Txt_tokeniser::take_run(std::span<const std::byte> units, Txt_text_store& text,
                                     std::uint32_t& type, Txt_parse_operation& operation) {
     const auto* const begin = reinterpret_cast<const char16_t*>(units.data());

@@ -4,6 +4,7 @@
 #include "records/values/tla_record_assembly.hpp"
 #include "records/values/tla_status_codes.hpp"
 #include "scl/text/scl_string.hpp"
+#include "txtdfc/txtdfc_token_values.hpp"
 
 namespace tla {
 
@@ -41,9 +42,10 @@ struct Streamed_fields {
     template <typename Unit>
     bool add_text(scl::Scl_text_span<Unit> text) {
         Tla_token_count count = 0; // wraps
-        tla_each_token_value(text, [&count](Tla_token_value) { ++count; });
+        txtdfc::txtdfc_each_token_value(text, [&count](Tla_token_value) { ++count; });
         out.write_be(count, status);
-        tla_each_token_value(text, [this](Tla_token_value value) { out.write_be(value, status); });
+        txtdfc::txtdfc_each_token_value(
+            text, [this](Tla_token_value value) { out.write_be(value, status); });
         return !status.has_failed();
     }
     bool add_run(scl::Scl_text_span<char> run) { return add_text(run); }
