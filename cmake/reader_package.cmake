@@ -39,6 +39,7 @@ set(DSMAKE_READER_HEADERS
     src/scl/status/scl_status.hpp
     src/scl/status/scl_status_codes.hpp
     src/scl/status/scl_status_lookup.hpp
+    src/scl/text/scl_block.hpp
     src/scl/text/scl_case.hpp
     src/scl/text/scl_normalize.hpp
     src/scl/text/scl_string.hpp

@@ -29,7 +29,7 @@ struct Build {
         }
         scl::Scl_heap_buffer input;
         input.write_at(0, std::as_bytes(std::span(lines)), status);
-        scl::Scl_buffered_istream in(input, false, status, scl::Scl_eol::text);
+        scl::Scl_buffered_istream in(input, status);
         result = tla::build_data_set({fields, keys, {}}, in, scratch, output, status);
     }
 

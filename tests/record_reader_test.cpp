@@ -63,7 +63,7 @@ struct Bench {
     const std::vector<std::uint64_t> keys{1};
     scl::Scl_status status;
     scl::Scl_heap_buffer written;
-    scl::Scl_ostream out{written, status, scl::Scl_eol::none};
+    scl::Scl_ostream out{written};
     tla::Tla_record_processor processor{columns, keys, nullptr};
 };
 
@@ -71,7 +71,7 @@ struct Bench {
 Outcome read(std::string_view input, std::size_t window, std::size_t fails_from = NEVER) {
     const Failing_file file(input, fails_from);
     Bench bench;
-    scl::Scl_buffered_istream in(file, false, bench.status, scl::Scl_eol::text);
+    scl::Scl_buffered_istream in(file, bench.status);
     in.limit_read_ahead(window);
     tla::Tla_record_reader reader(bench.processor, bench.out);
     return bench.outcome_of(reader.read_records(in, bench.status));

@@ -6,8 +6,7 @@ namespace cerc {
 
 // The stream comes last: should making it throw, the reader stays detached.
 void Cerc_utf16_reader::attach_stream(const scl::Scl_buffer& buffer, scl::Scl_status& status) {
-    auto stream =
-        std::make_unique<scl::Scl_buffered_istream>(buffer, false, status, scl::Scl_eol::none);
+    auto stream = std::make_unique<scl::Scl_buffered_istream>(buffer, status);
     size_ = stream->size(status);
     status_ = &status;
     stream_ = std::move(stream);
@@ -31,7 +30,7 @@ char32_t Cerc_utf16_reader::read_beyond_window() {
 // The two halves of a pair may lie on both sides of the window's end.
 char32_t Cerc_utf16_reader::join_with_trail(char16_t lead) {
     if (!has_unit() && !load_unit()) return lead;
-    if (!scl::impl::scl_is_trail(unit_here())) return lead;
+    if (!scl::scl_is_trail(unit_here())) return lead;
     return 0x10000 + ((lead & 0x3FFU) << 10U) + (take_unit() & 0x3FFU);
 }
 

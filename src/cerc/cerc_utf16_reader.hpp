@@ -51,7 +51,7 @@ public:
     [[nodiscard]] char32_t read() {
         if (!has_unit()) return stream_ ? read_beyond_window() : END_OF_DATA;
         const char16_t unit = take_unit();
-        return scl::impl::scl_is_lead(unit) ? join_with_trail(unit) : unit;
+        return scl::scl_is_lead(unit) ? join_with_trail(unit) : unit;
     }
 
     // Of the next character.

@@ -140,7 +140,7 @@ int Driver::upgrade() {
 }
 
 int Driver::build() {
-    scl::Scl_buffered_istream in(input_, false, status_, scl::Scl_eol::text);
+    scl::Scl_buffered_istream in(input_, status_);
     scl::Scl_file_buffer records;
     tla::tla_open_scratch_file(records, status_);
     if (!status_.ok()) return EXIT_OK; // silent: nothing was read, and the output stays empty

@@ -37,7 +37,7 @@ public:
 
     void append(char32_t code_point) {
         if (limit_ - at_ < 2) grow(2);
-        at_ = scl::impl::scl_utf16_put(at_, code_point);
+        at_ = scl::scl_utf16_put(at_, code_point);
     }
     void append(std::u16string_view text);
 

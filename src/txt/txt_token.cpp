@@ -23,7 +23,7 @@ std::u16string visible_text(std::u16string_view text) {
     std::u16string visible;
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t from = at;
-        if (is_visible(scl::impl::scl_utf16_next(text, at))) {
+        if (is_visible(scl::scl_utf16_next(text, at))) {
             visible.append(text.substr(from, at - from));
         }
     }
@@ -35,7 +35,7 @@ template <class Predicate>
 std::size_t count_characters(std::u16string_view text, const Predicate& counts) {
     std::size_t count = 0;
     for (std::size_t at = 0; at < text.size();) {
-        if (counts(scl::impl::scl_utf16_next(text, at))) ++count;
+        if (counts(scl::scl_utf16_next(text, at))) ++count;
     }
     return count;
 }
@@ -113,7 +113,7 @@ std::u16string Txt_token::safe_text() const {
     const std::u16string_view whole = text_entry();
     if (whole.empty()) return {};
     const std::size_t count = count_characters(
-        whole, [](char32_t c) { return is_visible(c) && !scl::impl::scl_is_surrogate(c); });
+        whole, [](char32_t c) { return is_visible(c) && !scl::scl_is_surrogate(c); });
     return view().redaction(std::max<std::size_t>(count, 1));
 }
 

@@ -59,7 +59,7 @@ private:
     void take_character() {
         const Unit* next = at_;
         const char32_t character = read(next);
-        switch (state_.take(scl::impl::scl_unicode_bits(character))) {
+        switch (state_.take(scl::scl_unicode_bits(character))) {
         case Word_action::start:
             start_ = at_;
             [[fallthrough]];
@@ -105,7 +105,7 @@ private:
         } else {
             std::size_t length = 0;
             const std::basic_string_view<Unit> rest(at, static_cast<std::size_t>(text_.end - at));
-            const char32_t character = scl::impl::scl_utf16_next(rest, length);
+            const char32_t character = scl::scl_utf16_next(rest, length);
             at += length;
             return character;
         }

@@ -1,16 +1,15 @@
 #pragma once
 
+#include "scl/text/scl_block.hpp"
 #include "scl/text/scl_text_span.hpp"
 #include "scl/text/scl_unicode.hpp"
 #include "txt/word_rules.hpp"
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 #include <type_traits>
 
 #pragma GCC visibility push(default) // installed
@@ -43,39 +42,12 @@ template <typename Unit>
     return scl::impl::SCL_UNICODE_BIT_TABLE[unit];
 }
 
-using Block_mask [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = std::uint64_t;
-
-// How many bytes of a block, from the first on, are all ones.
-[[nodiscard]] inline std::size_t leading_ones(const Block_mask& mask) {
-#if SCL_WITH_SSE2
-    const int bits = _mm_movemask_epi8(std::bit_cast<__m128i>(mask));
-    return static_cast<std::size_t>(std::countr_one(static_cast<unsigned>(bits)));
-#else
-    const int low = std::countr_one(mask[0]);
-    const int bits = low < 64 ? low : 64 + std::countr_one(mask[1]);
-    return static_cast<std::size_t>(bits) / 8;
-#endif
-}
-
 // How many units of a block, from the first on, are ASCII letters, digits or underscores.
 template <typename Unit>
 [[nodiscard]] std::size_t leading_word_units(const Unit* from) {
-    using Lane = std::conditional_t<sizeof(Unit) == 1, std::uint8_t, std::uint16_t>;
-    using Signed_lane = std::make_signed_t<Lane>;
-    using Block [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = Lane;
-    using Signed_block [[gnu::vector_size(scl::SCL_BLOCK_BYTES)]] = Signed_lane;
-    Block units;
-    std::memcpy(&units, from, sizeof units); // NOLINT: never null where there is a block
-    // A range moved down to the least signed number needs one comparison, with its upper end.
-    constexpr Signed_lane LEAST = std::numeric_limits<Signed_lane>::min();
-    const auto from_to = [](const Block& lanes, char first, char last) {
-        const Block moved = lanes + static_cast<Lane>(LEAST - first);
-        return std::bit_cast<Signed_block>(moved) <
-               static_cast<Signed_lane>(LEAST + last - first + 1);
-    };
-    const Block folded = units | Lane{0x20};
-    const auto word = from_to(folded, 'a', 'z') | from_to(units, '0', '9') | (units == Lane{'_'});
-    return leading_ones(std::bit_cast<Block_mask>(word)) / sizeof(Unit);
+    const scl::Scl_block block(from);
+    const auto letters = (block | ' ').is_between('a', 'z'); // the bit that capitals lack
+    return (letters | block.is_between('0', '9') | block.equals('_')).leading_lanes();
 }
 
 // Whether the text is one run, of no more units than a block: so are most values, and it takes one
@@ -90,7 +62,7 @@ template <typename Unit>
 // ASCII; one that ends inside a block ends for good if the text is ASCII, and is looked at singly
 // if not.
 template <typename Unit>
-[[nodiscard]] std::size_t run_length(scl::Scl_text_span<Unit> text, const Unit* at) {
+[[nodiscard]] inline std::size_t run_length(scl::Scl_text_span<Unit> text, const Unit* at) {
     const auto size = static_cast<std::size_t>(text.end - at);
     std::size_t count = 0;
     while (count < size && text.has_block(at + count)) {

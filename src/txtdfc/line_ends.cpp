@@ -67,7 +67,7 @@ void append_lines(std::u16string_view text, std::u16string_view line_end, std::u
 }
 
 void Content_analyser::scan(const scl::Scl_buffer& content, scl::Scl_status& status) {
-    const scl::Scl_unbuffered_istream stream(content, false, status, scl::Scl_eol::none);
+    const scl::Scl_unbuffered_istream stream(content);
     std::array<std::byte, CHUNK_BYTES> chunk; // NOLINT: not read before it is written
     std::uint64_t end = content.size(false, status);
     end -= end % UNIT_BYTES; // a last byte alone is no unit, and would shift all others

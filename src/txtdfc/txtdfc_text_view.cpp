@@ -23,7 +23,7 @@ public:
         std::size_t passed = 0;
         while (passed < count && at_ < text_.size()) {
             if (!take_attached()) {
-                (void)scl::impl::scl_utf16_next(text_, at_);
+                (void)scl::scl_utf16_next(text_, at_);
                 ++passed;
             }
         }
@@ -35,7 +35,7 @@ private:
     bool take_attached() {
         if (at_ == text_.size()) return false;
         std::size_t after = at_;
-        const char32_t character = scl::impl::scl_utf16_next(text_, after);
+        const char32_t character = scl::scl_utf16_next(text_, after);
         if (scl::scl_code_point_type(character) != scl::Scl_unicode_code_point_type::attached) {
             return false;
         }

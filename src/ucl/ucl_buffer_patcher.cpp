@@ -121,7 +121,7 @@ void Ucl_buffer_patcher::apply(const scl::Scl_buffer& content, scl::Scl_buffer& 
     if (status.has_failed()) return;
     // Before the first byte is written: half a result is of no use to anybody.
     if (last_end() > size) return status.push(scl::SCL_STATUS_OUT_OF_BOUNDS);
-    scl::Scl_ostream out(output, status, scl::Scl_eol::none);
+    scl::Scl_ostream out(output);
     std::uint64_t at = 0; // in the content: what is before it has been dealt with
     for (const auto& [place, edit] : edits_) {
         if (status.has_failed()) return;

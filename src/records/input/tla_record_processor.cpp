@@ -4,6 +4,7 @@
 #include "records/values/tla_record_assembly.hpp"
 #include "records/values/tla_status_codes.hpp"
 #include "scl/text/scl_string.hpp"
+#include "txtdfc/txtdfc_token_values.hpp"
 
 namespace tla {
 
@@ -24,9 +25,10 @@ template <typename Unit>
 void write_large_field(scl::Scl_text_span<Unit> text, scl::Scl_ostream& out,
                        scl::Scl_status& status) {
     Tla_token_count count = 0; // wraps
-    tla_each_token_value(text, [&count](Tla_token_value) { ++count; });
+    txtdfc::txtdfc_each_token_value(text, [&count](Tla_token_value) { ++count; });
     out.write_be(count, status);
-    tla_each_token_value(text, [&](Tla_token_value value) { out.write_be(value, status); });
+    txtdfc::txtdfc_each_token_value(text,
+                                    [&](Tla_token_value value) { out.write_be(value, status); });
 }
 
 } // namespace

@@ -1,7 +1,10 @@
 #pragma once
 
 #include "records/values/record_layout.hpp"
-#include "records/values/tla_value_tokens.hpp"
+#include "scl/text/scl_text_span.hpp"
+#include "txt/txt_token_types.hpp"
+#include "txt/txt_token_walk.hpp"
+#include "txtdfc/txtdfc_token_values.hpp"
 
 #include <cstddef>
 #include <span>

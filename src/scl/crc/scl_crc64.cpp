@@ -104,7 +104,7 @@ void Scl_crc64::update(std::span<const std::byte> bytes) {
 // In windows, as a data set file may be larger than memory. The loop ends by the size, not by an
 // empty window: that comes after a failure as well, and then the status is what counts.
 void Scl_crc64::update(const Scl_buffer& buffer, Scl_status& status) {
-    Scl_buffered_istream in(buffer, false, status, Scl_eol::none);
+    Scl_buffered_istream in(buffer, status);
     const std::uint64_t size = in.size(status);
     while (in.tell() != size && !status.has_failed()) {
         const std::span<const std::byte> bytes = in.window(status);

@@ -13,12 +13,18 @@ namespace scl {
 class Scl_buffered_istream final : public Scl_istream {
 public:
     Scl_buffered_istream() = default;
+    // Attaches to the buffer, at the data's front. read_char() is not for this stream: it would
+    // have nowhere to report.
+    explicit Scl_buffered_istream(const Scl_buffer& buffer) { attach(buffer); }
+    // `status` must outlive the attachment: read_char(), which is given none, reports there.
+    Scl_buffered_istream(const Scl_buffer& buffer, Scl_status& status) {
+        init(buffer, false, status, Scl_eol::none);
+    }
+    // With all that can be said of an attachment: `at_end` is false, and both modes of line ends
+    // hand the bytes through unchanged.
     Scl_buffered_istream(const Scl_buffer& buffer, bool at_end, Scl_status& status, Scl_eol eol) {
         init(buffer, at_end, status, eol);
     }
-
-    // Attaches to the buffer, at the data's front: the second argument is false. `status` must
-    // outlive the attachment: it is where read_char(), which is given none, reports.
     void init(const Scl_buffer& buffer, bool at_end, Scl_status& status, Scl_eol eol);
 
     // The next byte; 0 when there is none, with SCL_STATUS_END_OF_DATA or SCL_STATUS_READ_FAILED.

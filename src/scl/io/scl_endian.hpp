@@ -27,25 +27,25 @@ template <std::integral T>
 }
 
 template <std::integral T>
-[[nodiscard]] T scl_load_le(const std::byte* from) {
+[[nodiscard]] inline T scl_load_le(const std::byte* from) {
     Scl_raw<T> raw;
     std::copy_n(from, raw.size(), raw.begin());
     return std::bit_cast<T>(raw);
 }
 
 template <std::integral T>
-[[nodiscard]] T scl_load_be(const std::byte* from) {
+[[nodiscard]] inline T scl_load_be(const std::byte* from) {
     return scl_byte_swapped(scl_load_le<T>(from));
 }
 
 template <std::integral T>
-void scl_store_le(std::byte* to, T value) {
+inline void scl_store_le(std::byte* to, T value) {
     const auto raw = std::bit_cast<Scl_raw<T>>(value);
     std::copy_n(raw.begin(), raw.size(), to);
 }
 
 template <std::integral T>
-void scl_store_be(std::byte* to, T value) {
+inline void scl_store_be(std::byte* to, T value) {
     scl_store_le(to, scl_byte_swapped(value));
 }
 

@@ -9,11 +9,13 @@ namespace scl {
 
 namespace {
 
-// Another run may put its own scratch file between our removal and our creation.
+// Another run in the same folder may create its scratch file between our removal and our creation,
+// so both are tried again. Each try loses to one other run at most; after 100 something else is
+// wrong, such as a program that keeps creating the name, and the run should fail instead of hang.
 constexpr int SCRATCH_ATTEMPTS = 100;
 
-// An output that exists already and a folder taken for a file are mistakes of their own, with
-// advice of their own; all else is told by the system's reason.
+// An existing output, and a folder named in place of a file, have codes of their own, since their
+// messages say what to do. For anything else the system's reason says enough.
 Scl_status_code open_failure_code(Scl_file_open mode, int error) {
     if (mode == Scl_file_open::existing) {
         const bool irregular = error == EISDIR || error == EINVAL;
@@ -31,14 +33,14 @@ Scl_file_buffer::Scl_file_buffer(std::u16string_view path, Scl_file_open mode,
 }
 
 Scl_file_buffer::~Scl_file_buffer() {
-    Scl_status nobody_listens; // who needs to know closes before
+    Scl_status nobody_listens; // a caller who needs to know calls close()
     close(nobody_listens);
 }
 
 void Scl_file_buffer::open(std::u16string_view path, Scl_file_open mode, Scl_file_access access,
                            unsigned flags, unsigned pattern, Scl_status& status) {
     close(status);
-    if (status.has_failed()) return; // what was lost of another file must not be forgotten
+    if (status.has_failed()) return; // the other file's failure must stay on top
     scl_wtos(path, name_, true);
     const bool creates = mode == Scl_file_open::create;
     writable_ = creates && access == Scl_file_access::read_write;
@@ -54,8 +56,8 @@ void Scl_file_buffer::open(std::u16string_view path, Scl_file_open mode, Scl_fil
     file_.advise(pattern == SCL_FILE_AT_RANDOM);
 }
 
-// Removes and creates, never truncates: what has the name may be a link to something precious, or
-// still be in use by another run.
+// Removes and creates, never truncates: the name may be a link to a file that matters, or another
+// run may still use the file.
 int Scl_file_buffer::create_scratch() {
     int error = 0;
     for (int attempt = 0; attempt < SCRATCH_ATTEMPTS; ++attempt) {
@@ -69,7 +71,7 @@ int Scl_file_buffer::create_scratch() {
 
 void Scl_file_buffer::close(Scl_status& status) {
     if (!file_.is_open()) return;
-    if (scratch_) remove_scratch(); // while it is open, so that its identity is nobody else's
+    if (scratch_) remove_scratch(); // while it is open: afterwards its node number may be reused
     const int error = file_.close();
     // Network file systems report here what they could not write.
     if (error != 0) report(SCL_STATUS_CLOSE_FAILED, scl_system_reason(error), status);
@@ -80,7 +82,7 @@ void Scl_file_buffer::close(Scl_status& status) {
 void Scl_file_buffer::remove_scratch() const {
     Scl_file_identity found;
     if (scl_identify_file(name_, false, found) != 0 || !(found == file_.identity())) return;
-    // What stays behind is replaced by the next run.
+    // A failure does no harm: the next run replaces the file.
     (void)scl_remove_file(name_);
 }
 
@@ -95,13 +97,13 @@ std::size_t Scl_file_buffer::read_at(std::uint64_t offset, std::span<std::byte> 
         return 0;
     }
     std::size_t done = 0;
-    // Never beyond the known size, so that whatever is missing is missing from the file.
+    // Never beyond the known size: a read that comes back short then means a shortened file.
     const std::size_t wanted = std::min<std::uint64_t>(bytes.size(), size_ - offset);
     const int error = file_.read_at(offset, bytes.first(wanted), done);
     if (error != 0) {
         report(SCL_STATUS_READ_FAILED, scl_system_reason(error), status);
     } else if (done < wanted) {
-        // Taken for the end, it would make a whole-looking result of half the data.
+        // Reported as the end of the data, half a file would pass for a whole one.
         report(SCL_STATUS_READ_FAILED, "the file became shorter", status);
     }
     return done;
@@ -115,7 +117,7 @@ void Scl_file_buffer::write_at(std::uint64_t offset, std::span<const std::byte> 
         return;
     }
     const int error = file_.write_at(offset, bytes);
-    // The size stays then: what was written of them in part is nothing to read.
+    // The size stays: part of the bytes may be written, but nobody should read them.
     if (error != 0) {
         report(SCL_STATUS_WRITE_FAILED, scl_system_reason(error), status);
         return;

@@ -6,7 +6,7 @@ namespace scl {
 
 // The storage is kept from one attachment to the next, and not cleared: all of it is written before
 // it is read.
-void Scl_ostream::init(Scl_buffer& buffer, Scl_status& /*status*/, Scl_eol /*eol*/) {
+void Scl_ostream::attach(Scl_buffer& buffer) {
     if (storage_ == nullptr) storage_ = std::make_unique_for_overwrite<std::byte[]>(STORAGE_BYTES);
     buffer_ = &buffer;
     capacity_ = STORAGE_BYTES;

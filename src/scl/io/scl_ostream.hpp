@@ -19,13 +19,15 @@ namespace scl {
 class Scl_ostream {
 public:
     Scl_ostream() = default;
+    // Attaches to the buffer, at its front; this does not fail.
+    explicit Scl_ostream(Scl_buffer& buffer) { attach(buffer); }
+    // With all that can be said of an attachment: bytes go out unchanged in both modes.
     Scl_ostream(Scl_buffer& buffer, Scl_status& status, Scl_eol eol) { init(buffer, status, eol); }
     Scl_ostream(const Scl_ostream&) = delete;
     Scl_ostream& operator=(const Scl_ostream&) = delete;
     ~Scl_ostream() = default; // drops what was not flushed: nobody could be told of a failure
 
-    // Writing starts at the buffer's front.
-    void init(Scl_buffer& buffer, Scl_status& status, Scl_eol eol);
+    void init(Scl_buffer& buffer, Scl_status& /*status*/, Scl_eol /*eol*/) { attach(buffer); }
     void detach(Scl_status& status);
     void flush(Scl_status& status);
 
@@ -67,6 +69,7 @@ private:
     // Large, so that the system is seldom called: a call costs as much as some hundred records.
     static constexpr std::size_t STORAGE_BYTES = std::size_t{256} << 10;
 
+    void attach(Scl_buffer& buffer);
     // Where `count` bytes, few against STORAGE_BYTES, can be stored; null when not attached.
     [[nodiscard]] std::byte* make_room(std::size_t count, Scl_status& status) {
         if (capacity_ - used_ < count && !flush_attached(status)) return nullptr;

@@ -30,7 +30,7 @@ void lower_ascii(std::u16string& text) {
 
 bool is_after_cased(std::u16string_view text, std::size_t at) {
     while (at > 0) {
-        const auto& properties = impl::properties_of(impl::scl_utf16_previous(text, at));
+        const auto& properties = impl::properties_of(scl_utf16_previous(text, at));
         if (!properties.case_ignorable) return properties.cased;
     }
     return false;
@@ -38,7 +38,7 @@ bool is_after_cased(std::u16string_view text, std::size_t at) {
 
 bool is_before_cased(std::u16string_view text, std::size_t at) {
     while (at < text.size()) {
-        const auto& properties = impl::properties_of(impl::scl_utf16_next(text, at));
+        const auto& properties = impl::properties_of(scl_utf16_next(text, at));
         if (!properties.case_ignorable) return properties.cased;
     }
     return false;
@@ -82,9 +82,9 @@ char32_t small_form(std::u16string_view text, std::size_t at, char32_t code_poin
 // past it. True when it changed in front of something that normalisation touches.
 bool lower_one(std::u16string& text, std::size_t& at) {
     const std::size_t here = at;
-    const char32_t code_point = impl::scl_utf16_next(text, at);
+    const char32_t code_point = scl_utf16_next(text, at);
     const char32_t small = small_form(text, here, code_point, at);
-    static_cast<void>(impl::scl_utf16_put(text.data() + here, small));
+    static_cast<void>(scl_utf16_put(text.data() + here, small));
     return small != code_point && at < text.size() &&
            (impl::UNIT_TRAITS[text[at]] & impl::UNIT_TOUCHED) != 0;
 }
@@ -110,7 +110,7 @@ bool lower_any(std::u16string& text) {
 // Does what needs no thought of marks: ASCII, and what else is below the first of them. False for
 // other text, which is left as it is.
 bool lower_plain(std::u16string& text) {
-    const std::uint16_t bits = impl::scl_all_bits(text);
+    const std::uint16_t bits = scl_all_bits(text);
     if (bits >= impl::FIRST_MARK) return false;
     if (bits < 0x80) {
         lower_ascii(text);
@@ -150,19 +150,19 @@ void scl_lower(std::u16string& text) {
     if (lower_plain(text)) return;
     const bool was_normal =
         scl_is_plain(text) || (scl_can_normalize(text) && scl_is_normalized(text));
-    if (lower_any(text) && was_normal) impl::scl_normalize(text, text);
+    if (lower_any(text) && was_normal) scl_normalize(text, text);
 }
 
 void scl_lower_normalized(std::u16string& text) {
-    if (!lower_plain(text) && lower_any(text)) impl::scl_normalize(text, text);
+    if (!lower_plain(text) && lower_any(text)) scl_normalize(text, text);
 }
 
 int scl_utf8_compare_nc(std::string_view a, std::string_view b) {
-    return compare(a, b, impl::scl_utf8_next);
+    return compare(a, b, scl_utf8_next);
 }
 
 int scl_utf16_compare_nc(std::u16string_view a, std::u16string_view b) {
-    return compare(a, b, impl::scl_utf16_next);
+    return compare(a, b, scl_utf16_next);
 }
 
 } // namespace scl

@@ -43,7 +43,7 @@ Stretch normal_stretch(std::u16string_view text, std::size_t at) {
             boundary = at++;
             continue;
         }
-        const impl::Properties& next = impl::properties_of(impl::scl_utf16_next(text, at));
+        const impl::Properties& next = impl::properties_of(scl_utf16_next(text, at));
         const bool in_order = next.combining_class == 0 || next.combining_class >= last_class;
         if (!next.nfc_yes || !in_order) return {boundary, false};
         last_class = next.combining_class;
@@ -55,11 +55,10 @@ Stretch normal_stretch(std::u16string_view text, std::size_t at) {
 // The first boundary after the character at `at`.
 std::size_t next_boundary(std::u16string_view text, std::size_t at) {
     std::size_t after = at;
-    static_cast<void>(impl::scl_utf16_next(text, after));
+    static_cast<void>(scl_utf16_next(text, after));
     do {
         at = after;
-    } while (at < text.size() &&
-             !is_boundary(impl::properties_of(impl::scl_utf16_next(text, after))));
+    } while (at < text.size() && !is_boundary(impl::properties_of(scl_utf16_next(text, after))));
     return at;
 }
 
@@ -83,9 +82,9 @@ std::u16string composed(std::u16string_view text, Stretch stretch) {
 
 bool scl_can_normalize(std::u16string_view text) {
     // Nearly always there is none, and nothing needs to be paired.
-    const auto first = std::ranges::find_if(text, impl::scl_is_surrogate);
+    const auto first = std::ranges::find_if(text, scl_is_surrogate);
     for (auto at = static_cast<std::size_t>(first - text.begin()); at < text.size();) {
-        if (impl::scl_is_surrogate(impl::scl_utf16_next(text, at))) return false;
+        if (scl_is_surrogate(scl_utf16_next(text, at))) return false;
     }
     return true;
 }
@@ -96,7 +95,7 @@ std::size_t scl_joined_length(std::u16string_view text, std::size_t at) {
 
 std::size_t scl_character_length(std::u16string_view text, std::size_t at) {
     std::size_t after = at;
-    static_cast<void>(impl::scl_utf16_next(text, after));
+    static_cast<void>(scl_utf16_next(text, after));
     return after - at;
 }
 
@@ -109,7 +108,7 @@ bool scl_is_normalized(std::u16string_view text) {
     return stretch.is_whole || composed(text, stretch) == text;
 }
 
-void impl::scl_normalize(std::u16string_view in, std::u16string& out) {
+void scl_normalize(std::u16string_view in, std::u16string& out) {
     const Stretch stretch = normal_stretch(in, 0);
     if (stretch.is_whole) {
         out.assign(in);
@@ -119,7 +118,7 @@ void impl::scl_normalize(std::u16string_view in, std::u16string& out) {
 }
 
 void scl_normalize(std::u16string_view in, std::u16string& out, Scl_status& /*status*/) {
-    impl::scl_normalize(in, out);
+    scl_normalize(in, out);
 }
 
 } // namespace scl

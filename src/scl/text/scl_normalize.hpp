@@ -26,7 +26,7 @@ namespace impl {
 // that have accents of their own, Cyrillic, Han, Hangul syllables. It is well formed and in the
 // form. Other text may be in the form as well; characters beyond U+FFFF are never counted as plain.
 [[nodiscard]] inline bool scl_is_plain(std::u16string_view text) {
-    return impl::scl_all_bits(text) < 0x300 || impl::scl_is_untouched(text);
+    return scl_all_bits(text) < 0x300 || impl::scl_is_untouched(text);
 }
 
 // How many units from `at` on, at least one character, have to be brought into a normal form
@@ -41,20 +41,14 @@ namespace impl {
 [[nodiscard]] bool scl_is_normalized(std::u16string_view text);
 
 // Replaces `out` by `in` in Normalization Form C. `in` may view the text of `out`. Lone surrogates
-// are carried over as they are. Nothing is ever pushed on the status: any text has a normal form,
-// and memory exhausted is thrown (std::bad_alloc). Linear in the length of `in`, but for the
+// are carried over as they are. Any text has a normal form, so the status never gets a code; memory
+// exhausted is thrown (std::bad_alloc). Linear in the length of `in`, but for the
 // sorting of a run of combining marks; text that is in the form already is only copied.
 //
 // Form C and not KC: compatibility characters keep their identity, as a no-break space in a card
 // number does.
-void scl_normalize(std::u16string_view in, std::u16string& out, Scl_status& status);
-
-namespace impl {
-
-// As scl::scl_normalize.
 void scl_normalize(std::u16string_view in, std::u16string& out);
-
-} // namespace impl
+void scl_normalize(std::u16string_view in, std::u16string& out, Scl_status& status);
 
 } // namespace scl
 

@@ -10,6 +10,7 @@ namespace scl {
 namespace {
 
 constexpr std::size_t PIECE_BYTES = 8192;
+constexpr std::u16string_view HEX_DIGITS = u"0123456789ABCDEF";
 
 // How many bytes of a text to convert next: a piece that cuts no character. Where more than three
 // bytes continue one, they are none, and each of them stands for itself.
@@ -34,6 +35,15 @@ void stow_long(std::string_view narrow, std::u16string& wide) {
     }
 }
 
+bool is_control(char32_t character) {
+    return character < 0x20 || (character >= 0x7F && character <= 0x9F);
+}
+
+// A byte that was no UTF-8 is the lone surrogate U+DC00 + byte.
+bool is_raw_byte(char32_t character) {
+    return character >= 0xDC80 && character <= 0xDCFF;
+}
+
 } // namespace
 
 // Memory that becomes longer is filled first; keeping what the string has saves most of that.
@@ -51,6 +61,22 @@ void scl_wtos(std::u16string_view wide, std::string& narrow, bool replace) {
 
 void scl_utf16_to_utf8(std::u16string_view wide, std::string& narrow) {
     scl_wtos(wide, narrow, true);
+}
+
+// Both kinds are shown by the low byte of their code point.
+std::u16string scl_shown(std::u16string_view text) {
+    std::u16string shown;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t from = at;
+        const char32_t character = scl_utf16_next(text, at);
+        if (is_control(character) || is_raw_byte(character)) {
+            shown +=
+                {u'\\', u'x', HEX_DIGITS[character >> 4U & 0xFU], HEX_DIGITS[character & 0xFU]};
+        } else {
+            shown += text.substr(from, at - from);
+        }
+    }
+    return shown;
 }
 
 // By units: all white space is of single ones, and no half of a pair is white space.
@@ -73,7 +99,7 @@ void scl_trim(std::u16string& text) {
 
 // No code point tells the end apart, as U+0000 is one: the index does.
 char32_t scl_utf16_to_utf32_char(std::u16string_view text, std::size_t& index) {
-    if (index < text.size()) return impl::scl_utf16_next(text, index);
+    if (index < text.size()) return scl_utf16_next(text, index);
     index = SCL_NPOS;
     return 0;
 }

@@ -105,7 +105,7 @@ std::size_t convert_one(const char* from, std::size_t left, char16_t* to) {
     }
     if (lead >= 0xF0 || lead < 0xE0 || left < 3 || bits(2, 0xC0) != 0x80) return 0;
     const unsigned unit = bits(0, 0x0F) << 12U | bits(1, 0x3F) << 6U | bits(2, 0x3F);
-    if (unit < 0x800 || impl::scl_is_surrogate(unit)) return 0;
+    if (unit < 0x800 || scl_is_surrogate(unit)) return 0;
     *to = static_cast<char16_t>(unit);
     return 3;
 }
@@ -147,7 +147,7 @@ std::size_t scl_convert(std::string_view narrow, char16_t* wide) {
             from += length;
         } else {
             std::size_t at = narrow.size() - left;
-            to = impl::scl_utf16_put(to, impl::scl_utf8_next_long(narrow, at));
+            to = scl_utf16_put(to, impl::scl_utf8_next_long(narrow, at));
             from = narrow.data() + at;
         }
     }
@@ -170,7 +170,7 @@ void scl_string_append(std::string& narrow, std::u16string_view wide) {
     char* to = narrow.data() + start + at;
     while (at < wide.size()) {
         while (at < wide.size() && !is_ascii(wide[at])) {
-            to = impl::scl_utf8_put(to, impl::scl_utf16_next(wide, at));
+            to = scl_utf8_put(to, scl_utf16_next(wide, at));
         }
         const std::size_t ascii = copy_ascii(to, wide.data() + at, wide.size() - at);
         to += ascii;

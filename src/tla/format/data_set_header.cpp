@@ -55,7 +55,7 @@ void replace_end_of_data(std::u16string_view file_name, scl::Scl_status& status)
 void tla_read_header(const scl::Scl_buffer& file, std::u16string_view file_name,
                      bool accept_any_version, Tla_data_set_header& header,
                      scl::Scl_status& status) {
-    scl::Scl_buffered_istream in(file, false, status, scl::Scl_eol::none);
+    scl::Scl_buffered_istream in(file, status);
     read_fixed_header(in, file_name, accept_any_version, header, status);
     if (!status.has_failed()) tla_read_field_list(in, header.fields, status);
     if (!status.has_failed()) header.data_start = tla_aligned(in.tell());

@@ -1,6 +1,6 @@
 #include "tla/read/file_in_memory.hpp"
 
-#include "scl/io/scl_held_buffer.hpp"
+#include "scl/io/scl_fixed_buffer.hpp"
 #include "tla/format/data_set_layout.hpp"
 
 #include <algorithm>
@@ -15,10 +15,10 @@ constexpr std::size_t PIECE_BYTES = std::size_t{256} << 10;
 
 } // namespace
 
-// Piece by piece: each is summed up while it is in the cache.
-std::unique_ptr<const scl::Scl_buffer>
-read_into_memory(const scl::Scl_buffer& file, scl::Scl_crc64& crc, scl::Scl_status& status) try {
-    auto bytes = std::make_unique<scl::Scl_held_buffer>(file.size(false, status));
+// Piece by piece, each of which is summed up while it is in the cache.
+std::unique_ptr<const scl::Scl_buffer> hold_file(const scl::Scl_buffer& file, scl::Scl_crc64& crc,
+                                                 scl::Scl_status& status) try {
+    auto bytes = std::make_unique<scl::Scl_fixed_buffer>(file.size(false, status));
     const std::span<std::byte> room = bytes->room();
     for (std::size_t at = 0; at < room.size() && !status.has_failed();) {
         const auto piece = room.subspan(at, std::min(PIECE_BYTES, room.size() - at));

@@ -131,7 +131,7 @@ void Tla_data_set_connector_file::read_body(scl::Scl_status& status) {
 }
 
 void Tla_data_set_connector_file::read_key_indexes(scl::Scl_status& status) {
-    scl::Scl_buffered_istream in(*state_->source->file, false, status, scl::Scl_eol::none);
+    scl::Scl_buffered_istream in(*state_->source->file, status);
     in.limit_read_ahead(SAMPLE_READ_AHEAD_BYTES);
     in.set_position(state_->header.key_table_offset);
     for (std::uint16_t i = 0; i < state_->header.key_count && !status.has_failed(); ++i) {

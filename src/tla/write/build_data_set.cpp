@@ -12,7 +12,7 @@ namespace {
 Tla_build_result read_input(const Tla_build_plan& plan, scl::Scl_buffered_istream& in,
                             scl::Scl_buffer& scratch, Record_collector& collector,
                             scl::Scl_status& status) {
-    scl::Scl_ostream out(scratch, status, scl::Scl_eol::none);
+    scl::Scl_ostream out(scratch);
     Tla_record_processor processor(plan.fields, plan.key_positions, &collector);
     Tla_build_result result;
     result.reading = Tla_record_reader(processor, out).read_records(in, status);

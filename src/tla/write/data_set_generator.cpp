@@ -21,7 +21,7 @@ using Schema = std::span<const Field_descriptor>;
 // As they are: records were put into their final form when they were made, and they go into the
 // file in the order of the input, so that equal inputs give equal files.
 void copy_records(const scl::Scl_buffer& records, scl::Scl_ostream& out, scl::Scl_status& status) {
-    scl::Scl_buffered_istream in(records, false, status, scl::Scl_eol::none);
+    scl::Scl_buffered_istream in(records, status);
     const std::uint64_t size = in.size(status);
     while (in.tell() != size && !status.has_failed()) {
         const std::span<const std::byte> window = in.window(status);
@@ -57,7 +57,7 @@ void write_key_table(std::u16string_view key_name, Schema schema, Key_pairs& pai
 std::uint64_t count_all(std::size_t field_count, const scl::Scl_buffer& records,
                         const Record_collector* collected, scl::Scl_status& status) {
     if (collected != nullptr && collected->knows_all()) return collected->record_count();
-    scl::Scl_buffered_istream in(records, false, status, scl::Scl_eol::none);
+    scl::Scl_buffered_istream in(records, status);
     return count_records(field_count, in, status);
 }
 
@@ -77,7 +77,7 @@ void write_all(Key_names key_names, Schema schema, const Recorded& recorded,
 // The checksum covers the header's later half, so all of it must be known before: it comes last.
 void write_checksum(const scl::Scl_crc64& checksum, scl::Scl_buffer& output,
                     scl::Scl_status& status) {
-    scl::Scl_ostream out(output, status, scl::Scl_eol::none);
+    scl::Scl_ostream out(output);
     out.set_position(TLA_CHECKSUM_OFFSET, status);
     out.write_le(checksum.result(false), status);
     out.detach(status);
@@ -101,7 +101,7 @@ std::uint64_t write_data_set_file(Key_names key_names, const Tla_header_writer& 
         return 0;
     }
     scl::Scl_checksum_buffer checked(output, TLA_CHECKED_FROM);
-    scl::Scl_ostream out(checked, status, scl::Scl_eol::none);
+    scl::Scl_ostream out(checked);
     const Tla_header_counts counts{static_cast<std::uint16_t>(key_names.size()),
                                    static_cast<std::uint32_t>(count), records.size(false, status)};
     header.write(counts, out, status);

@@ -68,7 +68,7 @@ private:
 
 void read_key_pairs(std::size_t key_field, const Recorded& recorded, Key_pairs& pairs,
                     scl::Scl_status& status) {
-    scl::Scl_buffered_istream in(recorded.records, false, status, scl::Scl_eol::none);
+    scl::Scl_buffered_istream in(recorded.records, status);
     pairs.begin_key(key_field);
     Tla_record_scanner scanner(in, recorded.field_count);
     for (std::uint64_t i = 0; i < recorded.count; ++i) {

@@ -34,8 +34,8 @@ std::uint64_t record_fingerprint(std::span<const std::byte> record) {
 
 Record_comparer::Record_comparer(const scl::Scl_buffer& records, std::size_t field_count,
                                  scl::Scl_status& status)
-    : stream_a_(records, false, status, scl::Scl_eol::none),
-      stream_b_(records, false, status, scl::Scl_eol::none),
+    : stream_a_(records, status),
+      stream_b_(records, status),
       a_(stream_a_, field_count),
       b_(stream_b_, field_count) {
     // Records far apart are compared as often as neighbours: read little around each.

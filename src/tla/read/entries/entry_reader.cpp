@@ -14,7 +14,7 @@ constexpr std::size_t FAR_READ_AHEAD_BYTES = 512;
 } // namespace
 
 Entry_reader::Entry_reader(const scl::Scl_buffer& file, const Tla_data_set_header& header)
-    : file_(file), header_(header), stream_(file, false, attach_status_, scl::Scl_eol::none) {}
+    : file_(file), header_(header), stream_(file) {}
 
 std::unique_ptr<Tla_data_set_entry_file> Entry_reader::make(std::int64_t record_offset) const {
     return std::unique_ptr<Tla_data_set_entry_file>(new (std::nothrow) Tla_data_set_entry_file(

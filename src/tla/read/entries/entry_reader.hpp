@@ -33,7 +33,6 @@ private:
 
     const scl::Scl_buffer& file_;
     const Tla_data_set_header& header_;
-    scl::Scl_status attach_status_; // never set: attaching does not fail
     scl::Scl_buffered_istream stream_;
 };
 

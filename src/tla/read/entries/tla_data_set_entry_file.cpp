@@ -81,7 +81,7 @@ bool Tla_data_set_entry_file::holds(std::size_t field,
 }
 
 void Tla_data_set_entry_file::read(scl::Scl_status& status) {
-    scl::Scl_buffered_istream in(file_, false, status, scl::Scl_eol::none);
+    scl::Scl_buffered_istream in(file_, status);
     read_from(in, status);
 }
 
