@@ -8,9 +8,9 @@
 
 namespace txt {
 
-// What the store has no room for is left: process() makes room, a character at a time, and the next
-// run goes on. Runs are found in units as they lie in memory, so a big-endian processor finds none:
-// process() then takes every character.
+// Takes no more than the store has room for. process(), which takes the next character, makes room,
+// and the run goes on after that. Runs are found in units as they lie in memory: on a big-endian
+// processor process() takes every character.
 std::size_t Txt_tokeniser::take_run(std::span<const std::byte> units, Txt_text_store& text,
                                     std::uint32_t& type, Txt_parse_operation& operation) {
     if constexpr (std::endian::native == std::endian::big) return 0;

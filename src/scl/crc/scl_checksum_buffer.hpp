@@ -5,10 +5,10 @@
 
 namespace scl {
 
-// Hands writes on to another buffer and sums up the bytes as they pass, while they are in the
-// cache: reading the file once more would cost more than the checksum. For writing strictly front
-// to back, from offset 0: bytes that are written again, or that follow a gap, are not summed up.
-// Codes are those of the target.
+// Passes writes on to another buffer and takes their checksum meanwhile, while the bytes are in the
+// cache; reading the file again for it would cost more than the checksum itself. For writing front
+// to back from offset 0: bytes that are written again, or behind a gap, do not count. Codes are
+// those of the target.
 class Scl_checksum_buffer final : public Scl_buffer {
 public:
     // Bytes before `begin` are left out of the checksum. The target must outlive this buffer.

@@ -47,9 +47,9 @@ public:
         write_le(scl_byte_swapped(value), status);
     }
 
-    // For who writes in place: memory for `count` bytes or more, up to STORAGE_BYTES / 2, which
-    // become part of the stream by advance(). Empty when the stream is not attached. Valid until
-    // the next operation.
+    // Memory to write to in place, without a copy: at least `count` bytes, at most STORAGE_BYTES
+    // / 2. advance() makes them part of the stream. Empty when the stream is not attached. Valid
+    // until the next operation.
     [[nodiscard]] std::span<std::byte> room(std::size_t count, Scl_status& status) {
         assert(count <= STORAGE_BYTES / 2);
         if (make_room(count, status) == nullptr) return {};
@@ -66,7 +66,7 @@ public:
     void set_position(std::uint64_t position, Scl_status& status);
 
 private:
-    // Large, so that the system is seldom called: a call costs as much as some hundred records.
+    // Large, since a system call costs as much as some hundred records.
     static constexpr std::size_t STORAGE_BYTES = std::size_t{256} << 10;
 
     void attach(Scl_buffer& buffer);

@@ -16,9 +16,9 @@ constexpr std::size_t PIECE_BYTES = std::size_t{256} << 10;
 
 } // namespace
 
-// Piece by piece, each of which is summed up while it is in the cache.
-std::unique_ptr<const scl::Scl_buffer> hold_file(const scl::Scl_buffer& file, scl::Scl_crc64& crc,
-                                                 scl::Scl_status& status) try {
+// Piece by piece: each is summed up while it is in the cache.
+std::unique_ptr<const scl::Scl_buffer>
+read_into_memory(const scl::Scl_buffer& file, scl::Scl_crc64& crc, scl::Scl_status& status) try {
     const std::uint64_t size = file.size(false, status);
     if (size > std::numeric_limits<std::size_t>::max()) throw std::bad_alloc(); // of 32 bits
     auto bytes = std::make_unique<scl::Scl_fixed_buffer>(static_cast<std::size_t>(size));
