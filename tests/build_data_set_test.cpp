@@ -73,6 +73,18 @@ TEST(Build_data_set, CountsLinesAndWhatCanBeRead) {
     EXPECT_EQ(build.result.record_count, 1U);
 }
 
+TEST(Build_data_set, CountsRecordsWithACountThatWraps) {
+    const std::string most(65535, '!');
+    const std::string wraps = most + '!';
+    const std::string lines =
+        most + "\t" + most + "\nb\tc\n" + wraps + '\t' + wraps + "\nd\te\nf\t" + wraps + "!!\n";
+    const Build build(lines, {"Simple", "SimpleNC"}, {u"A"});
+    EXPECT_EQ(build.result.wrapped.count, 2U) << "a record with two such fields is one";
+    EXPECT_EQ(build.result.wrapped.first, 3U);
+    const Build unknown(lines, {"Unknown", "Whatever"}, {u"A"});
+    EXPECT_EQ(unknown.result.wrapped.count, 0U) << "nothing of such a column is written";
+}
+
 TEST(Build_data_set, RefusesMoreThanAHeaderCanCount) {
     static_assert(tla::Tla_header_counts::can_hold(1, 0xFFFFFFFF));
     static_assert(!tla::Tla_header_counts::can_hold(1, 0x100000000)); // takes too long to build

@@ -109,13 +109,8 @@ TEST(Connector, OpensOnlyFiles) {
 TEST(Connector, ClosedAnswersNothing) {
     test::Loaded file(small_file());
     const std::int64_t offset = file.connector.record_offsets(file.status).front();
-    const auto entry = file.entry(offset);
     file.connector.close();
     EXPECT_TRUE(file.connector.field_descriptors().empty());
-    std::vector<std::uint64_t> values;
-    tla::Formatter_type_id type;
-    EXPECT_FALSE(entry->token_values(u"Name", values, type) ||
-                 entry->token_values(u"", values, type));
     const auto expect_not_open = [&file](bool is_right) {
         EXPECT_TRUE(is_right);
         EXPECT_EQ(file.status.value(), tla::TLA_STATUS_NOT_OPEN);

@@ -23,11 +23,13 @@ Values tokens_of(std::u16string_view text) {
 // `data_start`.
 struct Raw_entry {
     Raw_entry(std::string_view bytes, std::uint8_t version, std::uint64_t data_start = 0) {
-        header.fields = {{u"a", {}}, {u"b", {}}};
         header.raw_version[0] = version;
         header.data_start = data_start;
-        file.write_at(0, std::as_bytes(std::span(bytes)), status);
-        entry = tla::Entry_reader(file, header).make(0);
+        auto file = std::make_unique<scl::Scl_heap_buffer>();
+        file->write_at(0, std::as_bytes(std::span(bytes)), status);
+        const auto source = std::make_shared<const tla::Entry_source>(
+            std::move(file), std::make_shared<const tla::Entry_fields>(fields));
+        entry = tla::Entry_reader(source, header).make(0);
         entry->read(status);
     }
     Values values(std::u16string_view name) const {
@@ -38,7 +40,7 @@ struct Raw_entry {
 
     scl::Scl_status status;
     tla::Tla_data_set_header header;
-    scl::Scl_heap_buffer file;
+    std::vector<tla::Field_descriptor> fields = {{u"a", {}}, {u"b", {}}};
     std::unique_ptr<tla::Tla_data_set_entry_file> entry;
 };
 

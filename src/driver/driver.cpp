@@ -130,11 +130,11 @@ int Driver::upgrade() {
     input_.close(status_);
     tla::upgrade_data_set(input_name_, output_, status_);
     close_output();
-    // An upgrade does not report duplicates. It does report missing records, which nobody would
-    // notice otherwise.
-    if (!status_.ok() || status_.contains_value(tla::TLA_STATUS_RECORDS_LOST)) {
-        print_status(status_);
-    }
+    // Duplicates are not reported in this mode. Records that are missing or read differently from
+    // how they were written are: nobody would know.
+    const bool warned = status_.contains_value(tla::TLA_STATUS_COUNT_WRAPPED) ||
+                        status_.contains_value(tla::TLA_STATUS_RECORDS_LOST);
+    if (!status_.ok() || warned) print_status(status_);
     if (status_.ok()) return EXIT_OK;
     remove_output();
     return EXIT_FAULT;
@@ -160,6 +160,7 @@ int Driver::build() {
     // Neither a column of unknown type nor a value with more tokens than its count can hold is an
     // error, but records cannot be read back from such a file: it is kept, with a warning.
     if (status_.ok()) {
+        tla::tla_warn_of_wrapped_records(result.wrapped, status_);
         tla::tla_warn_of_lost_records(result.record_count, result.line_count, status_);
     }
     return report_generation();
@@ -194,8 +195,7 @@ void Driver::close_output() {
 }
 
 void Driver::remove_output() {
-    scl::Scl_status nobody_listens;
-    output_.close(nobody_listens);
+    output_.discard();
     // If this fails, a file stays whose checksum is wrong, and no reader accepts it.
     const Signals_wait hold;
     (void)std::remove(output_name_.c_str());

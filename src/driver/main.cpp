@@ -9,6 +9,7 @@
 #include <new>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -44,15 +45,19 @@ int report_exception(const char* message) {
     return driver::EXIT_FAULT;
 }
 
-// Allocates again, which unwinding has made possible.
+// Takes no memory: what filled it may be another program, and then it is as full as before.
 int report_no_memory() {
-    scl::Scl_status status;
-    status.push(scl::SCL_STATUS_NO_MEMORY);
-    std::u16string wide;
-    scl::Scl_status_lookup::to_string(status, wide);
-    std::string text;
-    scl::scl_wtos(wide, text, true);
-    return report_exception(text.c_str());
+    const std::string_view text = scl::Scl_status_lookup::message(scl::SCL_STATUS_NO_MEMORY);
+    std::fprintf(stderr, "0x%08X: %.*s\n", scl::SCL_STATUS_NO_MEMORY, static_cast<int>(text.size()),
+                 text.data());
+    return driver::EXIT_FAULT;
+}
+
+// Where there is no memory from the start on, not even an exception can be thrown, and the C++
+// library comes here at once. Nothing is done yet then.
+[[noreturn]] void end_at_once() {
+    if (std::current_exception() != nullptr) std::abort();
+    std::_Exit(report_no_memory());
 }
 
 int run(std::span<char*> arguments) {
@@ -70,6 +75,7 @@ int run(std::span<char*> arguments) {
 } // namespace
 
 int main(int argument_count, char** arguments) {
+    std::set_terminate(end_at_once);
     driver::prepare_for_signals();
     std::exit(run({arguments, static_cast<std::size_t>(argument_count)}));
 }

@@ -6,6 +6,8 @@
 #include "scl/text/scl_string.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
+#include <limits>
+
 namespace tla {
 
 namespace {
@@ -20,15 +22,21 @@ bool refuse_empty_key(scl::Scl_status& status) {
     return false;
 }
 
-// Goes over the text twice, so that memory need not hold its values.
+constexpr std::uint64_t MOST_TOKENS = std::numeric_limits<Tla_token_count>::max();
+
+// A field of more tokens does not fit into an output's room, so only large records can have one.
+static_assert(MOST_TOKENS * TLA_TOKEN_VALUE_BYTES >= scl::Scl_ostream::MOST_ROOM);
+
+// Goes over the text twice, so that memory need not hold its values. Returns how many there are.
 template <typename Unit>
-void write_large_field(scl::Scl_text_span<Unit> text, scl::Scl_ostream& out,
-                       scl::Scl_status& status) {
-    Tla_token_count count = 0; // wraps
+std::uint64_t write_large_field(scl::Scl_text_span<Unit> text, scl::Scl_ostream& out,
+                                scl::Scl_status& status) {
+    std::uint64_t count = 0;
     txtdfc::txtdfc_each_token_value(text, [&count](Tla_token_value) { ++count; });
-    out.write_be(count, status);
+    out.write_be(static_cast<Tla_token_count>(count), status); // wraps
     txtdfc::txtdfc_each_token_value(text,
                                     [&](Tla_token_value value) { out.write_be(value, status); });
+    return count;
 }
 
 } // namespace
@@ -57,19 +65,23 @@ void Tla_record_processor::process(const Tla_record_text& record, scl::Scl_ostre
     if (status.has_failed() || !format_fields(record, status, add)) return;
     if (ends_with_byte()) assembly.add_end();
     if (assembly.is_full()) return process_large(record, out, status);
+    ++record_count_;
     out.advance(assembly.record().size());
     if (listener_ != nullptr) listener_->record_made(assembly.record());
 }
 
 void Tla_record_processor::process_large(const Tla_record_text& record, scl::Scl_ostream& out,
                                          scl::Scl_status& status) {
+    bool wraps = false;
     const auto write = [&](auto text) {
-        write_large_field(text, out, status);
+        wraps = write_large_field(text, out, status) > MOST_TOKENS || wraps;
         return !status.has_failed();
     };
+    ++record_count_;
     if (format_fields(record, status, write) && ends_with_byte()) {
         out.write_le(TLA_RECORD_END, status);
     }
+    if (wraps && wrapped_.count++ == 0) wrapped_.first = record_count_;
     if (listener_ != nullptr) listener_->record_made({});
 }
 

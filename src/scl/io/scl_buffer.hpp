@@ -16,7 +16,7 @@ enum class Scl_eol : unsigned { text = 0, none = 3 };
 
 // Bytes that can be read, and in some kinds written, at any offset; offsets and sizes are in bytes.
 // A buffer has no position; each stream attached to it has its own. So several streams can read one
-// buffer. Not for use by several threads.
+// buffer, also in several threads while nobody writes to it.
 class Scl_buffer {
 public:
     Scl_buffer() = default;

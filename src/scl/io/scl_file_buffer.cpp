@@ -33,8 +33,7 @@ Scl_file_buffer::Scl_file_buffer(std::u16string_view path, Scl_file_open mode,
 }
 
 Scl_file_buffer::~Scl_file_buffer() {
-    Scl_status nobody_listens; // a caller who needs to know calls close()
-    close(nobody_listens);
+    discard(); // who needs to know closes before
 }
 
 void Scl_file_buffer::open(std::u16string_view path, Scl_file_open mode, Scl_file_access access,
@@ -69,13 +68,22 @@ int Scl_file_buffer::create_scratch() {
     return error;
 }
 
+// Network file systems report here what they could not write.
 void Scl_file_buffer::close(Scl_status& status) {
-    if (!file_.is_open()) return;
-    if (scratch_) remove_scratch(); // while it is open: afterwards its node number may be reused
-    const int error = file_.close();
-    // Network file systems report here what they could not write.
+    const int error = end();
     if (error != 0) report(SCL_STATUS_CLOSE_FAILED, scl_system_reason(error), status);
+}
+
+void Scl_file_buffer::discard() noexcept {
+    (void)end();
+}
+
+// Returns the system's number for a failure. Telling of it takes memory, which may be what ran out.
+int Scl_file_buffer::end() noexcept {
+    if (!file_.is_open()) return 0;
+    if (scratch_) remove_scratch(); // while it is open, so that its identity is nobody else's
     size_ = 0;
+    return file_.close();
 }
 
 // Only our own: by now the entry may be another run's scratch file.

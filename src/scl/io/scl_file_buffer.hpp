@@ -43,6 +43,8 @@ public:
     // Pushes SCL_STATUS_CLOSE_FAILED when the system reports a late write error here. Without
     // effect on a buffer that is not open.
     void close(Scl_status& status);
+    // Closes, and tells nobody of a failure: for what is thrown away. Takes no memory.
+    void discard() noexcept;
 
     [[nodiscard]] bool is_open() const { return file_.is_open(); }
 
@@ -54,6 +56,7 @@ public:
 
 private:
     [[nodiscard]] int create_scratch();
+    [[nodiscard]] int end() noexcept;
     void remove_scratch() const;
     void report(Scl_status_code code, const std::string& reason, Scl_status& status) const;
 

@@ -17,7 +17,13 @@ namespace scl {
 // latest into that of flush() or detach(): call one of them before trusting what was written.
 // Writing without a buffer attached sets SCL_STATUS_OUT_OF_BOUNDS.
 class Scl_ostream {
+    // Large, since a system call costs as much as some hundred records.
+    static constexpr std::size_t STORAGE_BYTES = std::size_t{256} << 10;
+
 public:
+    // What room() gives at the most.
+    static constexpr std::size_t MOST_ROOM = STORAGE_BYTES;
+
     Scl_ostream() = default;
     // Attaches to the buffer, at its front; this does not fail.
     explicit Scl_ostream(Scl_buffer& buffer) { attach(buffer); }
@@ -66,9 +72,6 @@ public:
     void set_position(std::uint64_t position, Scl_status& status);
 
 private:
-    // Large, since a system call costs as much as some hundred records.
-    static constexpr std::size_t STORAGE_BYTES = std::size_t{256} << 10;
-
     void attach(Scl_buffer& buffer);
     // Where `count` bytes, few against STORAGE_BYTES, can be stored; null when not attached.
     [[nodiscard]] std::byte* make_room(std::size_t count, Scl_status& status) {

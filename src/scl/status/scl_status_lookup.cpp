@@ -61,6 +61,10 @@ bool Scl_status_lookup::initialise_message_list(std::span<const std::string> fil
     });
 }
 
+std::string_view Scl_status_lookup::message(Scl_status_code code) {
+    return find_message(hex(code)); // so short that the string holds it in itself
+}
+
 void Scl_status_lookup::to_string(const Scl_status& status, std::u16string& text) {
     text.clear();
     const std::span<const Scl_status::Entry> entries = status.entries();

@@ -80,6 +80,14 @@ std::u16string scl_shown(std::u16string_view text) {
     return shown;
 }
 
+std::string scl_shown(std::string_view text) {
+    std::u16string wide;
+    scl_stow(text, wide);
+    std::string shown;
+    scl_wtos(scl_shown(wide), shown, true);
+    return shown;
+}
+
 // By units: every white space character is one unit, and no surrogate is white space.
 std::u16string_view scl_trimmed(std::u16string_view text) {
     while (!text.empty() && scl_is_white_space(text.back())) {

@@ -16,6 +16,7 @@ Tla_build_result read_input(const Tla_build_plan& plan, scl::Scl_buffered_istrea
     Tla_record_processor processor(plan.fields, plan.key_positions, &collector);
     Tla_build_result result;
     result.reading = Tla_record_reader(processor, out).read_records(in, status);
+    result.wrapped = processor.wrapped_records();
     in.detach();
     out.detach(status);
     return result;

@@ -112,6 +112,13 @@ std::uint64_t write_data_set_file(Key_names key_names, const Tla_header_writer& 
     return count;
 }
 
+void tla_warn_of_wrapped_records(const Tla_wrapped_records& wrapped, scl::Scl_status& status) {
+    if (wrapped.count == 0) return;
+    const std::string numbers =
+        std::to_string(wrapped.count) + ", the first is " + std::to_string(wrapped.first);
+    status.push(TLA_STATUS_COUNT_WRAPPED, scl::Scl_wstring_status_arg(std::string_view(numbers)));
+}
+
 void tla_warn_of_lost_records(std::uint64_t readable, std::uint64_t taken,
                               scl::Scl_status& status) {
     if (readable == taken) return;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "records/input/tla_record_processor.hpp"
 #include "records/values/field_descriptor.hpp"
 #include "scl/io/scl_buffered_istream.hpp"
 #include "scl/io/scl_ostream.hpp"
@@ -28,6 +29,11 @@ std::uint64_t write_data_set_file(std::span<const std::u16string> key_names,
                                   const Tla_header_writer& header, const scl::Scl_buffer& records,
                                   Record_collector* collected, scl::Scl_buffer& output,
                                   scl::Scl_status& status);
+
+// Pushes the warning TLA_STATUS_COUNT_WRAPPED, with how many records there are and the first one's
+// number as its argument, unless there are none. Chosen token values can make such a record swallow
+// the next one and still leave the number of records right, so nothing else tells of it.
+void tla_warn_of_wrapped_records(const Tla_wrapped_records& wrapped, scl::Scl_status& status);
 
 // Pushes the warning TLA_STATUS_RECORDS_LOST, with both numbers as its argument, unless they are
 // equal. `readable` is the record count of a file that was made, `taken` how many records went in.
