@@ -128,7 +128,9 @@ void Ucl_buffer_patcher::apply(const scl::Scl_buffer& content, scl::Scl_buffer& 
         if (edit.on_trial) continue;
         copy(content, at, place.offset, out, status);
         const std::u16string_view text = text_of(edit);
-        out.write(text.size() * UNIT_BYTES, text.data(), status);
+        for (const char16_t unit : text) {
+            out.write_le(unit, status);
+        }
         at = place.offset + edit.length;
     }
     copy(content, at, size, out, status);

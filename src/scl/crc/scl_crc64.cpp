@@ -110,6 +110,15 @@ std::uint64_t Scl_crc64::calculate(const void* data, std::size_t size, std::uint
     return ~step(initial, {static_cast<const std::byte*>(data), size});
 }
 
+// For big-endian processors, unit by unit: they read files that were made elsewhere.
+std::uint64_t Scl_crc64::calculate_swapped(std::u16string_view text) {
+    std::uint64_t reg = INITIAL;
+    for (const char16_t unit : text) {
+        reg = impl::crc64_by_table(reg, std::bit_cast<Scl_raw<char16_t>>(scl_little_endian(unit)));
+    }
+    return ~reg;
+}
+
 // Most tokens fit one block. Those take neither a loop nor a branch on the length.
 std::uint64_t Scl_crc64::calculate_widened(const char* text, std::size_t size) {
     if (!impl::has_carryless_multiply()) return impl::crc64_widened_by_table({text, size});

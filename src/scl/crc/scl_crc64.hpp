@@ -2,9 +2,11 @@
 
 #include "scl/io/scl_buffer.hpp"
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #pragma GCC visibility push(default) // installed
 
@@ -20,6 +22,12 @@ public:
     // The complemented register over `size` bytes, the register started at `initial`.
     [[nodiscard]] static std::uint64_t calculate(const void* data, std::size_t size,
                                                  std::uint64_t initial);
+
+    // calculate() from INITIAL over the units of a text, each little-endian.
+    [[nodiscard]] static std::uint64_t calculate_units(std::u16string_view text) {
+        if constexpr (std::endian::native == std::endian::big) return calculate_swapped(text);
+        return calculate(text.data(), text.size() * sizeof(char16_t), INITIAL);
+    }
 
     // calculate() from INITIAL over the UTF-16 form (little-endian) of an ASCII text of `size`
     // characters, without making that form. WIDENED_BLOCK characters must be readable from `text`
@@ -43,6 +51,8 @@ public:
     }
 
 private:
+    [[nodiscard]] static std::uint64_t calculate_swapped(std::u16string_view text);
+
     std::uint64_t register_ = INITIAL;
 };
 

@@ -2,6 +2,7 @@
 
 #include "scl/text/scl_utf.hpp"
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
@@ -81,8 +82,10 @@ std::size_t copy_ascii(To* to, const From* from, std::size_t size) {
 
 // Converts four bytes when they are two well-formed characters of two bytes, as in most scripts of
 // letters from Greek to Arabic; tells whether they are. Both at once: the bits of a lead byte go
-// above those of the byte behind it. A character below U+0080 must not be spelled like this.
+// above those of the byte behind it, which needs a little-endian processor. A character below
+// U+0080 must not be spelled like this.
 bool convert_two(const char* from, char16_t* to) {
+    if constexpr (std::endian::native == std::endian::big) return false;
     const auto bytes = load<std::uint32_t>(from);
     if ((bytes & 0xC0E0C0E0U) != 0x80C080C0U) return false;
     const std::uint32_t units = (bytes & 0x001F001FU) << 6U | (bytes >> 8U & 0x003F003FU);
