@@ -12,8 +12,9 @@ namespace tla {
 
 namespace {
 
-// What a record may take to be assembled in the output's own memory. A field's count comes before
-// its values, whose number is only known behind them.
+// A record of up to this size is assembled in the output stream's memory, where a field's count can
+// be filled in behind its values. An eighth of that memory (256 KiB): so little is left unused when
+// it is written out, and hardly a record is larger.
 constexpr std::size_t ROOM_BYTES = std::size_t{32} << 10;
 
 // A key of an unknown type must not be empty either: the look at the key comes first.
@@ -102,9 +103,9 @@ void Tla_record_processor::process_large(const Tla_record_text& record, scl::Scl
     if (listener_ != nullptr) listener_->record_made({});
 }
 
-// Hands the formatted texts to `to`: ASCII as the bytes it is, anything else as UTF-16. False when
-// a field or `to` had a fault; that ends it. One look tells that a value is a short run, and saves
-// trimming and the general way of formatting it.
+// Hands the formatted texts to `to`: ASCII as bytes, all else as UTF-16. Stops and returns false
+// when a field or `to` fails. Most values are short runs; one look at 16 bytes finds that out and
+// saves trimming and general formatting.
 template <typename Fields>
 bool Tla_record_processor::format_fields(const Tla_record_text& record, scl::Scl_status& status,
                                          Fields& to) {
