@@ -64,8 +64,7 @@ private:
 
     // A bit for each byte of the records: an eighth of them, and only for files of several keys.
     void mark_records() {
-        begins_.resize(
-            static_cast<std::size_t>(header_.key_table_offset - header_.data_start));
+        begins_.resize(static_cast<std::size_t>(header_.key_table_offset - header_.data_start));
         auto rest = file_.subspan(static_cast<std::size_t>(header_.data_start), begins_.size());
         for (std::uint32_t left = header_.record_count; left > 0; --left) {
             const auto record = tla_whole_record(rest, header_.fields.size());

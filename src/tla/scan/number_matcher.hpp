@@ -42,6 +42,10 @@ public:
     // A chunk of no interest that is one group of letters and may end none; while idle.
     void pass_group(std::string_view letters, Text_place place);
 
+    // Shows the token values of all items to `take`, whatever they begin.
+    using Take_value = std::function<void(std::uint64_t)>;
+    void gather(const Chunk_words& words, const Chunk_place& place, const Take_value& take);
+
     using Take = std::function<void(const Occurrence&)>;
     void read(const Chunk_words& words, const Chunk_place& place, const Scan_tables& tables,
               const Take& take);
@@ -50,8 +54,8 @@ private:
     // What a number in groups may be put together of.
     struct Group {
         Text_place first;
-        std::uint64_t number;    // of the word, among those that stand one after another
-        std::size_t text;        // where its characters begin in text_
+        std::uint64_t number; // of the word, among those that stand one after another
+        std::size_t text;     // where its characters begin in text_
         std::uint32_t characters;
         bool has_digit;
     };
@@ -78,6 +82,7 @@ private:
     void add_group(const Number_word& word, std::u16string_view text, Text_place first);
     void drop_groups();
     void drop_beginnings();
+    void read_words(const Chunk_words& words);
     void pass_gap(std::uint32_t characters, std::uint32_t line_ends, bool is_clean);
     void read_word(const Number_word& word, std::u16string_view text);
     void add_stretches();
@@ -89,11 +94,11 @@ private:
     [[nodiscard]] bool is_open(const Beginning& beginning) const;
 
     const Scan_hashes& hashes_;
-    std::vector<Group> groups_; // joined, one to the next
-    std::u16string text_;       // of the groups, back to back
-    bool has_digits_ = false;   // one of them
+    std::vector<Group> groups_;   // joined, one to the next
+    std::u16string text_;         // of the groups, back to back
+    bool has_digits_ = false;     // one of them
     std::vector<Beginning> open_; // by their last words
-    std::uint64_t number_ = 0;  // of the next word; numbers of words apart differ by more than one
+    std::uint64_t number_ = 0; // of the next word; numbers of words apart differ by more than one
     std::uint64_t gap_characters_ = 0;
     std::uint64_t gap_line_ends_ = 0;
     std::vector<Item> items_; // that end with the word at hand
@@ -103,6 +108,7 @@ private:
     const Chunk_place* place_ = nullptr;
     const Scan_tables* tables_ = nullptr;
     const Take* take_ = nullptr;
+    const Take_value* take_value_ = nullptr; // while values are gathered, and nothing else is done
     Chunk_span span_{};
 };
 

@@ -27,15 +27,15 @@ struct Found_record {
 // fields occur within reach, each once for a text.
 class Record_judge {
 public:
-    Record_judge(const Index_state& index, std::size_t least,
-                 std::optional<std::uint64_t> within);
+    Record_judge(const Index_state& index, std::size_t least, std::optional<std::uint64_t> within);
 
     // For the next text. The tables must last as long as that.
     void start(const Scan_tables& tables);
 
     // Whether the value is a key's of some record, which is seldom wrong.
     [[nodiscard]] bool may_be_key(const Occurrence& occurrence) const;
-    // Whether all records of the value are reported, so that it is of no interest as a key any more.
+    // Whether all records of the value are reported, so that it is of no interest as a key any
+    // more.
     [[nodiscard]] bool is_done(std::uint64_t hash) const {
         return !done_.empty() && done_.contains(hash);
     }
@@ -46,6 +46,12 @@ public:
     // All occurrences within its reach are in the window.
     void judge(const Occurrence& key, const Occurrence_window& window,
                std::vector<Found_record>& found);
+    // All occurrences at one place are judged. Until then a pair is asked for once more where it
+    // stands the other way round, as the key that is named first is told.
+    void end_place() {
+        done_.insert(done_here_.begin(), done_here_.end());
+        done_here_.clear();
+    }
     void mark_reported(std::uint64_t place) { reported_.add(index_.records->number_of(place)); }
     [[nodiscard]] bool is_reported(std::uint64_t place) const {
         return reported_.holds(index_.records->number_of(place));
@@ -79,6 +85,7 @@ private:
     // field is enough, those of pairs, by the hash of both; and for a key's value how far the
     // window was gone through.
     std::unordered_set<std::uint64_t> done_;
+    std::vector<std::uint64_t> done_here_; // at the place that is judged
     std::unordered_map<std::uint64_t, std::uint64_t> checked_;
     std::vector<std::size_t> fields_; // of the record at hand
 };
