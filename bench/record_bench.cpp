@@ -45,7 +45,7 @@ void whole_record(benchmark::State& state, std::u16string_view first, std::u16st
     const tla::Tla_record_text record{fields.fields()};
     scl::Scl_status status;
     Discarding_buffer buffer;
-    scl::Scl_ostream out(buffer, status, scl::Scl_eol::none);
+    scl::Scl_ostream out(buffer);
     for (auto _ : state) {
         processor.process(record, out, status);
     }

@@ -39,6 +39,7 @@ static void look_up_too_much(const char *path) {
     marks[MARKS] = '\0';
     EXPECT(dsmake_find(set, "Name", marks) == -1);
     EXPECT(strncmp(dsmake_message(set), path, strlen(path)) == 0);
+    EXPECT(dsmake_code(set) == DSMAKE_TOO_LONG);
     free(marks);
     dsmake_close(set);
 }

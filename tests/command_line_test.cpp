@@ -96,6 +96,9 @@ TEST_F(Command_line, GenerationFaultsRemoveTheOutput) {
     expect_failure(test::build_arguments(schema, {"last"}), "0xC2012511: The key name 'last' ");
     expect_failure(test::build_arguments(schema, {"%n%s\x1b[2J"}), "'%n%s\\x1B[2J'");
     expect_failure(test::build_arguments("A,Simple;A,Simple", {"A"}), "0xC2012510: ");
+    const std::string both =
+        place.shell("\"$DSMAKE\" -s '" + schema + "' -k last -i in -o out 2>&1").out;
+    EXPECT_TRUE(both.starts_with("Failed to generate file.\n0x")) << both;
     place.write("in", "Ann\t \xc2\xa0\t\n");
     expect_failure(test::build_arguments(schema + ";C,Simple", {"LAST"}), "0xC2012528: ");
 }

@@ -50,7 +50,7 @@ std::string version2(std::string_view schema, const Keys& keys, const Rows& rows
     tla::Tla_record_processor processor(parsed.fields, {}, nullptr);
     scl::Scl_status status;
     scl::Scl_heap_buffer records;
-    scl::Scl_ostream out(records, status, scl::Scl_eol::none);
+    scl::Scl_ostream out(records);
     for (const auto& row : rows) {
         tla::Tla_field_copies fields;
         for (const std::string& text : row) {

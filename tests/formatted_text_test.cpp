@@ -28,7 +28,7 @@ char32_t any_character(std::mt19937& random) {
     if (random() % 4 != 0) return ODD[random() % std::size(ODD)];
     const auto character =
         static_cast<char32_t>(random() % (random() % 3 == 0 ? 0x110000 : 0x3100));
-    return scl::impl::scl_is_surrogate(character) ? U'x' : character;
+    return scl::scl_is_surrogate(character) ? U'x' : character;
 }
 
 std::u16string any_text(std::mt19937& random) {
@@ -39,7 +39,7 @@ std::u16string any_text(std::mt19937& random) {
         const char32_t character = any_character(random);
         const std::size_t repeats = random() % 50 == 0 ? 80 : 1; // past a block
         for (std::size_t i = 0; i < repeats; ++i) {
-            text.append(units, scl::impl::scl_utf16_put(units, character));
+            text.append(units, scl::scl_utf16_put(units, character));
         }
         if (has_surrogates && random() % 20 == 0)
             text += static_cast<char16_t>(0xD800 + random() % 0x800);

@@ -63,7 +63,7 @@ struct Bench {
     const std::vector<std::uint64_t> keys{1};
     scl::Scl_status status;
     scl::Scl_heap_buffer written;
-    scl::Scl_ostream out{written, status, scl::Scl_eol::none};
+    scl::Scl_ostream out{written};
     tla::Tla_record_processor processor{columns, keys, nullptr};
 };
 
@@ -71,7 +71,7 @@ struct Bench {
 Outcome read(std::string_view input, std::size_t window, std::size_t fails_from = NEVER) {
     const Failing_file file(input, fails_from);
     Bench bench;
-    scl::Scl_buffered_istream in(file, false, bench.status, scl::Scl_eol::text);
+    scl::Scl_buffered_istream in(file, bench.status);
     in.limit_read_ahead(window);
     tla::Tla_record_reader reader(bench.processor, bench.out);
     return bench.outcome_of(reader.read_records(in, bench.status));
@@ -165,6 +165,19 @@ TEST(Record_reader, ReadsInWindowsOfAnySizeWhatBytesSay) {
         if (expected.result == Tla_read_result::finished) ++finished;
     }
     EXPECT_GT(finished, 2000) << "and most of the others break a rule after some lines";
+}
+
+// A record beyond what is put together in memory is written field by field.
+TEST(Record_reader, LargeRecordsHoldTheSameValues) {
+    const std::string small = read("a b\t!\n", 100).records;
+    const std::string value = small.substr(small.size() - 9, 8);
+    constexpr std::size_t TOKENS = 5000; // 40,000 bytes, count 0x1388
+    std::string expected = small.substr(0, small.size() - 11) + "\x13\x88";
+    for (std::size_t i = 0; i < TOKENS; ++i) {
+        expected += value;
+    }
+    const Outcome large = read("a b\t" + std::string(TOKENS, '!') + "\na b\t!\n", 100);
+    EXPECT_TRUE(large.records == expected + std::string(1, '\0') + small);
 }
 
 // The fault comes long before the end of what cannot be held in memory, and the window with it.

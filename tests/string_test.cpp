@@ -1,10 +1,12 @@
 #include "scl/text/scl_case.hpp"
 #include "scl/text/scl_string.hpp"
+#include "scl/text/scl_text_span.hpp"
 
 #include <gtest/gtest.h>
 
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -82,6 +84,10 @@ TEST(String, NonAsciiAtEveryPlaceOfABlock) {
             wide[at] = u'\u00E9';
             ASSERT_EQ(wide_of(narrow), wide);
             ASSERT_EQ(narrow_of(wide), narrow);
+            std::string bytes = std::string(size, 'x') + std::string(scl::SCL_BLOCK_BYTES, '\xE9');
+            ASSERT_TRUE(scl::scl_is_ascii({bytes.data(), bytes.data() + size})) << size;
+            bytes[at] = '\x80';
+            ASSERT_FALSE(scl::scl_is_ascii({bytes.data(), bytes.data() + size})) << size << at;
         }
     }
 }
@@ -108,6 +114,57 @@ TEST(String, ComparisonIgnoresCase) {
     EXPECT_GT(scl::scl_utf8_compare_nc("\xFF", "\xC3\xBF"), 0);
     using namespace std::string_view_literals;
     EXPECT_LT(scl::scl_utf8_compare_nc("a\0b"sv, "A\0C"sv), 0);
+}
+
+TEST(Block, TellsTheTopBitOfEachByte) {
+    for (std::uint32_t bits = 0; bits < 0x10000; ++bits) {
+        std::string text(scl::SCL_BLOCK_BYTES, '\x7F');
+        for (std::size_t i = 0; i < text.size(); ++i) {
+            if ((bits >> i & 1U) != 0) text[i] = '\x80';
+        }
+        ASSERT_EQ(scl::Scl_block(text.data()).top_bits(), bits);
+    }
+}
+
+// Each unit that there is, in each lane of a block of others.
+template <typename Unit>
+void expect_comparisons() {
+    constexpr std::size_t UNITS = scl::SCL_BLOCK_UNITS<Unit>;
+    for (unsigned value = 0; value < 1U << (8 * sizeof(Unit)); ++value) {
+        std::basic_string<Unit> text(UNITS, Unit{'q'});
+        const auto unit = static_cast<Unit>(value);
+        text[value % UNITS] = unit;
+        const scl::Scl_block<Unit> block(text.data());
+        const std::size_t before = value % UNITS;
+        const bool is_between = value >= 'a' && value <= 'z';
+        ASSERT_EQ(block.is_between('a', 'z').leading_lanes(), is_between ? UNITS : before) << value;
+        ASSERT_EQ(block.equals('q').leading_lanes(), value == 'q' ? UNITS : before) << value;
+    }
+}
+
+TEST(Block, ComparesLaneByLane) {
+    expect_comparisons<char>();
+    expect_comparisons<char16_t>();
+}
+
+TEST(Ascii, IsLoweredAndToldFromOtherBytesWithoutALookBehindTheText) {
+    for (std::size_t size = 0; size < 40; ++size) {
+        std::string text(size + scl::SCL_BLOCK_BYTES, '\x80');
+        std::string lower(size + scl::SCL_BLOCK_BYTES, '\0');
+        for (std::size_t i = 0; i < size; ++i) {
+            text[i] = static_cast<char>('>' + (i + size) % 64); // from before A to behind z
+        }
+        const scl::Scl_text_span<char> span{text.data(), text.data() + size};
+        EXPECT_TRUE(scl::scl_is_ascii(span)) << size;
+        scl::scl_lower_ascii(span, lower.data());
+        for (std::size_t i = 0; i < size; ++i) {
+            const bool is_capital = text[i] >= 'A' && text[i] <= 'Z';
+            EXPECT_EQ(lower[i], is_capital ? text[i] + 32 : text[i]) << size << ' ' << i;
+            const char kept = std::exchange(text[i], '\x80');
+            EXPECT_FALSE(scl::scl_is_ascii(span)) << size << ' ' << i;
+            text[i] = kept;
+        }
+    }
 }
 
 } // namespace

@@ -37,7 +37,7 @@ inline std::u16string utf16(const std::vector<char32_t>& code_points) {
     std::u16string text;
     for (const char32_t code_point : code_points) {
         char16_t units[2];
-        text.append(units, scl::impl::scl_utf16_put(units, code_point));
+        text.append(units, scl::scl_utf16_put(units, code_point));
     }
     return text;
 }

@@ -28,8 +28,9 @@ Values values_of_bytes(std::string text, char behind) {
 Values values_of_units(std::string_view text) {
     std::u16string wide;
     scl::scl_stow(text, wide);
+    const std::vector<char16_t> exact(wide.begin(), wide.end()); // with nothing behind it
     Values values;
-    (void)txtdfc::txtdfc_token_values(wide, values);
+    (void)txtdfc::txtdfc_token_values({exact.data(), exact.size()}, values);
     return values;
 }
 
@@ -57,7 +58,7 @@ std::string stored(const std::string& value, const tla::Formatter_type_id& type)
     copies.add(value);
     scl::Scl_status status;
     scl::Scl_heap_buffer records;
-    scl::Scl_ostream out(records, status, scl::Scl_eol::none);
+    scl::Scl_ostream out(records);
     processor.process({copies.fields()}, out, status);
     out.detach(status);
     const auto bytes = records.contents();
@@ -102,10 +103,25 @@ TEST(Value_tokens, OfALookupAreThoseOfARecord) {
         const auto bytes = std::as_bytes(std::span(record));
         ASSERT_TRUE(tla::tla_field_holds(bytes, 0, values)) << testing::PrintToString(value);
         ASSERT_EQ(tla::tla_key_hash(values), tla::tla_key_hash(tla::tla_field_values(bytes, 0)));
+        values[random() % values.size()] ^= 1;
+        ASSERT_FALSE(tla::tla_field_holds(bytes, 0, values)) << testing::PrintToString(value);
     }
 }
 
-TEST(Delimiters, AreTheSameInBlocksAndSingly) {
+TEST(Token_values, OfATextEndAtFifteenMillion) {
+    constexpr std::size_t MOST = 15000000;
+    const std::string text(MOST + 1 + scl::SCL_BLOCK_BYTES, '!');
+    std::size_t count = 0;
+    const auto all = [&text, &count] {
+        txtdfc::txtdfc_each_token_value(
+            scl::Scl_text_span<char>{text.data(), text.data() + MOST + 1},
+            [&count](std::uint64_t) { ++count; });
+    };
+    EXPECT_THROW(all(), std::runtime_error);
+    EXPECT_EQ(count, MOST);
+}
+
+TEST(Delimiters, AreThoseThatABytewiseSearchFinds) {
     std::mt19937 random(11); // NOLINT: the same numbers each time
     for (int round = 0; round < 2000; ++round) {
         std::string block(tla::Delimiters::BLOCK, 'a');
@@ -113,9 +129,12 @@ TEST(Delimiters, AreTheSameInBlocksAndSingly) {
             if (random() % 4 == 0) byte = "\t\r\n\xEF\xBB\x80\x7F\v"[random() % 8];
         }
         const tla::Delimiters found = tla::find_delimiters(block.data());
-        const tla::Delimiters singly = tla::find_delimiters_singly(block.data());
-        ASSERT_EQ(found.ends, singly.ends);
-        ASSERT_EQ(found.not_ascii, singly.not_ascii);
+        for (std::size_t i = 0; i < block.size(); ++i) {
+            const bool ends = block[i] == '\t' || block[i] == '\r' || block[i] == '\n';
+            ASSERT_EQ((found.ends >> i & 1U) == 1, ends) << i;
+            ASSERT_EQ((found.not_ascii >> i & 1U) == 1, static_cast<signed char>(block[i]) < 0)
+                << i;
+        }
     }
 }
 

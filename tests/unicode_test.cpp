@@ -40,7 +40,7 @@ char32_t code_point_of(const std::string& text) {
 
 std::u16string units_of(char32_t code_point) {
     char16_t units[2] = {};
-    return {units, scl::impl::scl_utf16_put(units, code_point)};
+    return {units, scl::scl_utf16_put(units, code_point)};
 }
 
 // The text of code points in hexadecimal digits, separated by blanks.
@@ -131,7 +131,7 @@ TEST(Unicode_tables, WordBreaksFollowTheAnnexButForOneBlank) {
     values[0x202F] = "WSegSpace";
     expect_of_all([&](char32_t c) {
         const Break plain = values_by_name.at(values[c]);
-        const auto found = static_cast<Break>(scl::impl::scl_unicode_bits(c) >> 3U);
+        const auto found = static_cast<Break>(scl::scl_unicode_bits(c) >> 3U);
         if (pictographic[c].empty()) return found == plain;
         return found ==
                (plain == Break::aletter ? Break::aletter_pictographic : Break::pictographic);
@@ -198,9 +198,9 @@ TEST(Normalization, WorksBesideLoneSurrogatesAndInPlace) {
     const std::u16string lone_normal = {0xE9, 0xD800, 0xE9, 0xDC00};
     EXPECT_EQ(nfc(lone), lone_normal);
     std::u16string own = u"--e\u0301--";
-    scl::impl::scl_normalize(std::u16string_view(own).substr(2), own);
+    scl::scl_normalize(std::u16string_view(own).substr(2), own);
     EXPECT_EQ(own, u"\u00E9--");
-    scl::impl::scl_normalize(std::u16string_view(own).substr(1), own);
+    scl::scl_normalize(std::u16string_view(own).substr(1), own);
     EXPECT_EQ(own, u"--");
 }
 

@@ -32,7 +32,7 @@ private:
 
     [[nodiscard]] Wb wb(std::size_t at) const {
         if (at >= text_.size()) return Wb::other;
-        return static_cast<Wb>(scl::impl::scl_unicode_bits(text_[at]) >> 3U);
+        return static_cast<Wb>(scl::scl_unicode_bits(text_[at]) >> 3U);
     }
     static bool ends_line(Wb p) { return p == Wb::cr || p == Wb::lf || p == Wb::newline; }
     static bool pictographic(Wb p) {

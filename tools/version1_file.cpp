@@ -5,7 +5,7 @@
 #include "scl/io/scl_endian.hpp"
 #include "scl/text/scl_string.hpp"
 #include "tla/format/data_set_layout.hpp"
-#include "tla/sort/pair_cells.hpp"
+#include "tla/sort/pair_pages.hpp"
 
 #include <algorithm>
 #include <span>

@@ -37,21 +37,11 @@ std::string counted(std::uint64_t count, std::string_view noun) {
     return std::to_string(count) + ' ' + std::string(noun) + (count == 1 ? "" : "s");
 }
 
-// Control characters, and bytes that were no UTF-8, as \xNN: nothing that is shown steers a
-// terminal.
+// So that nothing that is shown steers a terminal.
 std::string shown(std::u16string_view text) {
-    constexpr std::string_view DIGITS = "0123456789ABCDEF";
-    std::string result;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t from = at;
-        const char32_t c = scl::impl::scl_utf16_next(text, at);
-        if (c < 0x20 || (c >= 0x7F && c < 0xA0) || scl::impl::scl_is_surrogate(c)) {
-            result += {'\\', 'x', DIGITS[c >> 4U & 0xFU], DIGITS[c & 0xFU]};
-        } else {
-            scl::scl_wtos(text.substr(from, at - from), result, false);
-        }
-    }
-    return result;
+    std::string narrow;
+    scl::scl_wtos(scl::scl_shown(text), narrow, true);
+    return narrow;
 }
 
 // By the steps that a record's field goes through when a file is built.

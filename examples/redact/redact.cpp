@@ -41,7 +41,7 @@ std::size_t hidden_length(std::u16string_view number) {
     std::vector<std::size_t> before_digit;
     std::size_t visible = 0;
     for (std::size_t at = 0; at < number.size();) {
-        const Class type = scl::scl_code_point_type(scl::impl::scl_utf16_next(number, at));
+        const Class type = scl::scl_code_point_type(scl::scl_utf16_next(number, at));
         if (type == Class::number) before_digit.push_back(visible);
         if (type != Class::attached) ++visible;
     }

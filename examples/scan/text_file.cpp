@@ -39,16 +39,12 @@ std::string read_bytes(const std::string& name) {
     return bytes;
 }
 
-bool is_control(char32_t c) {
-    return c < 0x20 || (c >= 0x7F && c < 0xA0);
-}
-
 // Bytes that are no UTF-8 have become lone surrogates.
 std::size_t line_of_stray_byte(std::u16string_view text) {
     std::size_t line = 1;
     for (std::size_t at = 0; at < text.size();) {
-        const char32_t c = scl::impl::scl_utf16_next(text, at);
-        if (scl::impl::scl_is_surrogate(c)) break;
+        const char32_t c = scl::scl_utf16_next(text, at);
+        if (scl::scl_is_surrogate(c)) break;
         line += static_cast<std::size_t>(c == U'\n');
     }
     return line;
@@ -60,18 +56,9 @@ File_fault::File_fault(std::string_view name, std::string_view what)
     : std::runtime_error(shown(name) + ": " + std::string(what)) {}
 
 std::string shown(std::u16string_view text) {
-    constexpr std::string_view DIGITS = "0123456789ABCDEF";
-    std::string result;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t from = at;
-        const char32_t c = scl::impl::scl_utf16_next(text, at);
-        if (is_control(c) || scl::impl::scl_is_surrogate(c)) {
-            result += {'\\', 'x', DIGITS[c >> 4U & 0xFU], DIGITS[c & 0xFU]};
-        } else {
-            scl::scl_wtos(text.substr(from, at - from), result, false);
-        }
-    }
-    return result;
+    std::string narrow;
+    scl::scl_wtos(scl::scl_shown(text), narrow, true);
+    return narrow;
 }
 
 std::string shown(std::string_view bytes) {

@@ -19,7 +19,7 @@ constexpr char16_t BLANK = u' ';
 
 bool is_digits(std::u16string_view token) {
     for (std::size_t at = 0; at < token.size();) {
-        if (!scl::scl_is_decimal_digit(scl::impl::scl_utf16_next(token, at))) return false;
+        if (!scl::scl_is_decimal_digit(scl::scl_utf16_next(token, at))) return false;
     }
     return true;
 }

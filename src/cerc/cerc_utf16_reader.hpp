@@ -51,7 +51,7 @@ public:
     [[nodiscard]] char32_t read() {
         if (!has_unit()) return stream_ ? read_beyond_window() : END_OF_DATA;
         const char16_t unit = take_unit();
-        return scl::impl::scl_is_lead(unit) ? join_with_trail(unit) : unit;
+        return scl::scl_is_lead(unit) ? join_with_trail(unit) : unit;
     }
 
     // Of the next character.
@@ -61,8 +61,7 @@ public:
     // To a position where a character starts. One beyond the end sets SCL_STATUS_END_OF_DATA and
     // changes nothing.
     void seek(std::uint64_t offset, scl::Scl_status& status) {
-        // Below zero for an offset past the window, and then, unsigned, more than any window holds:
-        // one comparison tells both sides.
+        // One comparison for both sides: an offset past the window's end wraps to a huge number.
         const std::uint64_t back = end_offset_ - offset;
         if (back <= static_cast<std::uint64_t>(end_ - begin_)) {
             at_ = end_ - back;

@@ -24,8 +24,8 @@ Wide_arguments decode_arguments(std::span<char*> arguments) {
     return wide;
 }
 
-// Through UTF-16 and back, as on systems whose arguments are UTF-16: one path for all. Bytes that
-// are no UTF-8 come out as they went in.
+// Arguments become UTF-16 and UTF-8 again, so that there is one path also for systems that pass
+// UTF-16. Bytes that are no UTF-8 come out unchanged.
 int run_driver(const Wide_arguments& wide) {
     std::vector<std::string> narrow(wide.size());
     std::vector<const char*> pointers;
@@ -39,8 +39,7 @@ int run_driver(const Wide_arguments& wide) {
     return driver.run(count, pointers.data());
 }
 
-// By now everything is unwound: the scratch file and the output are gone, and what memory they took
-// is free again.
+// Everything is unwound by now: the scratch file and the output are removed, their memory is free.
 int report_exception(const char* message) {
     std::fprintf(stderr, "%s\n", message);
     return driver::EXIT_FAULT;

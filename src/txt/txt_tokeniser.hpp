@@ -62,7 +62,7 @@ private:
 
 inline void Txt_tokeniser::process(char32_t character, Txt_text_store& text, std::uint32_t& type,
                                    Txt_parse_operation& operation) {
-    const std::uint8_t bits = scl::impl::scl_unicode_bits(character);
+    const std::uint8_t bits = scl::scl_unicode_bits(character);
     const auto character_class = static_cast<Class>(bits & 7U);
     const impl::Word_action action = state_.take(bits);
     if (action == impl::Word_action::join) {

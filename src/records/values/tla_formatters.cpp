@@ -1,6 +1,7 @@
 #include "records/values/tla_formatters.hpp"
 
 #include "scl/status/scl_status.hpp"
+#include "scl/text/scl_block.hpp"
 #include "scl/text/scl_case.hpp"
 #include "scl/text/scl_normalize.hpp"
 
@@ -8,7 +9,6 @@
 #include <array>
 #include <bit>
 #include <cstdint>
-#include <cstring>
 
 namespace tla {
 
@@ -22,26 +22,16 @@ bool is_separator(Unit unit) {
     return unit == '-' || unit == ' ';
 }
 
-// The separators of a block, a bit for each byte.
-std::uint32_t find_separators(const char* block) {
-    std::uint32_t found = 0;
-#if SCL_WITH_SSE2
-    const __m128i bytes = _mm_loadu_si128(reinterpret_cast<const __m128i*>(block));
-    const __m128i hits = _mm_or_si128(_mm_cmpeq_epi8(bytes, _mm_set1_epi8('-')),
-                                      _mm_cmpeq_epi8(bytes, _mm_set1_epi8(' ')));
-    found = static_cast<std::uint32_t>(_mm_movemask_epi8(hits));
-#else
-    for (std::size_t i = 0; i < scl::SCL_BLOCK_BYTES; ++i) {
-        found |= static_cast<std::uint32_t>(is_separator(block[i])) << i;
-    }
-#endif
-    return found;
+// The separators among the bytes of a block, a bit for each.
+std::uint32_t find_separators(const char* from) {
+    const scl::Scl_block block(from);
+    return (block.equals('-') | block.equals(' ')).top_bits();
 }
 
 // Copies a stretch in whole blocks; what comes behind it is written over next.
 char* copy_stretch(const char* from, const char* end, char* to) {
     for (const char* at = from; at < end; at += scl::SCL_BLOCK_BYTES) {
-        std::memcpy(to + (at - from), at, scl::SCL_BLOCK_BYTES);
+        scl::Scl_block(at).store(to + (at - from));
     }
     return to + (end - from);
 }

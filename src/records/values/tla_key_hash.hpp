@@ -1,5 +1,7 @@
 #pragma once
 
+#include "scl/crc/scl_crc64.hpp"
+
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -10,7 +12,10 @@ namespace tla {
 // values, big-endian and without their count. A field without values has the key hash 0. A build
 // has the values as bytes of a record, a lookup has them as numbers; both give the same hash.
 // Tested by Value_tokens.OfALookupAreThoseOfARecord.
-[[nodiscard]] std::uint64_t tla_key_hash(std::span<const std::byte> values_in_record);
+[[nodiscard]] inline std::uint64_t tla_key_hash(std::span<const std::byte> values_in_record) {
+    return scl::Scl_crc64::calculate(values_in_record.data(), values_in_record.size(),
+                                     scl::Scl_crc64::INITIAL);
+}
 [[nodiscard]] std::uint64_t tla_key_hash(std::span<const std::uint64_t> values);
 
 } // namespace tla

@@ -32,8 +32,9 @@ private:
     // Longer than nearly every field, so that one allocation serves a whole file.
     static constexpr std::size_t FIRST_UNITS = 1024;
 
-    // Frees the old memory first: one text may take nearly all that there is.
-    void grow(std::size_t needed) {
+    // Frees the old memory first: one text may take nearly all that there is. Not inlined: it runs
+    // a few times a file, room() once a field.
+    [[gnu::noinline]] void grow(std::size_t needed) {
         capacity_ = 0;
         units_.reset();
         units_ = std::make_unique<Unit[]>(std::max(needed, FIRST_UNITS));

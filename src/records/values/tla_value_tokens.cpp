@@ -1,6 +1,7 @@
 #include "records/values/tla_value_tokens.hpp"
 
 #include "records/values/tla_status_codes.hpp"
+#include "txtdfc/txtdfc_token_values.hpp"
 
 namespace tla {
 
@@ -12,7 +13,7 @@ constexpr std::size_t KEPT_UNITS = 512;
 // False when there is no text: nothing, or a byte order mark alone.
 template <typename Unit>
 bool add_values(scl::Scl_text_span<Unit> formatted, std::vector<std::uint64_t>& values) {
-    tla_each_token_value(formatted, [&values](std::uint64_t value) { values.push_back(value); });
+    txtdfc::txtdfc_each_token_value(formatted, [&values](auto value) { values.push_back(value); });
     return !txtdfc::txtdfc_without_mark(formatted).empty();
 }
 

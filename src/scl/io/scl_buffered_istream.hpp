@@ -13,12 +13,18 @@ namespace scl {
 class Scl_buffered_istream final : public Scl_istream {
 public:
     Scl_buffered_istream() = default;
+    // Attaches to the buffer, at the data's front. read_char() is not for this stream: it would
+    // have nowhere to report.
+    explicit Scl_buffered_istream(const Scl_buffer& buffer) { attach(buffer); }
+    // `status` must outlive the attachment: read_char(), which is given none, reports there.
+    Scl_buffered_istream(const Scl_buffer& buffer, Scl_status& status) {
+        init(buffer, false, status, Scl_eol::none);
+    }
+    // With all that can be said of an attachment: `at_end` is false, and both modes of line ends
+    // hand the bytes through unchanged.
     Scl_buffered_istream(const Scl_buffer& buffer, bool at_end, Scl_status& status, Scl_eol eol) {
         init(buffer, at_end, status, eol);
     }
-
-    // Attaches to the buffer, at the data's front: the second argument is false. `status` must
-    // outlive the attachment: it is where read_char(), which is given none, reports.
     void init(const Scl_buffer& buffer, bool at_end, Scl_status& status, Scl_eol eol);
 
     // The next byte; 0 when there is none, with SCL_STATUS_END_OF_DATA or SCL_STATUS_READ_FAILED.
@@ -45,15 +51,16 @@ public:
         (void)take(count);
     }
 
-    // Lets each refill read this many bytes, or what is asked for when that is more: little for
-    // random access. WINDOW_BYTES at most, and at first.
+    // Limits what a refill reads to so many bytes, or to what is asked for if that is more. For
+    // random access, where the rest of a large window would never be used. At most WINDOW_BYTES,
+    // which is also the limit at first.
     void limit_read_ahead(std::size_t bytes) {
         assert(bytes <= WINDOW_BYTES);
         read_ahead_ = bytes;
     }
 
-    // Large enough that a call's cost does not show, small enough to stay in the inner caches while
-    // it is worked through.
+    // Large enough that the cost of a system call does not show, small enough to stay in the
+    // second-level cache until it is used up.
     static constexpr std::size_t WINDOW_BYTES = std::size_t{64} << 10;
 
 protected:
@@ -63,7 +70,8 @@ private:
     void refill(std::size_t wanted, Scl_status& status);
     [[nodiscard]] unsigned char read_char_beyond_window();
 
-    std::unique_ptr<std::byte[]> storage_; // WINDOW_BYTES, taken when first needed: never in memory
+    std::unique_ptr<std::byte[]>
+        storage_; // WINDOW_BYTES, allocated at the first refill; not for contents in memory
     std::size_t read_ahead_ = WINDOW_BYTES;
     Scl_status* status_ = nullptr;
 };

@@ -10,9 +10,6 @@
 
 namespace scl {
 
-static_assert(std::endian::native == std::endian::little,
-              "16-bit text units are hashed as they lie in memory, which must be little-endian");
-
 // Integers in files, in one of the two byte orders. Through arrays of bytes, as what lies in a file
 // or a window need not be aligned; compilers make one instruction of each of these.
 
@@ -26,26 +23,32 @@ template <std::integral T>
     return std::bit_cast<T>(raw);
 }
 
+// A number whose bytes in memory are the value's, little-endian; and the other way round.
 template <std::integral T>
-[[nodiscard]] T scl_load_le(const std::byte* from) {
-    Scl_raw<T> raw;
-    std::copy_n(from, raw.size(), raw.begin());
-    return std::bit_cast<T>(raw);
+[[nodiscard]] constexpr T scl_little_endian(T value) {
+    return std::endian::native == std::endian::big ? scl_byte_swapped(value) : value;
 }
 
 template <std::integral T>
-[[nodiscard]] T scl_load_be(const std::byte* from) {
+[[nodiscard]] inline T scl_load_le(const std::byte* from) {
+    Scl_raw<T> raw;
+    std::copy_n(from, raw.size(), raw.begin());
+    return scl_little_endian(std::bit_cast<T>(raw));
+}
+
+template <std::integral T>
+[[nodiscard]] inline T scl_load_be(const std::byte* from) {
     return scl_byte_swapped(scl_load_le<T>(from));
 }
 
 template <std::integral T>
-void scl_store_le(std::byte* to, T value) {
-    const auto raw = std::bit_cast<Scl_raw<T>>(value);
+inline void scl_store_le(std::byte* to, T value) {
+    const auto raw = std::bit_cast<Scl_raw<T>>(scl_little_endian(value));
     std::copy_n(raw.begin(), raw.size(), to);
 }
 
 template <std::integral T>
-void scl_store_be(std::byte* to, T value) {
+inline void scl_store_be(std::byte* to, T value) {
     scl_store_le(to, scl_byte_swapped(value));
 }
 

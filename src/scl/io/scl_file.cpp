@@ -15,7 +15,7 @@ namespace {
 
 constexpr int FIRST_FILE_DESCRIPTOR = 3; // those below belong to the three standard streams
 
-// Not to be inherited: a program started from this one has no business with these files.
+// O_CLOEXEC: a program started from this one must not inherit the file.
 int open_retrying(const std::string& name, int flags) {
     int descriptor = -1;
     do {
@@ -24,8 +24,8 @@ int open_retrying(const std::string& name, int flags) {
     return descriptor;
 }
 
-// With a standard stream closed the system hands out its number: console output would then go into
-// the file. Moves such a descriptor out of the way; -1 with errno set when that fails.
+// If a standard stream is closed, open() returns its number, and console output would go into the
+// file. Moves such a descriptor to a higher number; -1 with errno set when that fails.
 int keep_off_standard_streams(int descriptor) {
     if (descriptor < 0 || descriptor >= FIRST_FILE_DESCRIPTOR) return descriptor;
     const int moved = ::fcntl(descriptor, F_DUPFD_CLOEXEC, FIRST_FILE_DESCRIPTOR);
@@ -35,14 +35,13 @@ int keep_off_standard_streams(int descriptor) {
     return moved;
 }
 
-// The system counts in signed numbers, and what it does beyond them is not defined.
+// The system's offsets are signed; a larger one would turn negative.
 bool fits_offset(std::uint64_t offset, std::size_t count) {
     constexpr auto LIMIT = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
     return offset <= LIMIT && count <= LIMIT - offset;
 }
 
-// The system has a number for a folder that is opened as a file; for pipes and devices it has none,
-// and EINVAL is as near as any.
+// A folder is EISDIR. For pipes and devices there is no error number of their own: EINVAL.
 int refusal(const struct stat& facts) {
     if (S_ISREG(facts.st_mode)) return 0;
     return S_ISDIR(facts.st_mode) ? EISDIR : EINVAL;
@@ -59,21 +58,22 @@ Scl_file::~Scl_file() {
 }
 
 int Scl_file::open_existing(const std::string& name) {
-    // O_NONBLOCK: a pipe without a writer must be refused, not waited for.
+    // O_NONBLOCK: opening a pipe without a writer would wait for one. adopt() refuses it instead.
     return adopt(open_retrying(name, O_RDONLY | O_NONBLOCK | O_NOCTTY));
 }
 
 int Scl_file::create_new(const std::string& name) {
-    // O_EXCL follows no link: nobody who can write to the folder can have us write elsewhere.
+    // O_EXCL follows no link. Otherwise somebody who may write to the folder could put a link there
+    // and make this process write to another file.
     const int descriptor = open_retrying(name, O_RDWR | O_CREAT | O_EXCL);
     if (descriptor < 0) return errno;
     const int error = adopt(descriptor);
-    if (error != 0) (void)scl_remove_file(name); // created, but nobody can use it
+    if (error != 0) (void)scl_remove_file(name); // created but not usable: leave nothing behind
     return error;
 }
 
-// Takes over a descriptor that was just opened, or closes it. The facts are asked of the
-// descriptor, as the name may lead elsewhere by now.
+// Takes over a descriptor that was just opened, or closes it. fstat() and not stat(): by now the
+// name may lead to another file.
 int Scl_file::adopt(int descriptor) {
     descriptor = keep_off_standard_streams(descriptor);
     if (descriptor < 0) return errno;
@@ -119,7 +119,7 @@ int Scl_file::write_at(std::uint64_t offset, std::span<const std::byte> bytes) c
             bytes = bytes.subspan(static_cast<std::size_t>(count));
             offset += static_cast<std::uint64_t>(count);
         } else if (count == 0) {
-            return ENOSPC; // no progress and no reason given: to go on could last for ever
+            return ENOSPC; // no progress and no error: going on could loop forever
         } else if (errno != EINTR) {
             return errno;
         }
@@ -127,11 +127,33 @@ int Scl_file::write_at(std::uint64_t offset, std::span<const std::byte> bytes) c
     return 0;
 }
 
+int Scl_file::truncate(std::uint64_t size) const {
+    int result = 0;
+    do {
+        result = ::ftruncate(descriptor_, static_cast<off_t>(size));
+    } while (result != 0 && errno == EINTR);
+    return result == 0 ? 0 : errno;
+}
+
+// Not posix_fallocate(): where the file system cannot reserve, it writes zeros.
+bool Scl_file::reserve(std::uint64_t offset, std::uint64_t count) const {
+#if defined(FALLOC_FL_KEEP_SIZE) // Linux alone has it
+    if (!fits_offset(offset, count)) return false;
+    return ::fallocate(descriptor_, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(offset),
+                       static_cast<off_t>(count)) == 0;
+#else
+    (void)offset;
+    (void)count;
+    return false;
+#endif
+}
+
 int Scl_file::close() {
     if (!is_open()) return 0;
     const int descriptor = descriptor_;
     descriptor_ = -1;
-    // The descriptor is gone whatever close answers, an interruption included: never call it twice.
+    // Linux releases the descriptor whatever close() returns, EINTR included. Calling it again
+    // could close a file that was opened meanwhile.
     return ::close(descriptor) == 0 || errno == EINTR ? 0 : errno;
 }
 

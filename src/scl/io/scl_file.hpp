@@ -7,19 +7,19 @@
 
 namespace scl {
 
-// The operating system as far as files go; no other source file calls it for them. Results are
-// error numbers as the system gives them (errno), 0 for success: it takes a file's name to make a
-// status of one, and only a caller has that. Names are bytes as the system takes them.
+// Files, as the operating system offers them; no other source file calls it for them. Results are
+// the system's error numbers (errno), 0 for success. Callers make a status of them, which needs the
+// file's name. Names are bytes, as the system takes them.
 
-// What makes a directory entry the same file as another: links to one file are equal.
+// Two directory entries with equal identities are the same file (hard links).
 struct Scl_file_identity {
     std::uint64_t device = 0;
     std::uint64_t node = 0;
     [[nodiscard]] bool operator==(const Scl_file_identity&) const = default;
 };
 
-// An open regular file; closed when destroyed, but then nobody is told of an error: who has written
-// calls close().
+// An open regular file. The destructor closes it but cannot report an error: call close() after
+// writing.
 class Scl_file {
 public:
     Scl_file() = default;
@@ -27,24 +27,30 @@ public:
     Scl_file& operator=(const Scl_file&) = delete;
     ~Scl_file();
 
-    // Opens an existing file for reading. EISDIR and EINVAL mean one that is not regular: its size
-    // would say nothing of what it holds.
+    // Opens an existing file for reading. EISDIR and EINVAL: it is not regular. The size of a pipe
+    // or a device says nothing of its content.
     [[nodiscard]] int open_existing(const std::string& name);
-    // Creates a file that nobody else has, to read and write; EEXIST when the entry exists, also as
-    // a link that leads nowhere. Its mode is 0600, as what is made of sensitive data is sensitive.
+    // Creates a file for reading and writing; EEXIST when the entry exists, even as a link that
+    // leads nowhere. The mode is 0600: what is made of customer data is for its owner only.
     [[nodiscard]] int create_new(const std::string& name);
 
-    // Tells the system whether reads will run front to back or at random, for it to read ahead.
+    // Tells the system whether reads will be sequential or random, so that it reads ahead or not.
     void advise(bool at_random) const;
 
-    // Reads until `bytes` is full or the file ends; interrupted and short reads are continued. How
-    // many bytes there were is in `done`, also after an error.
+    // Reads until `bytes` is full or the file ends, going on after interrupted and short reads.
+    // `done` is how many bytes were read, also after an error.
     [[nodiscard]] int read_at(std::uint64_t offset, std::span<std::byte> bytes,
                               std::size_t& done) const;
     // Writes everything or fails.
     [[nodiscard]] int write_at(std::uint64_t offset, std::span<const std::byte> bytes) const;
 
-    // Tells of a write that failed only after it was reported done. 0 when not open.
+    // Cuts the file to `size` bytes. Room that was reserved behind them is given back.
+    [[nodiscard]] int truncate(std::uint64_t size) const;
+    // Takes disk room for `count` bytes from `offset` on; the file's size stays. Not every system
+    // can, and room may be short: nothing but speed depends on it.
+    [[nodiscard]] bool reserve(std::uint64_t offset, std::uint64_t count) const;
+
+    // An error here means that an earlier write, reported as done, was lost. 0 when not open.
     [[nodiscard]] int close();
 
     [[nodiscard]] bool is_open() const { return descriptor_ >= 0; }
@@ -63,16 +69,17 @@ private:
 // Removes a directory entry that is no directory; ENOENT when there is none.
 [[nodiscard]] int scl_remove_file(const std::string& name);
 
-// What the name leads to, links followed; with `follow` false what the entry itself is.
+// The identity of the file that the name leads to; with `follow` false, that of the entry itself,
+// even if it is a symbolic link.
 [[nodiscard]] int scl_identify_file(const std::string& name, bool follow,
                                     Scl_file_identity& identity);
 
 // The system's text for an error number.
 [[nodiscard]] std::string scl_system_reason(int error);
 
-// Asks for large pages behind memory that is about to be filled from all sides, where the system
-// would otherwise take a fault for each 4 KiB. Advice: whether it is taken makes no difference but
-// in time. Whole large pages count, so the memory should be aligned to SCL_LARGE_PAGE.
+// Advises the system to back memory by pages of 2 MiB. Memory that is filled in random order then
+// takes one page fault for each 2 MiB instead of each 4 KiB. Only whole large pages count, so align
+// the memory to SCL_LARGE_PAGE. The system may ignore it; only time depends on it.
 inline constexpr std::size_t SCL_LARGE_PAGE = std::size_t{2} << 20;
 void scl_prefer_large_pages(std::span<std::byte> memory);
 

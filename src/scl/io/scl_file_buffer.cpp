@@ -9,11 +9,13 @@ namespace scl {
 
 namespace {
 
-// Another run may put its own scratch file between our removal and our creation.
+// Another run in the same folder may create its scratch file between our removal and our creation,
+// so both are tried again. Each try loses to one other run at most; after 100 something else is
+// wrong, such as a program that keeps creating the name, and the run should fail instead of hang.
 constexpr int SCRATCH_ATTEMPTS = 100;
 
-// An output that exists already and a folder taken for a file are mistakes of their own, with
-// advice of their own; all else is told by the system's reason.
+// An existing output, and a folder named in place of a file, have codes of their own, since their
+// messages say what to do. For anything else the system's reason says enough.
 Scl_status_code open_failure_code(Scl_file_open mode, int error) {
     if (mode == Scl_file_open::existing) {
         const bool irregular = error == EISDIR || error == EINVAL;
@@ -37,7 +39,7 @@ Scl_file_buffer::~Scl_file_buffer() {
 void Scl_file_buffer::open(std::u16string_view path, Scl_file_open mode, Scl_file_access access,
                            unsigned flags, unsigned pattern, Scl_status& status) {
     close(status);
-    if (status.has_failed()) return; // what was lost of another file must not be forgotten
+    if (status.has_failed()) return; // the other file's failure must stay on top
     scl_wtos(path, name_, true);
     const bool creates = mode == Scl_file_open::create;
     writable_ = creates && access == Scl_file_access::read_write;
@@ -50,11 +52,13 @@ void Scl_file_buffer::open(std::u16string_view path, Scl_file_open mode, Scl_fil
         return;
     }
     size_ = file_.opened_size();
+    reserved_end_ = 0;
+    can_reserve_ = true;
     file_.advise(pattern == SCL_FILE_AT_RANDOM);
 }
 
-// Removes and creates, never truncates: what has the name may be a link to something precious, or
-// still be in use by another run.
+// Removes and creates, never truncates: the name may be a link to a file that matters, or another
+// run may still use the file.
 int Scl_file_buffer::create_scratch() {
     int error = 0;
     for (int attempt = 0; attempt < SCRATCH_ATTEMPTS; ++attempt) {
@@ -79,7 +83,8 @@ void Scl_file_buffer::discard() noexcept {
 // Returns the system's number for a failure. Telling of it takes memory, which may be what ran out.
 int Scl_file_buffer::end() noexcept {
     if (!file_.is_open()) return 0;
-    if (scratch_) remove_scratch(); // while it is open, so that its identity is nobody else's
+    if (scratch_) remove_scratch(); // while it is open: afterwards its node number may be reused
+    (void)release_reserve();
     size_ = 0;
     return file_.close();
 }
@@ -88,7 +93,7 @@ int Scl_file_buffer::end() noexcept {
 void Scl_file_buffer::remove_scratch() const {
     Scl_file_identity found;
     if (scl_identify_file(name_, false, found) != 0 || !(found == file_.identity())) return;
-    // What stays behind is replaced by the next run.
+    // A failure does no harm: the next run replaces the file.
     (void)scl_remove_file(name_);
 }
 
@@ -103,13 +108,13 @@ std::size_t Scl_file_buffer::read_at(std::uint64_t offset, std::span<std::byte> 
         return 0;
     }
     std::size_t done = 0;
-    // Never beyond the known size, so that whatever is missing is missing from the file.
+    // Never beyond the known size: a read that comes back short then means a shortened file.
     const std::size_t wanted = std::min<std::uint64_t>(bytes.size(), size_ - offset);
     const int error = file_.read_at(offset, bytes.first(wanted), done);
     if (error != 0) {
         report(SCL_STATUS_READ_FAILED, scl_system_reason(error), status);
     } else if (done < wanted) {
-        // Taken for the end, it would make a whole-looking result of half the data.
+        // Reported as the end of the data, half a file would pass for a whole one.
         report(SCL_STATUS_READ_FAILED, "the file became shorter", status);
     }
     return done;
@@ -122,13 +127,43 @@ void Scl_file_buffer::write_at(std::uint64_t offset, std::span<const std::byte> 
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
         return;
     }
-    const int error = file_.write_at(offset, bytes);
-    // The size stays then: what was written of them in part is nothing to read.
+    reserve_up_to(offset + bytes.size());
+    int error = file_.write_at(offset, bytes);
+    // Where the disk is full, the reserved room may be just what is missing.
+    if (error != 0 && release_reserve()) error = file_.write_at(offset, bytes);
+    // The size stays: part of the bytes may be written, but nobody should read them.
     if (error != 0) {
         report(SCL_STATUS_WRITE_FAILED, scl_system_reason(error), status);
         return;
     }
     size_ = std::max<std::uint64_t>(size_, offset + bytes.size());
+}
+
+void Scl_file_buffer::truncate(std::uint64_t size, Scl_status& status) {
+    if (!is_open() || !writable_ || size > size_) {
+        status.push(SCL_STATUS_OUT_OF_BOUNDS);
+        return;
+    }
+    if (size == size_ && reserved_end_ <= size_) return;
+    const int error = file_.truncate(size);
+    if (error != 0) return report(SCL_STATUS_WRITE_FAILED, scl_system_reason(error), status);
+    size_ = size;
+    reserved_end_ = 0;
+}
+
+// A refusal is final: a full disk must not be asked again with each write.
+void Scl_file_buffer::reserve_up_to(std::uint64_t end) {
+    if (end < RESERVE_STEP || end <= reserved_end_ || !can_reserve_) return;
+    can_reserve_ = file_.reserve(size_, end - size_ + RESERVE_STEP);
+    if (can_reserve_) reserved_end_ = end + RESERVE_STEP;
+}
+
+// Gives back what lies behind the file's end. False when there was nothing to give back.
+bool Scl_file_buffer::release_reserve() {
+    if (reserved_end_ <= size_) return false;
+    reserved_end_ = 0;
+    can_reserve_ = false;
+    return file_.truncate(size_) == 0;
 }
 
 void Scl_file_buffer::report(Scl_status_code code, const std::string& reason,

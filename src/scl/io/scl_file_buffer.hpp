@@ -13,18 +13,19 @@ enum class Scl_file_access : unsigned { read = 0, read_write = 2 };
 
 // Flags of an opening.
 inline constexpr unsigned SCL_FILE_PLAIN = 0;
-// Replaces whatever entry of that name stands there (not a directory), and is removed again when
-// it is closed or destroyed.
+// A scratch file: replaces any entry of that name but a directory, and is removed when the buffer
+// is closed or destroyed.
 inline constexpr unsigned SCL_FILE_SCRATCH = 16;
 
 // How an opened file will be read; a hint to the system.
 inline constexpr unsigned SCL_FILE_FRONT_TO_BACK = 0;
 inline constexpr unsigned SCL_FILE_AT_RANDOM = 1;
 
-// A regular file on disk. Its size is taken when it is opened and then follows this buffer's own
-// writes. Failures carry the file's name and the system's reason ("out: No space left on device").
-// Reading and writing leave the codes that Scl_buffer names; SCL_STATUS_READ_FAILED also when the
-// file turns out shorter than it was when opened, and SCL_STATUS_OUT_OF_BOUNDS when it is not open.
+// A regular file on disk. Its size is taken when it is opened; after that only this buffer's own
+// writes change it. Failures carry the file's name and the system's reason ("out: No space left on
+// device"). Reading and writing leave the codes that Scl_buffer names; SCL_STATUS_READ_FAILED also
+// when the file turns out shorter than it was when opened, and SCL_STATUS_OUT_OF_BOUNDS when it is
+// not open.
 class Scl_file_buffer final : public Scl_buffer {
 public:
     Scl_file_buffer() = default;
@@ -52,8 +53,17 @@ public:
                         Scl_status& status) const override;
     void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
                   Scl_status& status) override;
+    // Gives back, too, what disk room was reserved behind the file's end.
+    void truncate(std::uint64_t size, Scl_status& status) override;
 
 private:
+    // Disk room is reserved in steps of this size, ahead of what is written: the system then finds
+    // room once a step and not once a page, which saves a fifth of the time of writing. 16 MiB are
+    // no faster. A file that stays smaller reserves nothing.
+    static constexpr std::uint64_t RESERVE_STEP = std::uint64_t{4} << 20;
+
+    void reserve_up_to(std::uint64_t end);
+    [[nodiscard]] bool release_reserve();
     [[nodiscard]] int create_scratch();
     [[nodiscard]] int end() noexcept;
     void remove_scratch() const;
@@ -62,6 +72,8 @@ private:
     Scl_file file_;
     std::string name_;
     std::uint64_t size_ = 0;
+    std::uint64_t reserved_end_ = 0; // 0 when no room is reserved
+    bool can_reserve_ = true;
     bool writable_ = false;
     bool scratch_ = false;
 };

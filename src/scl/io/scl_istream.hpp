@@ -52,7 +52,12 @@ public:
 protected:
     Scl_istream() = default;
 
+    // The status is for the buffer's size(), which leaves no code in any kind of buffer here.
     void attach(const Scl_buffer& buffer, Scl_status& status);
+    void attach(const Scl_buffer& buffer) {
+        Scl_status never_set;
+        attach(buffer, never_set);
+    }
     [[nodiscard]] const Scl_buffer* buffer() const { return buffer_; }
     [[nodiscard]] std::size_t at_hand() const {
         return static_cast<std::size_t>(window_end_ - window_at_);
@@ -86,7 +91,8 @@ private:
         return read(N, raw.data(), status) == N;
     }
 
-    // Three places in the window, and the offset of its last: reading moves one pointer only.
+    // The window, and the position in it. Reading moves window_at_ only: the position follows from
+    // it and the offset of the window's end.
     const std::byte* window_begin_ = nullptr;
     const std::byte* window_at_ = nullptr;
     const std::byte* window_end_ = nullptr;
@@ -98,7 +104,10 @@ private:
 // Every read goes straight to the buffer; for few, large reads at chosen offsets.
 class Scl_unbuffered_istream final : public Scl_istream {
 public:
-    // The second argument is false: reading starts at the data's front.
+    // Attaches to the buffer, at the data's front.
+    explicit Scl_unbuffered_istream(const Scl_buffer& buffer) { attach(buffer); }
+    // With all that can be said of an attachment: `at_end` is false, and both modes of line ends
+    // hand the bytes through unchanged.
     Scl_unbuffered_istream(const Scl_buffer& buffer, bool /*at_end*/, Scl_status& status,
                            Scl_eol /*eol*/) {
         attach(buffer, status);

@@ -13,16 +13,16 @@ namespace {
 constexpr std::string_view HEX_DIGITS = "0123456789ABCDEF";
 constexpr std::string_view ARGUMENT_PLACE = "%1";
 
-std::string hex(std::uint32_t value, int digits) {
+std::string hex(std::uint32_t code) {
     std::string text;
-    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) {
-        text += HEX_DIGITS[(value >> shift) & 0xF];
+    for (int shift = 28; shift >= 0; shift -= 4) {
+        text += HEX_DIGITS[(code >> shift) & 0xF];
     }
     return text;
 }
 
-// The rest of the line that begins with the code; empty when no file has one. A search of the whole
-// text, as there are few messages and fewer look-ups.
+// The message of a code: the rest of the line that starts with it; empty if no file has one. A
+// linear search does: there are about thirty messages, and a run looks up a few.
 std::string_view find_message(std::string_view code) {
     for (const impl::Message_file& file : impl::MESSAGE_FILES) {
         std::string_view rest = file.text;
@@ -35,39 +35,16 @@ std::string_view find_message(std::string_view code) {
     return {};
 }
 
-// A byte that was no UTF-8 is U+DC00 + byte in wide text. The same unit is also the second half of
-// some pairs.
-bool is_raw_byte(char16_t unit) {
-    return unit >= 0xDC80 && unit <= 0xDCFF;
-}
-
-bool is_control(char16_t unit) {
-    return unit < 0x20 || (unit >= 0x7F && unit <= 0x9F);
-}
-
-// For both kinds the number shown is the byte's or the control character's own.
-void append_shown(std::u16string& text, std::u16string_view argument) {
-    for (std::size_t i = 0; i < argument.size(); ++i) {
-        const char16_t unit = argument[i];
-        const bool in_pair = i > 0 && (argument[i - 1] & 0xFC00) == 0xD800;
-        if (is_control(unit) || (is_raw_byte(unit) && !in_pair)) {
-            scl_string_append(text, "\\x" + hex(unit & 0xFFU, 2));
-        } else {
-            text += unit;
-        }
-    }
-}
-
 void append_entry(std::u16string& text, const Scl_status::Entry& entry) {
-    const std::string code = hex(entry.code, 8);
+    const std::string code = hex(entry.code);
     scl_string_append(text, "0x" + code);
     const std::string_view message = find_message(code);
     if (!message.empty()) scl_string_append(text, ": ");
-    // The argument is put in last and never looked at for a place: it may be any text.
+    // Only the message is searched for %1, never the argument, which may hold "%1" itself.
     const std::size_t place = message.find(ARGUMENT_PLACE);
     scl_string_append(text, message.substr(0, place));
     if (place != std::string_view::npos) {
-        if (entry.argument != nullptr) append_shown(text, entry.argument->text());
+        if (entry.argument != nullptr) text += scl_shown(entry.argument->text());
         scl_string_append(text, message.substr(place + ARGUMENT_PLACE.size()));
     }
     if (entry.count > 1) {
@@ -85,7 +62,7 @@ bool Scl_status_lookup::initialise_message_list(std::span<const std::string> fil
 }
 
 std::string_view Scl_status_lookup::message(Scl_status_code code) {
-    return find_message(hex(code, 8)); // so short that the string holds it in itself
+    return find_message(hex(code)); // so short that the string holds it in itself
 }
 
 void Scl_status_lookup::to_string(const Scl_status& status, std::u16string& text) {

@@ -41,6 +41,12 @@ void scl_wtos(std::u16string_view wide, std::string& narrow, bool replace);
 // Replaces `narrow` by the converted text.
 void scl_utf16_to_utf8(std::u16string_view wide, std::string& narrow);
 
+// The text as it may be shown: control characters (C0, DEL, C1) and bytes that were no UTF-8 become
+// \xNN, so that no name can steer a terminal or break a line. The bell is \x07.
+[[nodiscard]] std::u16string scl_shown(std::u16string_view text);
+// The same from UTF-8 to UTF-8.
+[[nodiscard]] std::string scl_shown(std::string_view text);
+
 // The text without the white space (property White_Space) at its two ends.
 [[nodiscard]] std::u16string_view scl_trimmed(std::u16string_view text);
 

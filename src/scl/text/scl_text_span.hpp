@@ -1,34 +1,25 @@
 #pragma once
 
+#include "scl/text/scl_block.hpp"
 #include "scl/text/scl_unicode.hpp"
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string_view>
 #include <type_traits>
-
-// The few places that use instructions of particular processors beyond what the compiler makes of
-// vectors. Without them the same comes out.
-#if defined(__SSE2__) && !defined(DSMAKE_PORTABLE)
-#define SCL_WITH_SSE2 1
-#include <emmintrin.h>
-#else
-#define SCL_WITH_SSE2 0
-#endif
 
 #pragma GCC visibility push(default) // installed
 
 namespace scl {
 
-// A block of text, in bytes, that is looked at in one step.
-inline constexpr std::size_t SCL_BLOCK_BYTES = 16;
-template <typename Unit>
-inline constexpr std::size_t SCL_BLOCK_UNITS = SCL_BLOCK_BYTES / sizeof(Unit);
-
-// Text in memory: of char16_t for UTF-16 units, as in a view, or of char for UTF-8 or ASCII bytes,
-// with a block readable behind them. Most values are short; that block lets them be looked at in
-// one step, whatever their length. Two pointers, so that it is passed in registers.
+// Text in memory: UTF-16 units (char16_t), or UTF-8 or ASCII bytes (char).
+//
+// Invariant: behind a text of char, SCL_BLOCK_BYTES more bytes can be read, whatever they hold. So
+// the five bytes of "Smith" take one block, without a look at the length. Text of char16_t is a
+// view of somebody's memory and has no such padding: ask has_block().
+//
+// Two pointers, so that it is passed in registers.
 template <typename Unit>
 struct Scl_text_span {
     const Unit* begin = nullptr;
@@ -67,35 +58,23 @@ template <typename Unit>
 
 // Lower-cases ASCII bytes into memory that has room for whole blocks.
 inline void scl_lower_ascii(const Scl_text_span<char>& text, char* to) {
-    using Block [[gnu::vector_size(SCL_BLOCK_BYTES)]] = std::int8_t;
     for (const char* at = text.begin; at < text.end; at += SCL_BLOCK_BYTES) {
-        Block bytes;
-        std::memcpy(&bytes, at, sizeof bytes);
-        const auto capital = (bytes > 'A' - 1) & (bytes < 'Z' + 1); // all ones, or zero
-        bytes += capital & ('a' - 'A');
-        std::memcpy(to, &bytes, sizeof bytes);
+        const Scl_block block(at);
+        const auto capitals = block.is_between('A', 'Z');
+        (block + (capitals & ('a' - 'A'))).store(to);
         to += SCL_BLOCK_BYTES;
     }
 }
 
-// Whether bytes are ASCII. Eight at a time; of the last eight, those behind the text are shifted
-// out, in two steps, as there may be none before.
+// Whether bytes are ASCII. The last block may hold what lies behind the text: a byte there that is
+// not ASCII does not count.
 [[nodiscard]] inline bool scl_is_ascii(const Scl_text_span<char>& text) {
-    constexpr std::uint64_t TOP_BITS = 0x8080808080808080;
-    constexpr std::size_t WORD = sizeof(std::uint64_t);
-    const auto load = [](const char* from) {
-        std::uint64_t word = 0;
-        std::memcpy(&word, from, WORD);
-        return word;
-    };
     const char* at = text.begin;
-    std::uint64_t bits = 0;
-    for (; static_cast<std::size_t>(text.end - at) > WORD; at += WORD) {
-        bits |= load(at);
+    std::uint32_t others = 0;
+    for (; at < text.end && others == 0; at += SCL_BLOCK_BYTES) {
+        others = Scl_block(at).top_bits();
     }
-    const std::size_t unwanted = 4 * (WORD - static_cast<std::size_t>(text.end - at));
-    bits |= (load(at) << unwanted) << unwanted;
-    return (bits & TOP_BITS) == 0;
+    return others == 0 || at - SCL_BLOCK_BYTES + std::countr_zero(others) >= text.end;
 }
 
 } // namespace scl

@@ -68,16 +68,17 @@ extern const std::array<std::uint8_t, SCL_UNICODE_BIT_TABLE_LEN> SCL_UNICODE_BIT
 // The byte of the bit table for a code point that the table does not hold.
 [[nodiscard]] std::uint8_t scl_unicode_bits_beyond(char32_t code_point);
 
-[[nodiscard]] inline std::uint8_t scl_unicode_bits(char32_t code_point) {
-    return code_point < SCL_UNICODE_BIT_TABLE_LEN ? SCL_UNICODE_BIT_TABLE[code_point]
-                                                  : scl_unicode_bits_beyond(code_point);
-}
-
 } // namespace impl
+
+// The byte of the bit table, made up for a code point that the table does not hold.
+[[nodiscard]] inline std::uint8_t scl_unicode_bits(char32_t code_point) {
+    return code_point < impl::SCL_UNICODE_BIT_TABLE_LEN ? impl::SCL_UNICODE_BIT_TABLE[code_point]
+                                                        : impl::scl_unicode_bits_beyond(code_point);
+}
 
 // The class of any code point; `other` for a lone surrogate and for a value above U+10FFFF.
 [[nodiscard]] inline Scl_unicode_code_point_type scl_code_point_type(char32_t code_point) {
-    return static_cast<Scl_unicode_code_point_type>(impl::scl_unicode_bits(code_point) & 7U);
+    return static_cast<Scl_unicode_code_point_type>(scl_unicode_bits(code_point) & 7U);
 }
 
 // True for a code point that has the property White_Space. All of them are single 16-bit units.
@@ -91,7 +92,7 @@ extern const std::array<std::uint8_t, SCL_UNICODE_BIT_TABLE_LEN> SCL_UNICODE_BIT
     constexpr auto DIGIT =
         static_cast<std::uint8_t>(static_cast<unsigned>(Scl_word_break::numeric) << 3U |
                                   static_cast<unsigned>(Scl_unicode_code_point_type::number));
-    return impl::scl_unicode_bits(code_point) == DIGIT;
+    return scl_unicode_bits(code_point) == DIGIT;
 }
 
 } // namespace scl

@@ -1,6 +1,6 @@
 #include "scl/text/scl_utf.hpp"
 
-namespace scl::impl {
+namespace scl {
 
 namespace {
 
@@ -29,7 +29,7 @@ char continuation(char32_t code_point, unsigned shift) {
 
 } // namespace
 
-char32_t scl_utf8_next_long(std::string_view text, std::size_t& at) {
+char32_t impl::scl_utf8_next_long(std::string_view text, std::size_t& at) {
     // The lead gives the length; the value tells what is too long for it, a surrogate or too large.
     const char32_t lead = static_cast<std::uint8_t>(text[at]);
     char32_t code_point = 0;
@@ -81,4 +81,4 @@ char* scl_utf8_put(char* to, char32_t code_point) {
     return to;
 }
 
-} // namespace scl::impl
+} // namespace scl

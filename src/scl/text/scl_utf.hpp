@@ -10,7 +10,7 @@
 // One code point at a time, out of and into UTF-8 and UTF-16. The mapping loses nothing: a byte
 // that is not part of well-formed UTF-8 is the code point U+DC00 + byte (U+DC80 to U+DCFF), and
 // back; a lone surrogate in UTF-16 is the code point of its own value.
-namespace scl::impl {
+namespace scl {
 
 inline constexpr char32_t SCL_FIRST_SURROGATE = 0xD800;
 
@@ -55,14 +55,18 @@ inline constexpr char32_t SCL_FIRST_SURROGATE = 0xD800;
     return to;
 }
 
+namespace impl {
+
 // As scl_utf8_next, for a byte of 0x80 or above. Table 3-7 of the Unicode Standard says which
 // sequences are well formed.
 [[nodiscard]] char32_t scl_utf8_next_long(std::string_view text, std::size_t& at);
 
+} // namespace impl
+
 // The code point at `at`, which is moved past it. `at` must be below the text's size.
 [[nodiscard]] inline char32_t scl_utf8_next(std::string_view text, std::size_t& at) {
     const auto byte = static_cast<std::uint8_t>(text[at]);
-    if (byte >= 0x80) return scl_utf8_next_long(text, at);
+    if (byte >= 0x80) return impl::scl_utf8_next_long(text, at);
     ++at;
     return byte;
 }
@@ -96,6 +100,6 @@ inline constexpr char32_t SCL_FIRST_SURROGATE = 0xD800;
     return static_cast<std::uint16_t>(bits | (bits >> 16U));
 }
 
-} // namespace scl::impl
+} // namespace scl
 
 #pragma GCC visibility pop

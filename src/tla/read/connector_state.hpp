@@ -16,7 +16,7 @@ namespace tla {
 
 // An open file and its readers, which reuse their buffers from one operation to the next.
 struct Tla_data_set_connector_file::Source {
-    Source(std::unique_ptr<const scl::Scl_buffer> opened,
+    Source(std::shared_ptr<const scl::Scl_buffer> opened,
            std::shared_ptr<const Entry_fields> fields, const Tla_data_set_header& header)
         : shared(std::make_shared<const Entry_source>(std::move(opened), std::move(fields))),
           pairs(*shared->file),

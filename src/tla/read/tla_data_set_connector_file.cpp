@@ -73,7 +73,7 @@ void Tla_data_set_connector_file::open(scl::Scl_status& status) {
 }
 
 // Entries that are still there keep what they were read from.
-void Tla_data_set_connector_file::attach(std::unique_ptr<const scl::Scl_buffer> file) {
+void Tla_data_set_connector_file::attach(std::shared_ptr<const scl::Scl_buffer> file) {
     if (state_->entry_fields == nullptr) {
         state_->entry_fields = std::make_shared<Entry_fields>(state_->fields);
     }
@@ -156,7 +156,7 @@ void Tla_data_set_connector_file::read_body(scl::Scl_status& status) {
 }
 
 void Tla_data_set_connector_file::read_key_indexes(scl::Scl_status& status) {
-    scl::Scl_buffered_istream in(state_->source->file(), false, status, scl::Scl_eol::none);
+    scl::Scl_buffered_istream in(state_->source->file(), status);
     in.limit_read_ahead(SAMPLE_READ_AHEAD_BYTES);
     in.set_position(state_->header.key_table_offset);
     for (std::uint16_t i = 0; i < state_->header.key_count && !status.has_failed(); ++i) {
@@ -164,6 +164,28 @@ void Tla_data_set_connector_file::read_key_indexes(scl::Scl_status& status) {
             read_key_index(in, state_->header.record_count, state_->block_size, status);
         if (!status.has_failed()) state_->key_indexes.push_back(std::move(index));
     }
+}
+
+// Buffers keep no position, and reading a file changes nothing in them. The rest is copied: samples
+// are few, and what is known of a block's order is written down during lookups.
+std::unique_ptr<Tla_data_set_connector_file> Tla_data_set_connector_file::share() const {
+    if (!is_open() || !state_->loaded) return nullptr;
+    auto other = std::make_unique<Tla_data_set_connector_file>();
+    State& state = *other->state_;
+    state.header = state_->header;
+    state.fields = state_->fields;
+    state.data_file_name = state_->data_file_name;
+    state.block_size = state_->block_size;
+    state.key_indexes = state_->key_indexes;
+    state.wants_memory = state_->wants_memory;
+    state.loaded = true;
+    other->attach(state_->source->shared->file);
+    state.entry_fields->index_names();
+    return other;
+}
+
+std::span<const std::byte> Tla_data_set_connector_file::held_bytes() const {
+    return is_open() ? state_->source->file().contents() : std::span<const std::byte>();
 }
 
 std::uint64_t Tla_data_set_connector_file::file_size() const {

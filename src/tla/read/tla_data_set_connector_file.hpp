@@ -70,6 +70,14 @@ public:
     // says when it pays.
     void hold_in_memory();
 
+    // Another connector on the same open file, which is in memory once for both: for another
+    // thread, or for lookups in between. What this one was asked before is not known to it. Null
+    // when nothing is loaded. Any number of threads may call it at a time, as long as nothing else
+    // is done with this connector.
+    [[nodiscard]] std::unique_ptr<Tla_data_set_connector_file> share() const;
+    // The file's bytes where they are held in memory, until close(); else empty.
+    [[nodiscard]] std::span<const std::byte> held_bytes() const;
+
     // Adds the offsets of every record whose key field has these token values and that has a pair
     // in the key table, ascending and each once; unlike find_entries also those on both sides of
     // a block's border and among equal key hashes. `key` is an index into key_names(); past its
@@ -107,7 +115,7 @@ private:
     struct State;
 
     [[nodiscard]] bool is_open() const;
-    void attach(std::unique_ptr<const scl::Scl_buffer> file);
+    void attach(std::shared_ptr<const scl::Scl_buffer> file);
     void release_entries();
     void load_open_file(scl::Scl_status& status, bool accept_any_version);
     void read_body(scl::Scl_status& status);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tla/sort/pair_cells.hpp"
+#include "tla/sort/pair_pages.hpp"
 
 #include <cstdint>
 #include <memory>
@@ -20,15 +20,24 @@ public:
     virtual void take(std::span<const Index_pair> pairs) = 0;
 };
 
-// Sorts pairs by hash; equal hashes keep the order in which they were added. Pairs go straight into
-// one of up to 1024 buckets by the top bits of their hash, which are uniform; a bucket is sorted
-// when its turn comes, inside the cache, and one that is too large for that (few distinct keys) is
-// split further by the bits below. Memory: 16 bytes a pair, and a few MiB whatever their number.
+// Sorts pairs by hash; equal hashes keep the order in which they were added.
+//
+// add() puts a pair into one of up to 1024 buckets (256 for up to four million pairs) by the top
+// bits of its hash. Hashes are uniform, so buckets are of about the same size. drain() sorts one
+// bucket after the other, each within the cache. A bucket that is too large for that (few distinct
+// keys) is split by the next bits.
+//
+// Invariant: the pairs of a bucket agree in their top prefix_bits_ bits. With 10 bits, bucket 0x3FF
+// has the hashes from 0xFFC0000000000000 on.
+//
+// Memory: 16 bytes a pair, and a few MiB whatever their number; memory exhausted is thrown
+// (std::bad_alloc). Tested by tests/pair_sorter_test.cpp.
 class Tla_pair_sorter {
 public:
+    // The expected count sets the number of buckets; a wrong one costs time only.
     explicit Tla_pair_sorter(std::uint64_t expected_count);
 
-    void add(const Index_pair& pair) { buckets_[bucket_of(pair)].add(pair, *cells_); }
+    void add(const Index_pair& pair) { buckets_[bucket_of(pair)].add(pair, *pages_); }
 
     // Hands all pairs over in order and leaves the sorter empty.
     void drain(Tla_pair_sink& sink);
@@ -36,8 +45,8 @@ public:
 private:
     struct Workspace;
 
-    Tla_pair_sorter(std::uint64_t expected_count, unsigned settled_bits,
-                    std::shared_ptr<Pair_cells> cells, std::shared_ptr<Workspace> workspace);
+    Tla_pair_sorter(std::uint64_t expected_count, unsigned prefix_bits,
+                    std::shared_ptr<Pair_pages> pages, std::shared_ptr<Workspace> workspace);
 
     [[nodiscard]] std::size_t bucket_of(const Index_pair& pair) const {
         return (pair.key_hash >> shift_) & (buckets_.size() - 1);
@@ -47,11 +56,11 @@ private:
     void split(const Pair_bucket& bucket, std::size_t size, Tla_pair_sink& sink);
     void release(const Pair_bucket& bucket);
 
-    std::shared_ptr<Pair_cells> cells_;    // shared by the sorters of a split
+    std::shared_ptr<Pair_pages> pages_;    // shared by the sorters of a split
     std::shared_ptr<Workspace> workspace_; // likewise
-    unsigned settled_bits_;                // from the top, the same in all pairs of a bucket
-    unsigned shift_;                       // brings the bits that choose the bucket down
-    std::vector<Pair_bucket> buckets_;     // a power of two
+    unsigned prefix_bits_;                 // how many top bits the pairs of a bucket have in common
+    unsigned shift_; // moves the last of these bits, the bucket's number, to the bottom
+    std::vector<Pair_bucket> buckets_; // a power of two
 };
 
 } // namespace tla

@@ -11,7 +11,7 @@ namespace {
 
 constexpr unsigned HASH_BITS = 64;
 constexpr unsigned DIGIT_BITS = 8;
-constexpr std::size_t FEW = 32; // pairs for which no other way beats insertion
+constexpr std::size_t FEW = 32; // up to so many pairs, insertion is the fastest way
 
 using Counts = std::array<std::size_t, std::size_t{1} << DIGIT_BITS>;
 
@@ -53,8 +53,9 @@ void sort_run(std::span<Index_pair> run) {
     }
 }
 
-// Pairs are in order but for the bits below `shift`. So two that are not stand in one run of equal
-// upper bits; such runs are few and short, as hashes are spread evenly or else equal in all bits.
+// Finishes pairs that are in order except for the bits below `shift`. Two neighbours out of order
+// therefore agree in all upper bits: the run of pairs that share those bits is sorted. Such runs
+// are rare and short. Different hashes seldom agree in so many bits, and equal hashes are in order.
 void sort_runs(std::span<Index_pair> pairs, unsigned shift) {
     for (std::size_t i = 1; i < pairs.size(); ++i) {
         if (!hash_less(pairs[i], pairs[i - 1])) continue;
@@ -72,12 +73,15 @@ void sort_runs(std::span<Index_pair> pairs, unsigned shift) {
 
 } // namespace
 
-void radix_sort(std::span<Index_pair> pairs, std::span<Index_pair> spare, unsigned equal_bits) {
-    if (pairs.size() <= FEW || equal_bits + 2 * DIGIT_BITS > HASH_BITS) {
+// Two stable passes, by the lower digit first, order the pairs by the 16 bits below the prefix. A
+// bucket has at most 32,768 pairs, so those that agree in these bits too are short runs, which
+// sort_runs() puts in order.
+void radix_sort(std::span<Index_pair> pairs, std::span<Index_pair> spare, unsigned prefix_bits) {
+    if (pairs.size() <= FEW || prefix_bits + 2 * DIGIT_BITS > HASH_BITS) {
         sort_run(pairs);
         return;
     }
-    const unsigned shift = HASH_BITS - equal_bits - 2 * DIGIT_BITS;
+    const unsigned shift = HASH_BITS - prefix_bits - 2 * DIGIT_BITS;
     const std::span<Index_pair> room = spare.first(pairs.size());
     distribute(pairs, room, shift);
     distribute(room, pairs, shift + DIGIT_BITS);

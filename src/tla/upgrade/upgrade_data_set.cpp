@@ -90,7 +90,7 @@ void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
     scl::Scl_file_buffer records;
     tla_open_scratch_file(records, status);
     if (status.has_failed()) return;
-    scl::Scl_ostream out(records, status, scl::Scl_eol::none);
+    scl::Scl_ostream out(records);
     const Tla_wrapped_records wrapped = convert_records(path, old_file, out, status);
     out.detach(status);
     if (!status.has_failed()) check_work(old_file, records.size(false, status), path, status);

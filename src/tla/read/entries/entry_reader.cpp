@@ -15,9 +15,7 @@ constexpr std::size_t FAR_READ_AHEAD_BYTES = 512;
 
 Entry_reader::Entry_reader(std::shared_ptr<const Entry_source> source,
                            const Tla_data_set_header& header)
-    : source_(std::move(source)),
-      header_(header),
-      stream_(*source_->file, false, attach_status_, scl::Scl_eol::none) {}
+    : source_(std::move(source)), header_(header), stream_(*source_->file) {}
 
 std::unique_ptr<Tla_data_set_entry_file> Entry_reader::make(std::int64_t record_offset) const {
     return std::unique_ptr<Tla_data_set_entry_file>(new Tla_data_set_entry_file(

@@ -35,7 +35,6 @@ private:
 
     std::shared_ptr<const Entry_source> source_;
     const Tla_data_set_header& header_;
-    scl::Scl_status attach_status_; // never set: attaching does not fail
     scl::Scl_buffered_istream stream_;
 };
 

@@ -39,11 +39,11 @@ private:
 
 // What a connector and its entries share, so that an entry answers whatever becomes of the others.
 struct Entry_source {
-    Entry_source(std::unique_ptr<const scl::Scl_buffer> opened,
+    Entry_source(std::shared_ptr<const scl::Scl_buffer> opened,
                  std::shared_ptr<const Entry_fields> names)
         : file(std::move(opened)), fields(std::move(names)) {}
 
-    std::unique_ptr<const scl::Scl_buffer> file;
+    std::shared_ptr<const scl::Scl_buffer> file; // connectors of other threads may share it
     std::shared_ptr<const Entry_fields> fields;
 };
 

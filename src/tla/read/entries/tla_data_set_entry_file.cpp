@@ -84,7 +84,7 @@ bool Tla_data_set_entry_file::holds(std::size_t field,
 }
 
 void Tla_data_set_entry_file::read(scl::Scl_status& status) {
-    scl::Scl_buffered_istream in(*source_->file, false, status, scl::Scl_eol::none);
+    scl::Scl_buffered_istream in(*source_->file, status);
     read_from(in, status);
 }
 

@@ -12,7 +12,7 @@ std::vector<std::uint16_t> largest_token_counts(const scl::Scl_buffer& file,
                                                 const Tla_data_set_header& header,
                                                 scl::Scl_status& status) {
     std::vector<std::uint16_t> largest(header.field_count);
-    scl::Scl_buffered_istream in(file, false, status, scl::Scl_eol::none);
+    scl::Scl_buffered_istream in(file, status);
     in.set_position(header.data_start);
     // As many as the header says. Where a record was written differently from how it is read (a
     // count that wrapped), the bytes behind the last one are no records.

@@ -65,8 +65,7 @@ std::uint32_t look_width(const Key_block& block) {
 
 } // namespace
 
-Pair_reader::Pair_reader(const scl::Scl_buffer& file)
-    : stream_(file, false, attach_status_, scl::Scl_eol::none) {
+Pair_reader::Pair_reader(const scl::Scl_buffer& file) : stream_(file) {
     // Lookups mostly read a few pairs. What needs more asks for a larger window.
     stream_.limit_read_ahead(FEW_PAIRS * TLA_INDEX_PAIR_BYTES);
 }

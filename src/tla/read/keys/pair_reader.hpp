@@ -59,7 +59,6 @@ private:
     [[nodiscard]] std::span<const std::byte> whole_pairs(std::uint32_t most,
                                                          scl::Scl_status& status);
 
-    scl::Scl_status attach_status_; // never set: attaching does not fail
     scl::Scl_buffered_istream stream_;
 };
 

@@ -9,13 +9,13 @@
 
 namespace scl {
 
-// Bytes in memory whose number is known beforehand; they are written once, before anybody reads.
+// A buffer in memory of a size that is known when it is made. Fill room() before the first read.
 // Memory exhausted is thrown (std::bad_alloc).
-class Scl_held_buffer final : public Scl_memory_buffer {
+class Scl_fixed_buffer final : public Scl_memory_buffer {
 public:
-    explicit Scl_held_buffer(std::size_t size);
+    explicit Scl_fixed_buffer(std::size_t size);
 
-    // Where the bytes are written to.
+    // The whole buffer, to be written to. Not cleared.
     [[nodiscard]] std::span<std::byte> room() { return {bytes_.get(), size_}; }
     [[nodiscard]] std::span<const std::byte> contents() const override {
         return {bytes_.get(), size_};

@@ -1,0 +1,276 @@
+#include "tla/scan/scan_tables.hpp"
+
+#include <algorithm>
+#include <array>
+
+namespace tla {
+
+namespace {
+
+// Lets memory bring what an operation will touch while others are done: most of them lead to
+// another place of a large table, and would wait for it each. In two steps, as where an entry goes
+// is known when its bucket is at hand.
+template <typename Operation, typename Prepare, typename Run>
+class Delayed {
+public:
+    Delayed(Prepare prepare, Run run) : prepare_(prepare), run_(run) {}
+    Delayed(const Delayed&) = delete;
+    Delayed& operator=(const Delayed&) = delete;
+
+    void push(const Operation& operation) {
+        if (next_ >= DEPTH) run_(at(next_ - DEPTH));
+        if (next_ >= DEPTH / 2) prepare_(at(next_ - DEPTH / 2));
+        at(next_++) = operation;
+    }
+    void finish() {
+        for (std::size_t i = next_ >= DEPTH ? next_ - DEPTH : 0; i < next_; ++i) {
+            run_(at(i));
+        }
+        next_ = 0;
+    }
+
+private:
+    static constexpr std::size_t DEPTH = 32;
+
+    [[nodiscard]] Operation& at(std::size_t number) { return waiting_[number % DEPTH]; }
+
+    std::array<Operation, DEPTH> waiting_{};
+    std::size_t next_ = 0;
+    Prepare prepare_;
+    Run run_;
+};
+
+struct Entry {
+    std::uint64_t hash;
+    std::uint64_t place;
+};
+
+} // namespace
+
+// One pass over the records after the other.
+class Scan_tables::Maker {
+public:
+    Maker(Scan_tables& tables, const Data_set_records& records, const Key_order& key_order,
+          const Scan_hashes& hashes, std::optional<std::span<const std::uint64_t>> places)
+        : tables_(tables),
+          records_(records),
+          key_order_(key_order),
+          hashes_(hashes),
+          places_(places) {}
+
+    void note_values() {
+        const auto run = [this](const Noted& noted) { note(noted); };
+        const auto nothing = [](const Noted&) {};
+        Delayed<Noted, decltype(nothing), decltype(run)> waiting(nothing, run);
+        each_value([&](std::size_t field, std::span<const std::byte> values, std::uint64_t) {
+            const Value_kind kind = records_.kinds()[field];
+            const auto push = [&](std::uint64_t hash, bool is_value) {
+                tables_.values_.prefetch(hash);
+                const bool is_key = is_value && key_order_[field] != NO_KEY;
+                if (is_key) tables_.by_key_.prefetch(hash);
+                waiting.push({hash, kind, is_value, is_key});
+            };
+            push(hash_of_values(hashes_, kind, values,
+                                [&push](std::uint64_t hash) { push(hash, false); }),
+                 true);
+        });
+        waiting.finish();
+    }
+
+    // Gives how many records have a key value that many share.
+    std::uint64_t lay_out_keys() {
+        std::uint64_t shared = 0;
+        const bool is_long = records_.kinds().size() > MANY_FIELDS;
+        tables_.has_pairs_.resize(tables_.by_key_.bucket_count());
+        tables_.by_key_.lay_out([&](std::size_t bucket, std::uint64_t size) {
+            tables_.has_pairs_[bucket] = is_long || size > FEW_RECORDS;
+            if (tables_.has_pairs_[bucket]) shared += size;
+        });
+        return shared;
+    }
+
+    // Where all records' entries go is known now; which pairs there are is found on the way. False
+    // when their table would take more than `most_bytes`, which is seen at the end.
+    [[nodiscard]] bool put_keys(std::uint64_t most_bytes) {
+        Record_table& keys = tables_.by_key_;
+        const auto prepare = [&keys](const Entry& e) { keys.prefetch_entry(e.hash); };
+        const auto put = [&keys](const Entry& e) { keys.put(e.hash, e.place); };
+        Delayed<Entry, decltype(prepare), decltype(put)> entries(prepare, put);
+        const auto nothing = [](const Entry&) {};
+        const auto count = [this](const Entry& e) { tables_.by_pair_->count(e.hash); };
+        Delayed<Entry, decltype(nothing), decltype(count)> pairs(nothing, count);
+        std::uint64_t pair_count = 0;
+        each_place([&](std::uint64_t place) {
+            gather(place);
+            for (const Field_value& value : values_) {
+                for (std::uint32_t times = value.key_times; times > 0; --times) {
+                    keys.prefetch(value.hash);
+                    entries.push({value.hash, place});
+                }
+            }
+            each_pair([&](std::uint64_t hash) {
+                tables_.by_pair_->prefetch(hash);
+                pairs.push({hash, place});
+                ++pair_count;
+            });
+            return next_;
+        });
+        entries.finish();
+        pairs.finish();
+        return Record_table::bytes_of(pair_count, records_.size()) <= most_bytes;
+    }
+    void put_pairs() {
+        Record_table& pairs = *tables_.by_pair_;
+        pairs.lay_out([](std::size_t, std::uint64_t) {});
+        const auto prepare = [&pairs](const Entry& e) { pairs.prefetch_entry(e.hash); };
+        const auto put = [&pairs](const Entry& e) { pairs.put(e.hash, e.place); };
+        Delayed<Entry, decltype(prepare), decltype(put)> entries(prepare, put);
+        each_place([&](std::uint64_t place) {
+            gather(place);
+            each_pair([&](std::uint64_t hash) {
+                pairs.prefetch(hash);
+                entries.push({hash, place});
+            });
+            return next_;
+        });
+        entries.finish();
+    }
+
+private:
+    struct Noted {
+        std::uint64_t hash;
+        Value_kind kind;
+        bool is_value;
+        bool is_key;
+    };
+
+    void note(const Noted& noted) {
+        if (!noted.is_value) return tables_.values_.add_beginning(noted.hash);
+        if (!tables_.values_.ask(noted.hash).is_value) {
+            tables_.values_.add_value(noted.hash);
+            ++tables_.different_[static_cast<std::size_t>(noted.kind)];
+        }
+        if (noted.is_key) tables_.by_key_.count(noted.hash);
+    }
+
+    template <typename Take>
+    void each_place(Take take) {
+        if (!places_) return records_.each_record(take);
+        for (const std::uint64_t place : *places_) {
+            static_cast<void>(take(place));
+        }
+    }
+
+    // Fields without token values never occur, nor do those of a type that nobody knows.
+    template <typename Take>
+    void each_value(Take take) {
+        each_place([&](std::uint64_t place) {
+            return records_.each_field(
+                place, [&](std::size_t field, std::span<const std::byte> values) {
+                    if (values.empty() || records_.kinds()[field] == Value_kind::none) return;
+                    take(field, values, place);
+                });
+        });
+    }
+
+    // Of the record that was gathered: the hash of each pair.
+    template <typename Take>
+    void each_pair(Take take) {
+        if (!has_shared_key_) return;
+        for (const Field_value& key : values_) {
+            if (!key.is_shared_key) continue;
+            for (const Field_value& other : values_) {
+                if (is_pair(key, other)) take(hashes_.paired(key.hash, other.hash));
+            }
+        }
+    }
+
+    // A value of the record at hand, each once: it may have the same in a hundred thousand fields.
+    struct Field_value {
+        std::uint64_t hash;
+        std::uint32_t times;     // that the record has it
+        std::uint32_t key_times; // in key fields
+        bool is_shared_key;      // of which there are pairs
+    };
+
+    // Where both are keys' values that many records share, the pair is the same both ways.
+    [[nodiscard]] static bool is_pair(const Field_value& key, const Field_value& other) {
+        if (other.hash == key.hash) return other.times > 1;
+        return !other.is_shared_key || key.hash < other.hash;
+    }
+
+    void gather(std::uint64_t place) {
+        values_.clear();
+        has_shared_key_ = false;
+        next_ =
+            records_.each_field(place, [&](std::size_t field, std::span<const std::byte> values) {
+                const Value_kind kind = records_.kinds()[field];
+                if (values.empty() || kind == Value_kind::none) return;
+                const std::uint64_t hash = hash_of_values(hashes_, kind, values);
+                const bool is_key = key_order_[field] != NO_KEY;
+                const bool is_shared =
+                    is_key && tables_.has_pairs_[tables_.by_key_.bucket_of(hash)];
+                has_shared_key_ |= is_shared;
+                values_.push_back({hash, 1, is_key ? 1U : 0U, is_shared});
+            });
+        if (has_shared_key_) merge_values();
+    }
+
+    // Of few values it is quicker to compare each with all.
+    void merge_values() {
+        constexpr std::size_t FEW = 8;
+        const bool are_few = values_.size() <= FEW;
+        if (!are_few) std::ranges::sort(values_, {}, &Field_value::hash);
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < values_.size(); ++i) {
+            std::size_t same = kept == 0 || are_few ? 0 : kept - 1;
+            while (same < kept && values_[same].hash != values_[i].hash) {
+                ++same;
+            }
+            if (same == kept) {
+                values_[kept++] = values_[i];
+            } else {
+                values_[same].times += values_[i].times;
+                values_[same].key_times += values_[i].key_times;
+                values_[same].is_shared_key |= values_[i].is_shared_key;
+            }
+        }
+        values_.resize(kept);
+    }
+
+    Scan_tables& tables_;
+    const Data_set_records& records_;
+    const Key_order& key_order_;
+    const Scan_hashes& hashes_;
+    std::optional<std::span<const std::uint64_t>> places_;
+    std::vector<Field_value> values_;
+    bool has_shared_key_ = false;
+    std::uint64_t next_ = 0;
+};
+
+Scan_tables::Scan_tables(const Data_set_records& records, const Key_order& key_order,
+                         const Scan_hashes& hashes, std::uint64_t most_bytes,
+                         std::optional<std::span<const std::uint64_t>> places)
+    : values_(places ? places->size() * SEQUENCES_A_PLACE : records.totals().sequences),
+      by_key_(places ? places->size() : records.totals().key_values, records.size()) {
+    Maker maker(*this, records, key_order, hashes, places);
+    maker.note_values();
+    const std::uint64_t shared = maker.lay_out_keys();
+    const Value_totals& totals = records.totals();
+    if (shared != 0) {
+        const std::uint64_t others = totals.pairs / totals.key_values + 1;
+        by_pair_.emplace(std::min(shared * others, totals.pairs), records.size());
+    }
+    const bool pairs_fit = maker.put_keys(most_bytes);
+    if (by_pair_ && pairs_fit) {
+        maker.put_pairs();
+    } else {
+        by_pair_.reset();
+    }
+}
+
+const Record_table* Scan_tables::by_pair(std::uint64_t key_value) const {
+    return by_pair_ && has_pairs_[by_key_.bucket_of(key_value)] ? &*by_pair_ : nullptr;
+}
+
+} // namespace tla

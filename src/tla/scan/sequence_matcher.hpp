@@ -1,0 +1,114 @@
+#pragma once
+
+#include "tla/scan/chunk_place.hpp"
+#include "tla/scan/chunk_words.hpp"
+#include "tla/scan/occurrence.hpp"
+#include "tla/scan/scan_tables.hpp"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <utility>
+#include <vector>
+
+namespace tla {
+
+// Finds the values of one kind, Simple or SimpleNC, in a text that goes by chunk by chunk: holds
+// what values may begin with and still goes on, each with the readings that it stands in. Where the
+// readings differ, each goes its own way; behind that they share what follows.
+class Sequence_matcher {
+public:
+    Sequence_matcher(Value_kind kind, const Scan_hashes& hashes) : kind_(kind), hashes_(hashes) {}
+
+    void start() { open_.clear(); }
+    [[nodiscard]] bool is_idle() const { return open_.empty(); }
+    // Where the first of what may still go on begins.
+    [[nodiscard]] std::optional<Text_place> oldest() const {
+        return open_.empty() ? std::nullopt : std::optional(open_.front().first);
+    }
+
+    // Shows what occurs to `take(occurrence)`.
+    template <typename Take>
+    void read(std::span<const Reading_tokens> readings, const Chunk_place& place,
+              const Scan_tables& tables, Take take);
+
+private:
+    struct Beginning {
+        std::uint64_t hash;
+        Text_place first;
+        std::uint64_t line;
+        std::uint8_t readings;
+    };
+
+    template <typename Take>
+    void read_token(const Chunk_token& token, std::uint8_t readings, const Chunk_place& place,
+                    const Scan_tables& tables, Take& take);
+
+    Value_kind kind_;
+    const Scan_hashes& hashes_;
+    std::vector<Beginning> open_;    // by their first characters
+    std::vector<Beginning> before_;  // those in front of a chunk
+    std::vector<Beginning> current_; // those of the readings that are gone through
+};
+
+template <typename Take>
+void Sequence_matcher::read_token(const Chunk_token& token, std::uint8_t readings,
+                                  const Chunk_place& place, const Scan_tables& tables, Take& take) {
+    std::size_t kept = 0;
+    const auto extend = [&](const Beginning& beginning) {
+        const std::uint64_t hash = hashes_.extended(beginning.hash, token.value);
+        const Value_filter::Answer answer = tables.ask(hash);
+        if (answer.is_value) {
+            take(Occurrence{hash, beginning.first, place.last_word_of(token.span),
+                            place.end_of(token.span), beginning.line, kind_});
+        }
+        if (answer.begins_one) {
+            current_[kept] = beginning;
+            current_[kept++].hash = hash;
+        }
+    };
+    const std::uint64_t alone = hashes_.extended(hashes_.start(kind_), token.value);
+    const Value_filter::Answer answer = tables.ask(alone);
+    const std::size_t open = current_.size();
+    for (std::size_t i = 0; i < open; ++i) {
+        extend(Beginning(current_[i]));
+    }
+    current_.resize(kept);
+    if (!answer.any()) return;
+    const Text_place first = place.first_of(token.span);
+    const std::uint64_t line = place.line_at(first.byte);
+    if (answer.is_value) {
+        take(Occurrence{alone, first, place.last_word_of(token.span), place.end_of(token.span),
+                        line, kind_});
+    }
+    if (answer.begins_one) current_.push_back({alone, first, line, readings});
+}
+
+template <typename Take>
+void Sequence_matcher::read(std::span<const Reading_tokens> readings, const Chunk_place& place,
+                            const Scan_tables& tables, Take take) {
+    if (readings.size() == 1) {
+        std::swap(open_, current_);
+        for (const Chunk_token& token : readings.front().tokens) {
+            read_token(token, readings.front().readings, place, tables, take);
+        }
+        std::swap(open_, current_);
+        return;
+    }
+    std::swap(open_, before_);
+    open_.clear();
+    for (const Reading_tokens& reading : readings) {
+        current_.clear();
+        for (Beginning beginning : before_) {
+            beginning.readings &= reading.readings;
+            if (beginning.readings != 0) current_.push_back(beginning);
+        }
+        for (const Chunk_token& token : reading.tokens) {
+            read_token(token, reading.readings, place, tables, take);
+        }
+        open_.insert(open_.end(), current_.begin(), current_.end());
+    }
+    std::ranges::stable_sort(open_, {}, [](const Beginning& b) { return b.first.byte; });
+}
+
+} // namespace tla
