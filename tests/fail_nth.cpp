@@ -1,9 +1,9 @@
 // A library to preload: makes the Nth file operation of a program fail, N from FAIL_AT; only that
 // one, or with FAIL_ON=1 all from there on. It counts opening, examining, reading, writing,
-// removing and closing files, and creates FAIL_REPORT when it has made one fail. With FAIL_EMPTY=1
-// only reads count, and the one that fails brings nothing, as at the end of a file. With
-// FAIL_INTERRUPTED=1 only those count that a signal can interrupt, and the Nth is. With FAIL_STOP=1
-// none fails: the process stops (SIGSTOP) before the Nth.
+// cutting, removing and closing files, and creates FAIL_REPORT when it has made one fail. With
+// FAIL_EMPTY=1 only reads count, and the one that fails brings nothing, as at the end of a file.
+// With FAIL_INTERRUPTED=1 only those count that a signal can interrupt, and the Nth is. With
+// FAIL_STOP=1 none fails: the process stops (SIGSTOP) before the Nth.
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
@@ -79,6 +79,10 @@ ssize_t pwrite(int file, const void* bytes, size_t count, off_t offset) {
     // A short write first, as disks that fill up give them.
     return next_of<ssize_t(int, const void*, size_t, off_t)>("pwrite")(
         file, bytes, count > 1 ? count / 2 : count, offset);
+}
+
+int ftruncate(int file, off_t size) {
+    return fails(EIO) ? -1 : next_of<int(int, off_t)>("ftruncate")(file, size);
 }
 
 int unlink(const char* name) {

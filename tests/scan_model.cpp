@@ -55,7 +55,7 @@ bool is_one_of(char32_t code, std::u32string_view set) { return set.find(code) !
 
 void append(std::u16string& text, char32_t code) {
     char16_t units[2];
-    text.append(units, scl::impl::scl_utf16_put(units, code));
+    text.append(units, scl::scl_utf16_put(units, code));
 }
 
 std::u16string form_of(std::u16string_view text, const std::string& type) {
@@ -112,7 +112,7 @@ void Scan_model::decode(std::string_view text) {
     for (std::size_t at = 0; at < text.size();) {
         bytes_.push_back(at);
         lines_.push_back(line);
-        const char32_t code = scl::impl::scl_utf8_next(text, at);
+        const char32_t code = scl::scl_utf8_next(text, at);
         text_.push_back({code, text_.size()});
         if (code == U'\n') ++line;
     }

@@ -8,7 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <random>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -139,6 +142,33 @@ TEST_F(Stream, WritesGoBackAndOverButLeaveNoGap) {
     out.write("y", status);
     out.detach(status);
     EXPECT_TRUE(reported(scl::SCL_STATUS_OUT_OF_BOUNDS));
+}
+
+// Disk room is reserved ahead of large writes; nothing of it may be left in the finished file.
+TEST_F(Stream, ALargeFileTakesNoMoreRoomThanItsBytes) {
+    constexpr std::size_t PIECE = std::size_t{1} << 20;
+    constexpr std::uint64_t DISK_BLOCK = 512; // of st_blocks
+    const std::string path = testing::TempDir() + "large_file_" + std::to_string(::getpid());
+    scl::Scl_file_buffer file(std::u16string(path.begin(), path.end()), scl::Scl_file_open::create,
+                              scl::Scl_file_access::read_write, scl::SCL_FILE_PLAIN,
+                              scl::SCL_FILE_FRONT_TO_BACK, status);
+    const std::vector<std::byte> bytes(PIECE, std::byte{'x'});
+    for (std::size_t i = 0; i < 9; ++i) {
+        file.write_at(i * PIECE, bytes, status);
+    }
+    EXPECT_EQ(std::filesystem::file_size(path), 9 * PIECE) << "room is not size";
+    file.truncate(9 * PIECE + 1, status);
+    EXPECT_EQ(status.value(), scl::SCL_STATUS_OUT_OF_BOUNDS);
+    status.clear();
+    file.truncate(8 * PIECE, status);
+    file.write_at(8 * PIECE, std::span(bytes).first(1), status);
+    file.close(status);
+    EXPECT_TRUE(status.ok());
+    struct stat facts {};
+    ASSERT_EQ(::stat(path.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_size, 8 * PIECE + 1);
+    EXPECT_LE(facts.st_blocks * DISK_BLOCK, 9 * PIECE);
+    std::filesystem::remove(path);
 }
 
 TEST_F(Stream, FilesAreWrittenWithoutGapsAndOnlyWhenTheyAreNew) {

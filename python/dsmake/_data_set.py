@@ -43,8 +43,43 @@ def version() -> str:
     return str(_library.library().dsmake_version().decode())
 
 
+class _Listener:
+    """Keeps what a scan tells until it is asked for."""
+
+    def __init__(self, names: Sequence[str]) -> None:
+        self._names = names
+        self._finds: collections.deque[Find] = collections.deque()
+        self._fault: Optional[BaseException] = None
+        self.function = _library.LISTENER(self._take)
+
+    def told(self) -> Iterator[Find]:
+        while self._finds:
+            yield self._finds.popleft()
+        if self._fault is not None:
+            raise self._fault
+
+    # What is raised in a function that the library calls would be printed and forgotten, an
+    # interrupt from the keyboard too: it is kept and ends the scan.
+    def _take(self, _: object, find: Any) -> int:
+        try:
+            self._finds.append(self._find_of(find.contents))
+            return 1
+        except BaseException as fault:  # pylint: disable=broad-exception-caught
+            self._fault = fault
+            return 0
+
+    def _find_of(self, find: _library.FindInText) -> Find:
+        names = self._names
+        return Find(
+            line=find.line, place=find.place, length=find.length, key=names[find.key],
+            quote=to_str(ctypes.string_at(find.quote.bytes, find.quote.size)),
+            fields=tuple(names[field] for field in find.fields[:find.field_count]),
+            of=len(names), record=find.record)
+
+
 class DataSet:
-    """A data set file of version 2 that is open. Any number of threads may use it at a time."""
+    """A data set file of version 2 that is open. Any number of threads may use it at a time; it is
+    closed when none does."""
 
     def __init__(self, path: Union[str, bytes, "os.PathLike[Any]"]) -> None:
         name = os.fsencode(path)
@@ -145,30 +180,22 @@ class DataSet:
         return least, min(within, _library.ANY_DISTANCE - 1)
 
     def _finds(self, handle: int, text: Text, least: int, within: int) -> Iterator[Find]:
-        found: collections.deque[Find] = collections.deque()
-        listener = _library.LISTENER(lambda _, find: self._take(found, find.contents))
+        listener = _Listener([name for name, _ in self._fields])
         library = self._library
         with self._borrowed(self._scans[least, within],
                             lambda: self._open_scan(handle, least, within)) as scan:
-            if library.dsmake_scan_start(scan, listener, None) < 0:
-                self._check_scan(scan)
+            self._check_step(scan, library.dsmake_scan_start(scan, listener.function, None))
             for piece in pieces_of(text):
-                if library.dsmake_scan_feed(scan, piece, len(piece)) < 0:
-                    self._check_scan(scan)
-                while found:
-                    yield found.popleft()
-            if library.dsmake_scan_finish(scan) < 0:
-                self._check_scan(scan)
-            yield from found
+                result = library.dsmake_scan_feed(scan, piece, len(piece))
+                yield from listener.told()
+                self._check_step(scan, result)
+            result = library.dsmake_scan_finish(scan)
+            yield from listener.told()
+            self._check_step(scan, result)
 
-    def _take(self, found: collections.deque[Find], find: _library.FindInText) -> int:
-        names = self._fields
-        quote = ctypes.string_at(find.quote.bytes, find.quote.size)
-        found.append(Find(
-            line=find.line, place=find.place, length=find.length, key=names[find.key][0],
-            quote=to_str(quote), fields=tuple(names[i][0] for i in find.fields[:find.field_count]),
-            of=len(names), record=find.record))
-        return 1
+    def _check_step(self, scan: int, result: int) -> None:
+        if result < 0:
+            self._check_scan(scan)
 
     def _handle(self) -> int:
         if self._set is None:

@@ -32,6 +32,17 @@ public:
         target_.write_at(offset, bytes, status);
     }
 
+    void truncate(std::uint64_t size, Scl_status& status) override {
+        target_.truncate(size, status);
+    }
+
+    // Steps over bytes that were written to the target before; `checksum` is of them alone. Those
+    // in front of them are summed up.
+    void append_written(std::uint64_t count, const Scl_crc64& checksum) {
+        checksum_.append(checksum, count);
+        next_ += count;
+    }
+
     // Of all bytes from `begin` on that were written so far.
     [[nodiscard]] const Scl_crc64& checksum() const { return checksum_; }
 

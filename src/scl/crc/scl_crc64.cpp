@@ -52,6 +52,26 @@ std::uint64_t step(std::uint64_t reg, std::span<const std::byte> bytes) {
                                           : impl::crc64_by_table(reg, bytes);
 }
 
+// Polynomials modulo the CRC's, bit 63 - i holding the coefficient of x^i.
+std::uint64_t multiply(std::uint64_t a, std::uint64_t b) {
+    std::uint64_t product = 0;
+    for (std::uint64_t bit = std::uint64_t{1} << 63; bit != 0; bit >>= 1) {
+        if ((a & bit) != 0) product ^= b;
+        b = (b >> 1) ^ ((b & 1) != 0 ? impl::CRC64_POLYNOMIAL : 0); // times x
+    }
+    return product;
+}
+
+// The register after `count` zero bytes: times x^(8 count), by squaring x^8.
+std::uint64_t after_zeros(std::uint64_t reg, std::uint64_t count) {
+    std::uint64_t power = std::uint64_t{1} << (63 - 8);
+    for (; count != 0; count >>= 1) {
+        if ((count & 1) != 0) reg = multiply(reg, power);
+        power = multiply(power, power);
+    }
+    return reg;
+}
+
 } // namespace
 
 std::uint64_t impl::crc64_by_table(std::uint64_t reg, std::span<const std::byte> bytes) {
@@ -108,6 +128,12 @@ std::uint64_t Scl_crc64::calculate_widened(const char* text, std::size_t size) {
 
 void Scl_crc64::update(std::span<const std::byte> bytes) {
     register_ = step(register_, bytes);
+}
+
+// The register is linear in its start and in the message. `next` started from INITIAL; where it
+// should have started differs by this register's difference to INITIAL.
+void Scl_crc64::append(const Scl_crc64& next, std::uint64_t count) {
+    register_ = after_zeros(register_ ^ INITIAL, count) ^ next.register_;
 }
 
 // Window by window, as a data set file may be larger than memory. The loop compares positions; an

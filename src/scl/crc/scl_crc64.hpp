@@ -39,6 +39,11 @@ public:
     // Feeds all bytes of the buffer. A read error is left in the status.
     void update(const Scl_buffer& buffer, Scl_status& status);
 
+    // Goes on as if `count` bytes had been fed here of which `next`, an object of its own, was fed
+    // instead: so the checksum of a file's later part can be made before its front is known. Takes
+    // some thousand steps, whatever the count.
+    void append(const Scl_crc64& next, std::uint64_t count);
+
     // The complemented register, equal to calculate() from INITIAL over the same bytes; with
     // `complemented` false the register as it stands.
     [[nodiscard]] std::uint64_t result(bool complemented) const {

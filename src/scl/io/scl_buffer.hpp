@@ -43,6 +43,12 @@ public:
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
     }
 
+    // Drops the bytes from `size` on, which is not beyond the end. A kind that cannot be cut sets
+    // SCL_STATUS_OUT_OF_BOUNDS; a file may fail with SCL_STATUS_WRITE_FAILED.
+    virtual void truncate(std::uint64_t /*size*/, Scl_status& status) {
+        status.push(SCL_STATUS_OUT_OF_BOUNDS);
+    }
+
     // The whole content if it is in memory, so that readers need no copy; else an empty span. Valid
     // until the buffer is written to or destroyed.
     [[nodiscard]] virtual std::span<const std::byte> contents() const { return {}; }

@@ -35,6 +35,11 @@ void Scl_heap_buffer::write_at(std::uint64_t offset, std::span<const std::byte> 
     bytes_.insert(bytes_.end(), bytes.begin() + static_cast<std::ptrdiff_t>(over), bytes.end());
 }
 
+void Scl_heap_buffer::truncate(std::uint64_t size, Scl_status& status) {
+    if (size > bytes_.size()) return status.push(SCL_STATUS_OUT_OF_BOUNDS);
+    cut(size);
+}
+
 Scl_sub_buffer::Scl_sub_buffer(const Scl_buffer& parent, std::uint64_t begin, std::uint64_t end,
                                Scl_status& status)
     : parent_(parent) {

@@ -29,6 +29,7 @@ class Scl_heap_buffer final : public Scl_memory_buffer {
 public:
     void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
                   Scl_status& status) override;
+    void truncate(std::uint64_t size, Scl_status& status) override;
     [[nodiscard]] std::span<const std::byte> contents() const override { return bytes_; }
     // Drops what lies from `size` on, which is not beyond the end; the memory is kept.
     void cut(std::size_t size) {

@@ -24,11 +24,11 @@ namespace tla {
 //   record_offsets  TLA_STATUS_NOT_OPEN, also when the status has failed before;
 //                   SCL_STATUS_READ_FAILED+
 //   read_entry      TLA_STATUS_NOT_OPEN, those of an entry, SCL_STATUS_NO_MEMORY
-//   find_entries    TLA_STATUS_NOT_OPEN, and those of an entry; TLA_STATUS_NO_TOKENS for a value of
-//   which nothing is left;
-//                   TLA_STATUS_NO_DATA_SET* when the entries read are longer than the file
+//   find_entries    TLA_STATUS_NOT_OPEN, and those of an entry; TLA_STATUS_NO_TOKENS for a value
+//                   of which nothing is left; TLA_STATUS_NO_DATA_SET* when the entries read are
+//                   longer than the file
 //   find_records, largest_token_count
-//                   the same, without the former; TLA_STATUS_VERSION* for a file of version 1;
+//                   as find_entries; TLA_STATUS_VERSION* for a file of version 1;
 //                   TLA_STATUS_NO_DATA_SET* when the records read are longer than the file
 // SCL_STATUS_READ_FAILED also tells that the file has become shorter since it was opened.
 //

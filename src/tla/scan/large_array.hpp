@@ -1,6 +1,6 @@
 #pragma once
 
-#include "scl/io/scl_held_buffer.hpp"
+#include "scl/io/scl_fixed_buffer.hpp"
 
 #include <cstddef>
 #include <cstring>
@@ -19,7 +19,7 @@ public:
     Large_array() = default;
     // All bytes are zero when asked for; else what was there.
     Large_array(std::size_t size, bool is_zeroed)
-        : memory_(std::make_unique<scl::Scl_held_buffer>(size * sizeof(T))),
+        : memory_(std::make_unique<scl::Scl_fixed_buffer>(size * sizeof(T))),
           items_(static_cast<T*>(static_cast<void*>(memory_->room().data()))),
           size_(size) {
         if (is_zeroed && size != 0) std::memset(static_cast<void*>(items_), 0, size * sizeof(T));
@@ -30,7 +30,7 @@ public:
     [[nodiscard]] const T& operator[](std::size_t at) const { return items_[at]; }
 
 private:
-    std::unique_ptr<scl::Scl_held_buffer> memory_;
+    std::unique_ptr<scl::Scl_fixed_buffer> memory_;
     T* items_ = nullptr;
     std::size_t size_ = 0;
 };

@@ -187,8 +187,10 @@ void Number_matcher::add_item(Text_place first, std::uint64_t first_number, bool
 void Number_matcher::read_items() {
     const std::size_t open = open_.size();
     for (const Item& item : items_) {
-        for (std::size_t i = 0; i < open; ++i) {
-            if (open_[i].last_number + 1 != item.first_number) continue;
+        const auto before = std::ranges::lower_bound(
+            open_, item.first_number, {}, [](const Beginning& b) { return b.last_number + 1; });
+        for (auto i = static_cast<std::size_t>(before - open_.begin());
+             i < open && open_[i].last_number + 1 == item.first_number; ++i) {
             extend(open_[i], hashes_.extended(open_[i].hash, item.value), item);
         }
         extend({0, item.first, 0, 0, 0, false}, item.alone, item);
@@ -208,11 +210,18 @@ void Number_matcher::extend(Beginning beginning, std::uint64_t hash, const Item&
         (*take_)({hash, beginning.first, place_->last_word_of(span_), place_->end_of(span_),
                   beginning.line, Value_kind::number});
     }
-    const bool is_known = std::ranges::any_of(open_, [&beginning](const Beginning& b) {
-        return b.last_number == beginning.last_number && b.hash == beginning.hash &&
-               b.first.byte == beginning.first.byte && b.has_stretch == beginning.has_stretch;
-    });
-    if (found.begins_one && !is_known) open_.push_back(beginning);
+    if (found.begins_one && !is_open(beginning)) open_.push_back(beginning);
+}
+
+// Two ways of putting a stretch together may come to the same.
+bool Number_matcher::is_open(const Beginning& beginning) const {
+    for (auto b = open_.rbegin(); b != open_.rend() && b->last_number == number_; ++b) {
+        if (b->hash == beginning.hash && b->first.byte == beginning.first.byte &&
+            b->has_stretch == beginning.has_stretch) {
+            return true;
+        }
+    }
+    return false;
 }
 
 } // namespace tla

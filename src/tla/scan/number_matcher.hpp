@@ -86,12 +86,13 @@ private:
                   std::uint64_t value);
     void read_items();
     void extend(Beginning beginning, std::uint64_t hash, const Item& item);
+    [[nodiscard]] bool is_open(const Beginning& beginning) const;
 
     const Scan_hashes& hashes_;
-    std::vector<Group> groups_; // joined, one to the next
-    std::u16string text_;       // of the groups, back to back
-    bool has_digits_ = false;   // one of them
-    std::vector<Beginning> open_;
+    std::vector<Group> groups_;   // joined, one to the next
+    std::u16string text_;         // of the groups, back to back
+    bool has_digits_ = false;     // one of them
+    std::vector<Beginning> open_; // by their last words
     std::uint64_t number_ = 0; // of the next word; numbers of words apart differ by more than one
     std::uint64_t gap_characters_ = 0;
     std::uint64_t gap_line_ends_ = 0;

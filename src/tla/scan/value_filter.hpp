@@ -3,6 +3,7 @@
 #include "tla/scan/large_array.hpp"
 #include "tla/scan/scan_hashes.hpp"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -21,7 +22,7 @@ public:
 
     // For about so many sequences; more make it less sure.
     explicit Value_filter(std::uint64_t sequences)
-        : words_(static_cast<std::size_t>(sequences * BITS_A_SEQUENCE / WORD_BITS + 1), true) {}
+        : words_(static_cast<std::size_t>(words_for(sequences)), true) {}
 
     void add_value(std::uint64_t hash) { words_[place_of(hash)] |= value_bits(hash); }
     void add_beginning(std::uint64_t hash) { words_[place_of(hash)] |= beginning_bits(hash); }
@@ -33,8 +34,12 @@ public:
     void prefetch(std::uint64_t hash) const { __builtin_prefetch(&words_[place_of(hash)], 1); }
 
 private:
-    static constexpr std::uint64_t BITS_A_SEQUENCE = 8;
-    static constexpr std::uint64_t WORD_BITS = 64;
+    // A byte a sequence; where that is little, up to eight.
+    [[nodiscard]] static std::uint64_t words_for(std::uint64_t sequences) {
+        constexpr std::uint64_t LITTLE = std::uint64_t{1} << 17U;
+        return std::max(sequences / sizeof(std::uint64_t), std::min(sequences, LITTLE)) + 1;
+    }
+
     __extension__ using Wide = unsigned __int128;
 
     // By the upper bits of the hash; the bits in the word by lower ones.
