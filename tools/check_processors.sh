@@ -9,13 +9,13 @@ work=$root/build/processors
 "$root/tools/setup.sh" g++ cmake ninja-build python3 libgtest-dev unicode-data bzip2 g++-aarch64-linux-gnu \
     g++-s390x-linux-gnu g++-i686-linux-gnu qemu-user:qemu-s390x
 
-# build NAME [OPTION ...]: dsmake and lookup for it, optimised no more than the test needs.
+# build NAME [OPTION ...]: dsmake and dslookup for it, optimised no more than the test needs.
 build() {
     name=$1
     shift
     cmake -G Ninja -S "$root" -B "$work/$name" -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_FLAGS=-O1 \
-        -DDSMAKE_EXAMPLES=ON "$@" >"$work/$name.log" &&
-        cmake --build "$work/$name" --target dsmake lookup >>"$work/$name.log" || {
+        "$@" >"$work/$name.log" &&
+        cmake --build "$work/$name" --target dsmake dslookup >>"$work/$name.log" || {
         cat "$work/$name.log"
         return 1
     }
@@ -35,7 +35,7 @@ answers() {
     "$@" "$programs/src/driver/dsmake" -u -i "$work/old.ds" -o upgraded.ds
     cut -f 2 "$work/mixed.tsv" | head -n 2000 >surnames
     for file in mixed.ds upgraded.ds; do
-        "$@" "$programs/examples/lookup/lookup" $file Surname <surnames >$file.found
+        "$@" "$programs/src/dslookup/dslookup" $file Surname <surnames >$file.found
     done
     cd "$root"
 }

@@ -100,8 +100,10 @@ std::uint32_t Pair_reader::first_with(Key_index& index, std::size_t block_index,
 std::span<const Hash_place> Pair_reader::all_with(Key_index& index, std::uint64_t hash,
                                                   scl::Scl_status& status) {
     order_pairs(index, status);
-    const auto found = std::ranges::equal_range(index.by_hash, hash, {}, &Hash_place::hash);
-    return {found.begin(), found.end()};
+    const std::span<const Hash_place> places = index.by_hash;
+    const auto begin = std::ranges::lower_bound(places, hash, {}, &Hash_place::hash);
+    const auto end = std::ranges::upper_bound(begin, places.end(), hash, {}, &Hash_place::hash);
+    return {begin, end};
 }
 
 // Reads the whole table, once.
