@@ -24,9 +24,7 @@ Record_judge::Record_judge(const Index_state& index, std::size_t least,
 void Record_judge::start(const Scan_tables& tables) {
     reported_.clear();
     done_.clear();
-    done_here_.clear();
     checked_.clear();
-    if (tables_ == &tables) return;
     tables_ = &tables;
     choose_kinds();
 }
@@ -140,9 +138,11 @@ void Record_judge::judge_pairs(const Occurrence& key, const Record_table& pairs,
         const std::uint64_t pair = index_.hashes.paired(key.hash, other.hash);
         if (least_ > 2) {
             static_cast<void>(judge_pair(pair, key, pairs, window, found));
-        } else if (!done_.contains(pair) && judge_pair(pair, key, pairs, window, found)) {
-            done_here_.push_back(pair);
+            continue;
         }
+        // One value may be a key's in some records and the other in others.
+        const std::uint64_t as_key = index_.hashes.extended(key.hash, other.hash);
+        if (!is_done(as_key) && judge_pair(pair, key, pairs, window, found)) done_.insert(as_key);
     }
 }
 
