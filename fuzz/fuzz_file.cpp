@@ -5,7 +5,6 @@
 #include "tla/format/data_set_layout.hpp"
 
 #include <cstdlib>
-#include <vector>
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -13,11 +12,12 @@
 namespace fuzz {
 
 Fuzz_file::Fuzz_file(std::span<const std::byte> bytes)
-    : descriptor_(memfd_create("fuzz", MFD_CLOEXEC)) {
-    std::vector<std::byte> sealed(bytes.begin(), bytes.end());
+    : descriptor_(memfd_create("fuzz", MFD_CLOEXEC)),
+      bytes_(reinterpret_cast<const char*>(bytes.data()), bytes.size()) {
+    const auto sealed = std::as_writable_bytes(std::span(bytes_));
     if (sealed.size() > tla::TLA_CHECKED_FROM) {
         scl::Scl_crc64 checksum;
-        checksum.update(std::span(sealed).subspan(tla::TLA_CHECKED_FROM));
+        checksum.update(sealed.subspan(tla::TLA_CHECKED_FROM));
         scl::scl_store_le(&sealed[tla::TLA_CHECKSUM_OFFSET], checksum.result(false));
     }
     const ssize_t written = write(descriptor_, sealed.data(), sealed.size());

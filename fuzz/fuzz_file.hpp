@@ -17,9 +17,11 @@ public:
     ~Fuzz_file();
 
     [[nodiscard]] std::string path() const;
+    [[nodiscard]] const std::string& bytes() const { return bytes_; }
 
 private:
     int descriptor_;
+    std::string bytes_;
 };
 
 } // namespace fuzz

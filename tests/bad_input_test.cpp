@@ -67,6 +67,7 @@ TEST_F(Bad_input, ByteOrderMarksAreDroppedAnywhere) {
 TEST_F(Bad_input, AnyBytesAreAValueOfAnyLength) {
     EXPECT_NE(built(std::string("a\0b\tx\n", 6)), built("a\tx\n"));
     EXPECT_NE(built("\xe9\tx\n"), built("\xea\tx\n")) << "bytes that are no UTF-8 stay apart";
+    EXPECT_NE(built("Caf\xe9\tx\n"), built("Caf\xc3\xa9\tx\n"));
     EXPECT_EQ(built(std::string(3000000, 'a') + "\tx\n").size(), 96U);
 }
 
@@ -107,6 +108,8 @@ TEST_F(Bad_input, AStaleOrHostileScratchFileDoesNoHarm) {
     EXPECT_EQ(built("a\tb\n"), expected);
     EXPECT_EQ(place.read("precious"), "data");
     EXPECT_FALSE(place.exists("mid_buf"));
+    fs::create_symlink("in", place.path("mid_buf"));
+    EXPECT_EQ(built("a\tb\n"), expected) << "only the link is replaced";
     fs::create_directory(place.path("mid_buf"));
     const Outcome outcome = build("a\tb\n");
     EXPECT_EQ(outcome.exit_status, 0) << "silent by definition";

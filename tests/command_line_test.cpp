@@ -1,6 +1,5 @@
-#include "program.hpp"
-
-#include <gtest/gtest.h>
+#include "data_set_files.hpp"
+#include "txtdfc/txtdfc_token_values.hpp"
 
 namespace {
 
@@ -97,6 +96,9 @@ TEST_F(Command_line, GenerationFaultsRemoveTheOutput) {
     expect_failure(test::build_arguments(schema, {"last"}), "0xC2012511: The key name 'last' ");
     expect_failure(test::build_arguments(schema, {"%n%s\x1b[2J"}), "'%n%s\\x1B[2J'");
     expect_failure(test::build_arguments("A,Simple;A,Simple", {"A"}), "0xC2012510: ");
+    const std::string both =
+        place.shell("\"$DSMAKE\" -s '" + schema + "' -k last -i in -o out 2>&1").out;
+    EXPECT_TRUE(both.starts_with("Failed to generate file.\n0x")) << both;
     place.write("in", "Ann\t \xc2\xa0\t\n");
     expect_failure(test::build_arguments(schema + ";C,Simple", {"LAST"}), "0xC2012528: ");
 }
@@ -110,6 +112,51 @@ TEST_F(Command_line, RecordsThatCannotBeReadAreAWarning) {
         << outcome.err;
     EXPECT_NE(outcome.err.find(" of 3 lines. "), std::string::npos);
     EXPECT_FALSE(place.read("out").empty());
+}
+
+// A word whose token value, in the record's byte order, has the wanted bytes there.
+template <typename Is_wanted>
+std::string word_with(const Is_wanted& is_wanted) {
+    for (int i = 0;; ++i) {
+        const std::string word = "w" + std::to_string(i);
+        std::vector<std::uint64_t> values;
+        (void)txtdfc::txtdfc_token_values(test::wide(word), values);
+        if (is_wanted(values.at(0))) return word;
+    }
+}
+
+constexpr std::uint64_t count_at(std::uint64_t value, unsigned byte) {
+    return value >> (48 - 8 * byte) & 0xFFFF;
+}
+
+// A count of 65,537 is written as 1. Of the words behind the first, three have values that hold
+// counts where a reader now looks for them; they lead it to the end of the second row, with as many
+// records as there are rows.
+TEST_F(Command_line, ARowThatIsReadAsAnotherRowIsAWarning) {
+    std::vector<std::string> words(65537, "x");
+    std::uint64_t first = 0;
+    words[1] = word_with([&](std::uint64_t value) {
+        first = count_at(value, 0);
+        return first > 10000 && first < 20000;
+    });
+    std::uint64_t second = 0;
+    words[1 + first] = word_with([&](std::uint64_t value) { // a record ends in its third byte
+        second = count_at(value, 3);
+        return (value >> 40 & 0xFF) == 0 && second > 10000 && second < 40000;
+    });
+    words[1 + first + second] = word_with(
+        [&](std::uint64_t value) { return count_at(value, 5) == 65539 - first - second; });
+    std::string row;
+    for (const std::string& word : words) {
+        row += word + ' ';
+    }
+    place.write("in", row + "\tmark\nAnn\tSmith\n");
+    const Outcome outcome = place.run(test::build_arguments("A,Simple;B,Simple", {"A"}));
+    EXPECT_EQ(outcome.exit_status, 0);
+    EXPECT_TRUE(outcome.err.starts_with("Warnings:0x8201252B: Records with a value of more than "
+                                        "65,535 words and marks: 1, the first is 1. "))
+        << outcome.err;
+    EXPECT_EQ(outcome.err.find("0x8201252A"), std::string::npos) << "as many records as rows";
 }
 
 TEST_F(Command_line, DuplicatesAreAWarning) {

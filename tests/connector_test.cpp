@@ -41,7 +41,8 @@ TEST(Connector, AFileCutShortOrChangedAnywhereIsRefused) {
         SCOPED_TRACE(place);
         Connected cut(file.substr(0, place));
         const bool in_header = place < list_end;
-        EXPECT_EQ(cut.load(), in_header ? tla::TLA_STATUS_NO_DATA_SET : tla::TLA_STATUS_CHECKSUM);
+        EXPECT_EQ(cut.load(false),
+                  in_header ? tla::TLA_STATUS_NO_DATA_SET : tla::TLA_STATUS_CHECKSUM);
         EXPECT_EQ(cut.status.entries().size(), 1);
         EXPECT_EQ(test::argument_of(cut.status), in_header ? cut.path() : "");
         std::string changed = file;
@@ -83,15 +84,24 @@ TEST(Connector, ReadsTheFieldList) {
 }
 
 TEST(Connector, OpensOnlyFiles) {
-    scl::Scl_status status;
+    const test::Workplace place;
+    place.write("file", small_file());
     tla::Tla_data_set_connector_file connector;
-    for (const std::u16string name : {u"/no such file", u"/tmp", u""}) {
-        connector.set_parameter("DATAFILENAME", name, status);
+    const auto code_of_opening = [&connector](std::string_view name, std::string_view value) {
+        scl::Scl_status status;
+        connector.set_parameter(name, test::wide(value), status);
         connector.open(status);
-        EXPECT_EQ(status.value(), tla::TLA_STATUS_NOT_OPEN);
-        EXPECT_EQ(status.entries().size(), 1);
-        status.clear();
+        EXPECT_EQ(status.entries().size(), status.has_failed() ? 1 : 0);
+        return status.value();
+    };
+    EXPECT_EQ(code_of_opening("FileName", place.path("file").string()), tla::TLA_STATUS_NOT_OPEN);
+    for (const std::string& name : {place.path("none").string(), place.path("").string(), ""s}) {
+        EXPECT_EQ(code_of_opening("DATAFILENAME", place.path("file").string()), 0U);
+        EXPECT_NE(connector.file_size(), 0U);
+        EXPECT_EQ(code_of_opening("dataFileName", name), tla::TLA_STATUS_NOT_OPEN);
+        EXPECT_EQ(connector.file_size(), 0U);
     }
+    scl::Scl_status status;
     connector.load(status, true);
     EXPECT_EQ(status.value(), tla::TLA_STATUS_NOT_OPEN);
 }
@@ -99,13 +109,8 @@ TEST(Connector, OpensOnlyFiles) {
 TEST(Connector, ClosedAnswersNothing) {
     test::Loaded file(small_file());
     const std::int64_t offset = file.connector.record_offsets(file.status).front();
-    const auto entry = file.entry(offset);
     file.connector.close();
     EXPECT_TRUE(file.connector.field_descriptors().empty());
-    std::vector<std::uint64_t> values;
-    tla::Formatter_type_id type;
-    EXPECT_FALSE(entry->token_values(u"Name", values, type) ||
-                 entry->token_values(u"", values, type));
     const auto expect_not_open = [&file](bool is_right) {
         EXPECT_TRUE(is_right);
         EXPECT_EQ(file.status.value(), tla::TLA_STATUS_NOT_OPEN);
@@ -117,21 +122,43 @@ TEST(Connector, ClosedAnswersNothing) {
     expect_not_open(file.connector.record_offsets(file.status).size() == 3); // those of before
 }
 
+TEST(Connector, ClosedItForgetsCountsAndThatTheFileWasHeld) {
+    test::Loaded file(test::version2("Name,Simple", {"Name"}, {{"a b c"}}));
+    EXPECT_EQ(file.held.largest_token_count(0, file.status), 3U);
+    file.held.close();
+    const test::Workplace place;
+    place.write("next", test::version2("Name,Simple", {"Name"}, {{"a b"}}));
+    const std::string path = place.path("next");
+    file.held.set_parameter("DataFileName", test::wide(path), file.status);
+    file.held.open(file.status);
+    file.held.load(file.status, false);
+    EXPECT_EQ(file.held.largest_token_count(0, file.status), 2U);
+    EXPECT_EQ(file.status.value(), 0U);
+    std::filesystem::resize_file(path, 16);
+    const auto offset = static_cast<std::int64_t>(file.held.data_start());
+    EXPECT_EQ(file.held.read_entry(offset, file.status), nullptr);
+    EXPECT_EQ(file.status.value(), scl::SCL_STATUS_READ_FAILED);
+}
+
 // Otherwise half a file would pass for a whole one.
 TEST(Connector, AFileThatBecomesShorterCannotBeRead) {
-    const auto expect_failure = [](bool loaded, auto use) {
+    const auto expect_failure = [](bool loaded, std::uintmax_t size, auto use) {
         Connected file(test::version2(SCHEMA, {"Name"}, numbered_rows(9000)));
         file.held_is_compared = false;
         if (loaded) file.load();
-        std::filesystem::resize_file(file.path(), 5000);
+        std::filesystem::resize_file(file.path(), size);
         use(file);
         EXPECT_EQ(file.status.value(), scl::SCL_STATUS_READ_FAILED);
         EXPECT_TRUE(test::argument_of(file.status).starts_with(file.path() + ": "));
     };
-    expect_failure(false, [](auto& file) { file.load(); });
-    expect_failure(true, [](auto& file) { (void)file.connector.record_offsets(file.status); });
-    expect_failure(true, [](auto& file) { EXPECT_EQ(file.entry(6000), nullptr); });
-    expect_failure(true, [](auto& file) { EXPECT_TRUE(file.find("Name", u"n1").empty()); });
+    for (const std::uintmax_t size : {5000U, 100000U}) { // in the first window, and past it
+        expect_failure(false, size, [](auto& file) { file.load(); });
+        expect_failure(false, size, [](auto& file) { file.held.load(file.status, true); });
+    }
+    expect_failure(true, 5000,
+                   [](auto& file) { (void)file.connector.record_offsets(file.status); });
+    expect_failure(true, 5000, [](auto& file) { EXPECT_EQ(file.entry(6000), nullptr); });
+    expect_failure(true, 5000, [](auto& file) { EXPECT_TRUE(file.find("Name", u"n1").empty()); });
 }
 
 TEST(Connector, HeldInMemoryTheFileIsNeededNoMore) {

@@ -24,7 +24,8 @@ const Codes ENTRY_CODES = {0, tla::TLA_STATUS_RECORD_END, tla::TLA_STATUS_VALUE_
                            scl::SCL_STATUS_END_OF_DATA};
 const Codes FIND_CODES = {tla::TLA_STATUS_NO_TOKENS, tla::TLA_STATUS_NO_DATA_SET};
 const Codes UPGRADE_CODES = {tla::TLA_STATUS_NO_TEXT, tla::TLA_STATUS_KEY_NAME,
-                             tla::TLA_STATUS_RECORDS_LOST, tla::TLA_STATUS_DUPLICATE_LEFT_OUT};
+                             tla::TLA_STATUS_RECORDS_LOST, tla::TLA_STATUS_COUNT_WRAPPED,
+                             tla::TLA_STATUS_DUPLICATE_LEFT_OUT};
 
 // Every step must end with a code that it promises.
 void read_entries(test::Connected& connected, std::size_t most) {

@@ -43,6 +43,21 @@ TEST(Crc64, BothKernelsAgreeWithTheSlowOne) {
     }
 }
 
+TEST(Crc64, GoesOnWithTheChecksumOfWhatFollows) {
+    std::vector<std::byte> bytes(70000);
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        bytes[i] = static_cast<std::byte>(i * i);
+    }
+    for (const std::size_t front : {0U, 1U, 7U, 300U, 69999U, 70000U}) {
+        scl::Scl_crc64 all;
+        all.update(std::span(bytes).first(front));
+        scl::Scl_crc64 next;
+        next.update(std::span(bytes).subspan(front));
+        all.append(next, bytes.size() - front);
+        EXPECT_EQ(all.result(false), slow_register(scl::Scl_crc64::INITIAL, bytes)) << front;
+    }
+}
+
 // Texts of all lengths, at every alignment.
 TEST(Crc64, WidenedTextIsThatOfItsUnits) {
     std::mt19937_64 random(4);

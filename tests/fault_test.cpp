@@ -46,7 +46,10 @@ void fail_each_operation(const std::vector<std::string>& arguments, const std::s
         place.remove("mid_buf"); // stays when its removal is what failed
         if (!place.exists("failed")) {
             EXPECT_TRUE(place.read("out") == expected);
-            EXPECT_GT(failures, kind == "FAIL_EMPTY=1" ? 4 : 15);
+            EXPECT_GT(operation, 5);
+            // What was interrupted is done again.
+            const bool is_retried = kind == "FAIL_INTERRUPTED=1";
+            EXPECT_TRUE(is_retried ? failures == 0 : failures > (kind == "FAIL_EMPTY=1" ? 4 : 15));
             return;
         }
         if (outcome.exit_status == 255) ++failures;
@@ -75,7 +78,63 @@ TEST_P(Fault, AnUpgradeLosesNothing) {
                         test::version1("A,Simple;B,Simple", {"A", "B"}, rows), GetParam());
 }
 
-// Only that one, all from there on, or only a read that brings nothing.
-INSTANTIATE_TEST_SUITE_P(Each, Fault, testing::Values("FAIL_ONCE=1", "FAIL_ON=1", "FAIL_EMPTY=1"));
+// Memory that runs out, once or for good, is told as that and nothing else.
+void fail_each_allocation(const std::vector<std::string>& arguments, const std::string& input) {
+    const Workplace place;
+    std::filesystem::copy_file(DSMAKE_FAIL_NEW, place.path("fail_new.so"));
+    place.write("in", input);
+    ASSERT_EQ(place.run(arguments).exit_status, 0);
+    const std::string expected = place.read("out");
+    for (const std::string kind : {"FAIL_ONCE=1", "FAIL_ON=1"}) {
+        int failures = 0;
+        for (int allocation = 1;; ++allocation) {
+            SCOPED_TRACE(kind + ", allocation " + std::to_string(allocation));
+            place.remove("out");
+            place.remove("failed");
+            const Outcome outcome =
+                place.run(arguments, {"LD_PRELOAD=" + place.path("fail_new.so").string(),
+                                      "ASAN_OPTIONS=verify_asan_link_order=0",
+                                      "FAIL_AT=" + std::to_string(allocation), kind,
+                                      "FAIL_REPORT=" + place.path("failed").string()});
+            EXPECT_FALSE(place.exists("mid_buf"));
+            if (outcome.exit_status == 0) {
+                EXPECT_TRUE(place.read("out") == expected);
+            } else {
+                ASSERT_EQ(outcome.exit_status, 255);
+                EXPECT_NE(outcome.err.find("0xC2000001: There is not enough memory."),
+                          std::string::npos)
+                    << outcome.err;
+                EXPECT_FALSE(place.exists("out"));
+                ++failures;
+            }
+            if (!place.exists("failed")) break;
+        }
+        EXPECT_GT(failures, 20);
+    }
+}
+
+TEST(Memory_fault, NoMemoryIsToldByABuild) {
+    std::string lines = "a word and \xc3\xa9\t" + std::string(40000, '!') + "\n";
+    for (int i = 0; i < 50; ++i) {
+        lines += "a name that is long " + std::to_string(i / 2) + "\tkey\n";
+    }
+    fail_each_allocation(
+        test::build_arguments("A name for a field,Simple;B,SimpleNC", {"A name for a field", "B"}),
+        lines);
+}
+
+TEST(Memory_fault, NoMemoryIsToldByAnUpgrade) {
+    test::Rows rows;
+    for (int i = 0; i < 50; ++i) {
+        rows.push_back({"a name that is long " + std::to_string(i), "key"});
+    }
+    fail_each_allocation({"-u", "-i", "in", "-o", "out"},
+                         test::version1("A,Simple;B,Simple", {"A", "B"}, rows));
+}
+
+// Only that one, all from there on, only a read that brings nothing, or only an interruption.
+INSTANTIATE_TEST_SUITE_P(Each, Fault,
+                         testing::Values("FAIL_ONCE=1", "FAIL_ON=1", "FAIL_EMPTY=1",
+                                         "FAIL_INTERRUPTED=1"));
 
 } // namespace

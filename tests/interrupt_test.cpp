@@ -66,7 +66,10 @@ private:
         ::setenv("ASAN_OPTIONS", "verify_asan_link_order=0", 1);
         ::setenv("FAIL_AT", std::to_string(operation).c_str(), 1);
         ::setenv("FAIL_STOP", "1", 1);
-        if (ignored_signal != 0) std::signal(ignored_signal, SIG_IGN);
+        // Whatever the tests themselves were started with.
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+            std::signal(signal, signal == ignored_signal ? SIG_IGN : SIG_DFL);
+        }
         const bool is_quiet = std::freopen("/dev/null", "w", stdout) != nullptr &&
                               std::freopen("/dev/null", "w", stderr) != nullptr;
         if (is_quiet && ::chdir(place.path("").c_str()) == 0) ::execv(words[0], words);
@@ -112,6 +115,14 @@ TEST_F(Interrupt, LeavesAloneWhatIsNotItsOwn) {
         (void)go_on_with(SIGTERM);
         EXPECT_EQ(place.read("out"), FOREIGN) << operation;
     }
+}
+
+TEST_F(Interrupt, AnotherRunsScratchFileStaysWhenARunEnds) {
+    ASSERT_TRUE(stop_before(15, BUILD) && place.exists("mid_buf"));
+    place.remove("mid_buf");
+    place.write("mid_buf", FOREIGN);
+    EXPECT_EQ(go_on_with(SIGCONT), 0);
+    EXPECT_EQ(place.read("mid_buf"), FOREIGN);
 }
 
 TEST_F(Interrupt, ASignalIgnoredAtTheStartStaysIgnored) {

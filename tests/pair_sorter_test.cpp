@@ -25,7 +25,7 @@ void expect_sorted(std::size_t count, std::size_t expected_count, Make_hash make
         model.push_back({make_hash(i), i});
         sorter.add(model.back());
     }
-    std::stable_sort(model.begin(), model.end(), tla::hash_less);
+    std::ranges::stable_sort(model, {}, &Index_pair::key_hash);
     Collector collector;
     sorter.drain(collector);
     const auto same = [](const Index_pair& one, const Index_pair& other) {
@@ -49,6 +49,8 @@ TEST(Pair_sorter, KeepsTheOrderOfEqualHashes) {
     expect_sorted(COUNT, COUNT, [](std::size_t) { return 0x0123456789ABCDEFU; });
     expect_sorted(COUNT, COUNT, [&random](std::size_t) { return random() % 20 << 59; });
     expect_sorted(COUNT, COUNT, [](std::size_t i) { return i % 2 == 0 ? 0 : ~std::uint64_t{0}; });
+    // A bucket too large for the cache whose first pages hold one hash only.
+    expect_sorted(40300, 100, [](std::size_t i) { return i < 300 ? 40300 : 40300 - i; });
     for (unsigned shift = 0; shift < 64; shift += 8) { // differ in any sixteen bits
         expect_sorted(70000, COUNT, [shift](std::size_t i) { return (70000 - i) << shift; });
     }

@@ -167,6 +167,19 @@ TEST(Record_reader, ReadsInWindowsOfAnySizeWhatBytesSay) {
     EXPECT_GT(finished, 2000) << "and most of the others break a rule after some lines";
 }
 
+// A record beyond what is put together in memory is written field by field.
+TEST(Record_reader, LargeRecordsHoldTheSameValues) {
+    const std::string small = read("a b\t!\n", 100).records;
+    const std::string value = small.substr(small.size() - 9, 8);
+    constexpr std::size_t TOKENS = 5000; // 40,000 bytes, count 0x1388
+    std::string expected = small.substr(0, small.size() - 11) + "\x13\x88";
+    for (std::size_t i = 0; i < TOKENS; ++i) {
+        expected += value;
+    }
+    const Outcome large = read("a b\t" + std::string(TOKENS, '!') + "\na b\t!\n", 100);
+    EXPECT_TRUE(large.records == expected + std::string(1, '\0') + small);
+}
+
 // The fault comes long before the end of what cannot be held in memory, and the window with it.
 TEST(Record_reader, TellsAFaultBeforeItReadsOn) {
     const std::string long_line(1 << 20U, 'x');

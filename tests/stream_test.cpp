@@ -8,7 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <random>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -73,15 +76,17 @@ TEST_F(Stream, ReadingAheadGivesTheBytesThatAreThere) {
     fill(bytes);
     const test::Piecewise_buffer file(buffer);
     scl::Scl_buffered_istream in(file, false, status, Scl_eol::none);
+    std::uint64_t at = 0;
     for (int i = 0; i < 3000; ++i) {
-        if (i % 3 == 0) in.set_position(random() % bytes.size());
+        if (i % 3 == 0) in.set_position(at = random() % bytes.size());
         if (i % 100 == 0) in.limit_read_ahead(i % 200 == 0 ? WINDOW : 16);
-        const std::uint64_t at = in.tell();
+        ASSERT_EQ(in.tell(), at);
         std::string read(random() % (i % 7 == 0 ? 2 * WINDOW : 40), '\0');
         const std::size_t wanted = read.size();
         read.resize(in.read(wanted, read.data(), status));
         ASSERT_EQ(read.size() < wanted, status == scl::SCL_STATUS_END_OF_DATA);
         ASSERT_TRUE(read == bytes.substr(at, wanted));
+        at += read.size();
         status.clear();
         const auto window = in.window(50, status);
         ASSERT_GE(window.size(), std::min<std::size_t>(50, bytes.size() - in.tell()));
@@ -137,6 +142,53 @@ TEST_F(Stream, WritesGoBackAndOverButLeaveNoGap) {
     out.write("y", status);
     out.detach(status);
     EXPECT_TRUE(reported(scl::SCL_STATUS_OUT_OF_BOUNDS));
+}
+
+// Disk room is reserved ahead of large writes; nothing of it may be left in the finished file.
+TEST_F(Stream, ALargeFileTakesNoMoreRoomThanItsBytes) {
+    constexpr std::size_t PIECE = std::size_t{1} << 20;
+    constexpr std::uint64_t DISK_BLOCK = 512; // of st_blocks
+    const std::string path = testing::TempDir() + "large_file_" + std::to_string(::getpid());
+    scl::Scl_file_buffer file(std::u16string(path.begin(), path.end()), scl::Scl_file_open::create,
+                              scl::Scl_file_access::read_write, scl::SCL_FILE_PLAIN,
+                              scl::SCL_FILE_FRONT_TO_BACK, status);
+    const std::vector<std::byte> bytes(PIECE, std::byte{'x'});
+    for (std::size_t i = 0; i < 9; ++i) {
+        file.write_at(i * PIECE, bytes, status);
+    }
+    EXPECT_EQ(std::filesystem::file_size(path), 9 * PIECE) << "room is not size";
+    file.truncate(9 * PIECE + 1, status);
+    EXPECT_EQ(status.value(), scl::SCL_STATUS_OUT_OF_BOUNDS);
+    status.clear();
+    file.truncate(8 * PIECE, status);
+    file.write_at(8 * PIECE, std::span(bytes).first(1), status);
+    file.close(status);
+    EXPECT_TRUE(status.ok());
+    struct stat facts {};
+    ASSERT_EQ(::stat(path.c_str(), &facts), 0);
+    EXPECT_EQ(facts.st_size, 8 * PIECE + 1);
+    EXPECT_LE(facts.st_blocks * DISK_BLOCK, 9 * PIECE);
+    std::filesystem::remove(path);
+}
+
+TEST_F(Stream, FilesAreWrittenWithoutGapsAndOnlyWhenTheyAreNew) {
+    const test::Workplace place;
+    std::u16string name;
+    scl::scl_stow(place.path("file").string(), name);
+    const auto bytes = std::as_bytes(std::span("0123"));
+    scl::Scl_file_buffer file(name, scl::Scl_file_open::create, scl::Scl_file_access::read_write,
+                              scl::SCL_FILE_PLAIN, scl::SCL_FILE_FRONT_TO_BACK, status);
+    file.write_at(0, bytes.first(2), status);
+    file.write_at(1, bytes.first(4), status);
+    EXPECT_EQ(file.size(false, status), 5U);
+    file.write_at(6, bytes.first(1), status);
+    EXPECT_TRUE(reported(scl::SCL_STATUS_OUT_OF_BOUNDS));
+    file.open(name, scl::Scl_file_open::existing, scl::Scl_file_access::read_write,
+              scl::SCL_FILE_PLAIN, scl::SCL_FILE_FRONT_TO_BACK, status);
+    EXPECT_EQ(file.size(false, status), 5U);
+    file.write_at(0, bytes.first(1), status);
+    EXPECT_TRUE(reported(scl::SCL_STATUS_OUT_OF_BOUNDS));
+    EXPECT_EQ(place.read("file"), "00123");
 }
 
 TEST_F(Stream, WritesThatReachNothingAreReported) {

@@ -84,6 +84,10 @@ TEST(String, NonAsciiAtEveryPlaceOfABlock) {
             wide[at] = u'\u00E9';
             ASSERT_EQ(wide_of(narrow), wide);
             ASSERT_EQ(narrow_of(wide), narrow);
+            std::string bytes = std::string(size, 'x') + std::string(scl::SCL_BLOCK_BYTES, '\xE9');
+            ASSERT_TRUE(scl::scl_is_ascii({bytes.data(), bytes.data() + size})) << size;
+            bytes[at] = '\x80';
+            ASSERT_FALSE(scl::scl_is_ascii({bytes.data(), bytes.data() + size})) << size << at;
         }
     }
 }

@@ -118,13 +118,29 @@ TEST_F(Text_view, AssociationsBelongToATokenAndAKind) {
     EXPECT_TRUE(view.add_association(b, {NAME, object}));
     EXPECT_FALSE(view.add_association(b, {NAME, nullptr}));
     EXPECT_TRUE(view.add_association(b, {CARD, nullptr}));
-    EXPECT_TRUE(view.add_association(at(0), {CARD, object}));
-    EXPECT_TRUE(b.is_text(NAME) && b.is_text(CARD) && !at(2).is_text(CARD));
+    for (const int other : {0, 2}) { // before and behind it
+        EXPECT_TRUE(view.add_association(at(other), {CARD, object}));
+        EXPECT_FALSE(at(other).is_text(NAME));
+    }
+    EXPECT_TRUE(b.is_text(NAME) && b.is_text(CARD));
     EXPECT_EQ(view.find_associations(b),
               (std::vector<Txt_association>{{NAME, object}, {CARD, nullptr}}));
     EXPECT_TRUE(view.remove_association(b, CARD) && !b.is_text(CARD));
     EXPECT_EQ(view.remove_associations(b), 1U);
-    EXPECT_EQ(object.use_count(), 2);
+    EXPECT_TRUE(at(0).is_text(CARD) && at(2).is_text(CARD));
+    EXPECT_EQ(object.use_count(), 3);
+}
+
+TEST_F(Text_view, TokensAddedLaterHavePositionsToo) {
+    txt::Txt_text_view& view = view_of(u"a b");
+    EXPECT_EQ(at(1).position(), 1U);
+    alignas(Txt_physical_token) std::byte memory[sizeof(Txt_physical_token)]; // the view destroys
+    auto* const added = new (memory) Txt_physical_token(1, u"c", view);
+    view.start_content();
+    view.add_content(*added);
+    EXPECT_EQ(added->position(), 2U);
+    view.end_content();
+    EXPECT_TRUE(added->position() == 2 && at(1).is_before(*added) && view.purge());
 }
 
 TEST_F(Text_view, UnlinkedTokensAreLeftOut) {

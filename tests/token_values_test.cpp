@@ -28,8 +28,9 @@ Values values_of_bytes(std::string text, char behind) {
 Values values_of_units(std::string_view text) {
     std::u16string wide;
     scl::scl_stow(text, wide);
+    const std::vector<char16_t> exact(wide.begin(), wide.end()); // with nothing behind it
     Values values;
-    (void)txtdfc::txtdfc_token_values(wide, values);
+    (void)txtdfc::txtdfc_token_values({exact.data(), exact.size()}, values);
     return values;
 }
 
@@ -102,7 +103,22 @@ TEST(Value_tokens, OfALookupAreThoseOfARecord) {
         const auto bytes = std::as_bytes(std::span(record));
         ASSERT_TRUE(tla::tla_field_holds(bytes, 0, values)) << testing::PrintToString(value);
         ASSERT_EQ(tla::tla_key_hash(values), tla::tla_key_hash(tla::tla_field_values(bytes, 0)));
+        values[random() % values.size()] ^= 1;
+        ASSERT_FALSE(tla::tla_field_holds(bytes, 0, values)) << testing::PrintToString(value);
     }
+}
+
+TEST(Token_values, OfATextEndAtFifteenMillion) {
+    constexpr std::size_t MOST = 15000000;
+    const std::string text(MOST + 1 + scl::SCL_BLOCK_BYTES, '!');
+    std::size_t count = 0;
+    const auto all = [&text, &count] {
+        txtdfc::txtdfc_each_token_value(
+            scl::Scl_text_span<char>{text.data(), text.data() + MOST + 1},
+            [&count](std::uint64_t) { ++count; });
+    };
+    EXPECT_THROW(all(), std::runtime_error);
+    EXPECT_EQ(count, MOST);
 }
 
 TEST(Delimiters, AreThoseThatABytewiseSearchFinds) {

@@ -56,6 +56,9 @@ TEST(Upgrade, WarnsOfRecordsThatItDoesNotFindOrCannotTellApart) {
                          status);
     ASSERT_EQ(status.value(), tla::TLA_STATUS_RECORDS_LOST);
     EXPECT_EQ(test::argument_of(status), "1 of 2");
+    ASSERT_EQ(status.entries().size(), 2);
+    EXPECT_EQ(status.entries()[0].code, tla::TLA_STATUS_COUNT_WRAPPED);
+    EXPECT_EQ(status.entries()[0].argument->text(), u"1, the first is 2");
 }
 
 TEST(Upgrade, KeepsTheOrderOfTheRecordsWhateverTheirHashes) {

@@ -69,9 +69,11 @@ public:
         if (!status.has_failed()) connector_.load(status, false);
         check(status);
         keys_ = connector_.key_names();
-        const bool all_there = std::ranges::all_of(keys_, [this](const std::u16string& key) {
-            return std::ranges::find(fields(), key, &tla::Field_descriptor::name) != fields().end();
-        });
+        is_key_.resize(fields().size() + 1);
+        for (const std::size_t field : connector_.key_fields()) {
+            is_key_[field] = true;
+        }
+        const bool all_there = !is_key_.back();
         if (!all_there || keys_.size() != connector_.key_count()) fail("not all keys can be read");
     }
 
@@ -82,11 +84,11 @@ public:
         check(status);
         std::cout << shown(name_) << ": " << counted(connector_.record_count(), "record") << " of "
                   << counted(fields().size(), "field") << "; the file checks out\n";
-        for (const tla::Field_descriptor& field : fields()) {
-            const bool is_key = std::ranges::find(keys_, field.name) != keys_.end();
+        for (std::size_t i = 0; i < fields().size(); ++i) {
+            const tla::Field_descriptor& field = fields()[i];
             const std::string_view type = tla::tla_formatter_name_from_type_id(field.type);
             std::cout << "  " << shown(field.name) << ", "
-                      << (type.empty() ? "of unknown type" : type) << (is_key ? ", key" : "")
+                      << (type.empty() ? "of unknown type" : type) << (is_key_[i] ? ", key" : "")
                       << '\n';
         }
     }
@@ -139,6 +141,7 @@ private:
     std::u16string name_;
     tla::Tla_data_set_connector_file connector_;
     std::vector<std::u16string> keys_;
+    std::vector<bool> is_key_; // each field; the last, whether a key is no field
 };
 
 // Each line is a value. A byte order mark may stand before the first.

@@ -61,8 +61,7 @@ public:
     // To a position where a character starts. One beyond the end sets SCL_STATUS_END_OF_DATA and
     // changes nothing.
     void seek(std::uint64_t offset, scl::Scl_status& status) {
-        // Below zero for an offset past the window, and then, unsigned, more than any window holds:
-        // one comparison tells both sides.
+        // One comparison for both sides: an offset past the window's end wraps to a huge number.
         const std::uint64_t back = end_offset_ - offset;
         if (back <= static_cast<std::uint64_t>(end_ - begin_)) {
             at_ = end_ - back;

@@ -45,8 +45,7 @@ inline constexpr std::string_view USAGE_TEXT[] = {
 
 namespace {
 
-// At once, so that what goes to standard error, unbuffered, and this keep their order on a
-// terminal.
+// Flushes, since standard error is not buffered: both then keep their order on a terminal.
 void end_line() {
     std::putchar('\n');
     std::fflush(stdout);
@@ -55,7 +54,7 @@ void end_line() {
 } // namespace
 
 void print_message(const std::string& text) {
-    // Never as the format itself: a text may hold names, and those any '%'.
+    // Not as the format itself: names in the text may contain '%'.
     std::fprintf(stderr, "%s", text.c_str());
     end_line();
 }

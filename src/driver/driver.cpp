@@ -32,7 +32,7 @@ bool fail_with_usage(const char* message) {
 
 } // namespace
 
-// After an exception nothing reports and removes any more; a half-written output must not stay.
+// An exception skips the reports, which would remove a half-written output. So it is removed here.
 Driver::~Driver() {
     if (output_given_ && std::uncaught_exceptions() > exceptions_before_) remove_output();
 }
@@ -43,7 +43,7 @@ int Driver::run(int argument_count, const char* const* arguments) {
         return EXIT_FAULT;
     }
     if (!take_options(argument_count, arguments)) return EXIT_FAULT;
-    // What an upgrade needs stands in the old file: a key or a schema beside -u asks for a build.
+    // An upgrade takes everything from the old file: with a key or a schema, -u is ignored.
     const bool builds = !key_names_.empty() && !schema_.fields.empty();
     const bool names_nothing = key_names_.empty() && schema_.fields.empty();
     if (input_given_ && output_given_ && upgrade_asked_for_ && names_nothing) return upgrade();
@@ -60,8 +60,8 @@ bool Driver::take_options(int argument_count, const char* const* arguments) {
     }
 }
 
-// In the order in which they stand: files are opened at their options, so that a fault in a later
-// one leaves an empty output file behind.
+// Options act in their order: -o creates its file at once. So a fault in a later option leaves an
+// empty output file behind.
 bool Driver::take_option(char letter) {
     switch (std::tolower(static_cast<unsigned char>(letter))) {
     case 'h':
@@ -106,7 +106,8 @@ bool Driver::open_output(std::string_view name) {
     return true;
 }
 
-// A file that was there before is refused, and an interrupted run must not take it for its own.
+// Signals wait, so that an interrupted run removes the file if it created it, and only then: an
+// existing file, which is refused, must stay.
 void Driver::create_output(std::string_view name) {
     const Signals_wait hold;
     output_.open(wide(name), scl::Scl_file_open::create, scl::Scl_file_access::read_write,
@@ -124,16 +125,16 @@ void Driver::take_key(std::string_view name) {
     key_names_.push_back(wide(name));
 }
 
-// The input was opened to see that it can be; the upgrade opens it again, by its name, as a data
-// set.
+// -i opened the input to check that it can be opened; the upgrade opens it again, by its name.
 int Driver::upgrade() {
     input_.close(status_);
     tla::upgrade_data_set(input_name_, output_, status_);
     close_output();
-    // Duplicates are not reported in this mode. Records that are missing are: nobody would know.
-    if (!status_.ok() || status_.contains_value(tla::TLA_STATUS_RECORDS_LOST)) {
-        print_status(status_);
-    }
+    // Duplicates are not reported in this mode. Records that are missing or read differently from
+    // how they were written are: nobody would know.
+    const bool warned = status_.contains_value(tla::TLA_STATUS_COUNT_WRAPPED) ||
+                        status_.contains_value(tla::TLA_STATUS_RECORDS_LOST);
+    if (!status_.ok() || warned) print_status(status_);
     if (status_.ok()) return EXIT_OK;
     remove_output();
     return EXIT_FAULT;
@@ -156,9 +157,10 @@ int Driver::build() {
         break;
     }
     close_output();
-    // A column of unknown type, or a value of more tokens than a count can say, makes a file that
-    // is read differently from how it was written. It is kept, but not without a word.
+    // Neither a column of unknown type nor a value with more tokens than its count can hold is an
+    // error, but records cannot be read back from such a file: it is kept, with a warning.
     if (status_.ok()) {
+        tla::tla_warn_of_wrapped_records(result.wrapped, status_);
         tla::tla_warn_of_lost_records(result.record_count, result.line_count, status_);
     }
     return report_generation();
@@ -187,19 +189,17 @@ int Driver::report_generation() {
     return EXIT_FAULT;
 }
 
-// Before success is reported: a late write error may show only here.
+// Called before success is reported: the system may report a write error only at closing.
 void Driver::close_output() {
     output_.close(status_);
 }
 
 void Driver::remove_output() {
-    scl::Scl_status nobody_listens;
-    output_.close(nobody_listens);
-    // Through the C library and by the name as typed. When even this fails, what stays has no valid
-    // checksum and no reader takes it.
+    output_.discard();
+    // If this fails, a file stays whose checksum is wrong, and no reader accepts it.
     const Signals_wait hold;
     (void)std::remove(output_name_.c_str());
-    remove_when_interrupted({}); // another run may make a file of that name from here on
+    remove_when_interrupted({}); // from here on, a file of that name belongs to another run
 }
 
 } // namespace driver

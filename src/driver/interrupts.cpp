@@ -16,11 +16,12 @@ namespace {
 
 constexpr std::array ENDING_SIGNALS = {SIGINT, SIGTERM, SIGHUP};
 
-// More descriptors than a shell would ever hand down are not searched.
+// How many descriptors the handler searches. The limit may be in the millions or infinite, while
+// the program itself opens a handful, which get low numbers.
 constexpr int MOST_DESCRIPTORS = 65536;
 
-// Read by the handler, and so written only while it cannot run. The system opens no longer name.
-// It outlives every object: a run may be interrupted while it ends.
+// The handler reads it, so it is written only while the signals wait. PATH_MAX is the longest name
+// that the system opens. A global, since a run can be interrupted after its objects are destroyed.
 char output_to_remove[PATH_MAX] = "";
 
 sigset_t ending_signals() {
@@ -38,8 +39,9 @@ bool is_open_here(const struct stat& entry, int descriptor) {
            facts.st_ino == entry.st_ino;
 }
 
-// The entry may be another run's by now. It is ours when this process has it open, by a descriptor
-// that it opened itself: those it was handed are not closed on exec.
+// Another run may have replaced the scratch file. The entry is ours if this process has it open.
+// Only descriptors with FD_CLOEXEC count: all that this program opens have it, and those inherited
+// from a parent cannot.
 bool is_own_scratch(const struct stat& entry) {
     struct rlimit limit {};
     const bool known = ::getrlimit(RLIMIT_NOFILE, &limit) == 0;
@@ -53,13 +55,14 @@ bool is_own_scratch(const struct stat& entry) {
     return false;
 }
 
-// Calls nothing but the system, and only what it allows in a handler.
+// Calls async-signal-safe functions only (signal-safety(7)), and getrlimit(), a bare system call.
 extern "C" void clean_up_and_end(int signal) {
     if (output_to_remove[0] != '\0') (void)::unlink(output_to_remove);
     constexpr const char* SCRATCH = tla::TLA_SCRATCH_FILE_NAME.data();
     struct stat entry {};
     if (::lstat(SCRATCH, &entry) == 0 && is_own_scratch(entry)) (void)::unlink(SCRATCH);
-    // Its own action is back by SA_RESETHAND; it comes when this returns and the signal is let in.
+    // SA_RESETHAND has restored the default action. It follows when this returns, which unblocks
+    // the signal.
     (void)::raise(signal);
 }
 
@@ -70,7 +73,7 @@ void prepare_for_signals() {
     std::signal(SIGPIPE, SIG_IGN);
     struct sigaction action {};
     action.sa_handler = clean_up_and_end;
-    action.sa_mask = ending_signals(); // a second one waits, and finds everything gone
+    action.sa_mask = ending_signals(); // a second signal waits until the first one is handled
     action.sa_flags = static_cast<int>(SA_RESETHAND);
     for (const int signal : ENDING_SIGNALS) {
         struct sigaction before {};

@@ -9,6 +9,7 @@
 #include <new>
 #include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -23,8 +24,8 @@ Wide_arguments decode_arguments(std::span<char*> arguments) {
     return wide;
 }
 
-// Through UTF-16 and back, as on systems whose arguments are UTF-16: one path for all. Bytes that
-// are no UTF-8 come out as they went in.
+// Arguments become UTF-16 and UTF-8 again, so that there is one path also for systems that pass
+// UTF-16. Bytes that are no UTF-8 come out unchanged.
 int run_driver(const Wide_arguments& wide) {
     std::vector<std::string> narrow(wide.size());
     std::vector<const char*> pointers;
@@ -38,22 +39,25 @@ int run_driver(const Wide_arguments& wide) {
     return driver.run(count, pointers.data());
 }
 
-// By now everything is unwound: the scratch file and the output are gone, and what memory they took
-// is free again.
+// Everything is unwound by now: the scratch file and the output are removed, their memory is free.
 int report_exception(const char* message) {
     std::fprintf(stderr, "%s\n", message);
     return driver::EXIT_FAULT;
 }
 
-// Builds its text anew: what filled the memory is gone.
+// Takes no memory: what filled it may be another program, and then it is as full as before.
 int report_no_memory() {
-    scl::Scl_status status;
-    status.push(scl::SCL_STATUS_NO_MEMORY);
-    std::u16string wide;
-    scl::Scl_status_lookup::to_string(status, wide);
-    std::string text;
-    scl::scl_wtos(wide, text, true);
-    return report_exception(text.c_str());
+    const std::string_view text = scl::Scl_status_lookup::message(scl::SCL_STATUS_NO_MEMORY);
+    std::fprintf(stderr, "0x%08X: %.*s\n", scl::SCL_STATUS_NO_MEMORY, static_cast<int>(text.size()),
+                 text.data());
+    return driver::EXIT_FAULT;
+}
+
+// Where there is no memory from the start on, not even an exception can be thrown, and the C++
+// library comes here at once. Nothing is done yet then.
+[[noreturn]] void end_at_once() {
+    if (std::current_exception() != nullptr) std::abort();
+    std::_Exit(report_no_memory());
 }
 
 int run(std::span<char*> arguments) {
@@ -71,6 +75,7 @@ int run(std::span<char*> arguments) {
 } // namespace
 
 int main(int argument_count, char** arguments) {
+    std::set_terminate(end_at_once);
     driver::prepare_for_signals();
     std::exit(run({arguments, static_cast<std::size_t>(argument_count)}));
 }

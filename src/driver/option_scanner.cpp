@@ -16,7 +16,7 @@ bool is_prefix(char character) {
     return character == '-' || character == '/';
 }
 
-// errno is set for callers that take the scanner for a function of the C library.
+// Sets errno as a function of the C library would; callers may check it.
 char bad_option() {
     option_argument = nullptr;
     errno = EINVAL;

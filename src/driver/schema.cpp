@@ -18,7 +18,7 @@ std::vector<std::u16string> split(std::u16string_view text, std::u16string_view 
     return pieces;
 }
 
-// Any even number of pieces passes; those after the second are of no account.
+// Any even number of pieces is accepted; pieces after the second are ignored.
 bool parse_field(std::u16string_view text, Schema& schema) {
     const std::vector<std::u16string> pieces = split(text, scl::W_COMMA);
     if (pieces.empty() || pieces.size() % 2 != 0) return false;

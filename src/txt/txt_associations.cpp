@@ -8,7 +8,7 @@ constexpr Txt_association_kind FIRST_KIND{}; // no kind comes before it in the o
 
 } // namespace
 
-// The order puts a token's associations side by side, so none of the other tokens' is looked at.
+// A token's associations are neighbours in the map's order, so no others are looked at.
 std::size_t Associations::remove_all(const Txt_token& token) {
     std::size_t count = 0;
     for (auto at = objects_.lower_bound({&token, FIRST_KIND});

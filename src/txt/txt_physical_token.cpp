@@ -36,12 +36,13 @@ std::size_t Txt_physical_token::position() const {
     return position_;
 }
 
-// A token's size counts, and no pool holds as many tokens as 32 bits can number.
+// Stored in 32 bits, which keeps tokens small; no pool holds so many tokens.
 void Txt_physical_token::position(std::size_t position) {
     position_ = static_cast<std::uint32_t>(position);
 }
 
-// The form that files hold is asked for every token; it needs no copy of the text.
+// Form `whole` is the one that data set files hold and the common one; it needs no copy of the
+// text.
 std::uint64_t Txt_physical_token::crc(Txt_text_form form) const {
     return form == Txt_text_form::whole ? txt_token_value(text_) : Txt_token::crc(form);
 }
@@ -54,7 +55,7 @@ std::u16string_view Txt_physical_token::trailer_entry() const {
     return trailer_;
 }
 
-// The text is the caller's, and may go.
+// Keeps a copy: the caller's text may not live as long.
 void Txt_physical_token::trailer_text(std::u16string_view trailer) {
     trailer_ = view_->keep(trailer);
 }
@@ -73,7 +74,7 @@ bool Txt_physical_token::replace_run(const Txt_physical_token& /*back*/,
     return false;
 }
 
-// By the one operation that knows where the content is: whoever overrides that has this as well.
+// Through replace_run(), so that a class that overrides that one need not override this.
 bool Txt_physical_token::make_safe() {
     return replace_run(*this, safe_text());
 }
@@ -90,12 +91,12 @@ const Txt_physical_token& Txt_physical_token::back() const {
     return *this;
 }
 
-// The cheap question first: trailers that stand alone are never looked for.
+// The cheap test first: a trailer without text needs no search.
 bool Txt_physical_token::is_text(const Txt_association_kind& kind) const {
     return is_text() && view_->has_association(*this, kind);
 }
 
-// A search of them all: views have few virtual tokens, and most have none.
+// A linear search: views have few virtual tokens, most have none.
 std::vector<Txt_virtual_token*> Txt_physical_token::vtokens() const {
     std::vector<Txt_virtual_token*> tokens;
     for (auto token = view_->vbegin(); token != view_->vend(); ++token) {

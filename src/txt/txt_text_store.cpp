@@ -6,8 +6,8 @@ namespace txt {
 
 namespace {
 
-// Memory is taken in pieces of twice the size of the last one, as nobody tells how much text there
-// will be; but not beyond 1 MiB, so that no more than that is taken in vain.
+// Each piece of memory is twice as large as the one before, since the amount of text is not known.
+// At most 1 MiB, so that no more than that stays unused.
 constexpr std::size_t LARGEST_STEP = std::size_t{1} << 19; // units
 
 } // namespace
@@ -17,8 +17,8 @@ void Txt_text_store::append(std::u16string_view text) {
     at_ = std::copy(text.begin(), text.end(), at_);
 }
 
-// Moves the open text to new memory of at least twice its size, so that a text of any length is
-// built in linear time.
+// Moves the open text to new memory of at least twice its size, so that building a text takes
+// linear time.
 void Txt_text_store::grow(std::size_t units) {
     if (further_ == nullptr) further_ = std::make_unique<Further>();
     const std::u16string_view open = open_text();
@@ -32,8 +32,7 @@ void Txt_text_store::grow(std::size_t units) {
     limit_ = start + size - 1;
 }
 
-// The set's keys are views of what the store keeps, which does not move: so a text is looked up
-// without making a string of it.
+// The set's keys are views of texts in the store, which do not move. So a look-up makes no string.
 std::u16string_view Txt_text_table::insert(std::u16string_view text) {
     const std::u16string_view known = lookup(text);
     if (known.data() != nullptr) return known;

@@ -41,13 +41,13 @@ public:
     }
     void append(std::u16string_view text);
 
-    // For who writes in place: where the open text grows next, and how many units it has.
+    // The memory behind the open text, to write to in place. Call grown() with the units written.
     [[nodiscard]] std::span<char16_t> room() { return {at_, limit_}; }
     void grown(std::size_t units) { at_ += units; }
 
-    // Closes the open text, which from then on stays where it is, and opens the next one. When the
-    // zero took the last unit there is, the next one begins on it: it has no room, and moves with
-    // its first unit.
+    // Closes the open text, which no longer moves, and opens the next one behind its zero. If the
+    // zero took the last unit of the memory, the next text has no room, and append() moves it
+    // before its first unit.
     [[nodiscard]] std::u16string_view keep() {
         const std::u16string_view text = open_text();
         *at_ = u'\0';

@@ -157,8 +157,8 @@ void Txt_text_view::set_neighbours(Txt_physical_token& token, Txt_physical_token
     is_numbered_ = false;
 }
 
-// The neighbours it had must be next to each other, or it has no place to go back to. A token that
-// is linked fails that as well.
+// A token goes back between its former neighbours, which must be next to each other. They are not
+// if the token is linked already.
 bool Txt_text_view::link(Txt_physical_token& token) {
     const bool fits =
         (token.previous_ != nullptr ? token.previous_->next_ : front_) == token.next_ &&
@@ -168,7 +168,7 @@ bool Txt_text_view::link(Txt_physical_token& token) {
     return true;
 }
 
-// Its own links stay as they are: they say where it goes back to.
+// Keeps its own links, which say where it goes back to.
 bool Txt_text_view::unlink(Txt_physical_token& token) {
     if (is_locked() || is_open_ || !is_linked(token)) return false;
     forget(token);
@@ -176,7 +176,7 @@ bool Txt_text_view::unlink(Txt_physical_token& token) {
     return true;
 }
 
-// A run that lost one of its ends is no run any more, and what was attached to it means nothing.
+// Drops the token's associations, and the virtual tokens that begin or end with it.
 void Txt_text_view::forget(const Txt_physical_token& token) {
     if (extras_ == nullptr) return; // as most views, and then there is nothing to search
     remove_associations(token);
@@ -189,8 +189,8 @@ void Txt_text_view::forget(const Txt_physical_token& token) {
     extras_->unlinked_virtual_tokens.remove_if(ends_there);
 }
 
-// All at once, and again only after the order has changed: to compare every token with every other
-// would else take a walk for each.
+// Numbers all tokens at once, and again only after the order has changed. Otherwise each comparison
+// of two tokens would take a walk.
 void Txt_text_view::number_tokens() {
     if (is_numbered_) return;
     std::size_t position = 0;
@@ -200,7 +200,7 @@ void Txt_text_view::number_tokens() {
     is_numbered_ = !is_open_; // tokens that are added after this have no number yet
 }
 
-// What refers to tokens goes before them.
+// Drops what refers to tokens first, then the tokens.
 bool Txt_text_view::purge() {
     if (is_locked() || is_open_) return false;
     if (extras_ != nullptr) {
@@ -227,7 +227,7 @@ std::u16string Txt_text_view::redaction(std::size_t count) const {
     return std::u16string(count, static_cast<char16_t>(get_redaction_character()));
 }
 
-// Not counted while tokens are added: hardly a caller asks, and every token would pay.
+// Counts when asked, not while tokens are added: few callers ask.
 std::size_t Txt_text_view::count(std::uint32_t type) const {
     return static_cast<std::size_t>(std::count_if(
         cbegin(), cend(), [&](const Txt_physical_token& token) { return token.type() == type; }));
@@ -249,8 +249,8 @@ std::size_t Txt_text_view::symbol_token_count() const {
     return count(TXT_TOKEN_SYMBOL);
 }
 
-// A table that was given is shared between views, whose texts repeat; one of the view's own is made
-// when the first text needs it, as the texts of most tokens stay in the store.
+// A given table is shared between views, whose texts repeat. A table of the view's own is made for
+// the first text that needs one; the texts of most tokens stay in the store.
 std::u16string_view Txt_text_view::insert_text(std::u16string_view text) {
     return (table_ != nullptr ? *table_ : extras().table).insert(text);
 }
@@ -282,7 +282,7 @@ std::u16string Txt_text_view::create_string() const {
     return text;
 }
 
-// A view whose content is being added has no order yet that a lock could keep.
+// Not while content is being added, when the order still changes.
 void Txt_text_view::lock() {
     if (is_open_) throw std::logic_error("Txt_text_view::lock() - content not ended");
     ++extras().locks;

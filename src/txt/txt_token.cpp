@@ -42,7 +42,7 @@ std::size_t count_characters(std::u16string_view text, const Predicate& counts) 
 
 } // namespace
 
-// Where tokens are is asked through position(), so that virtual and physical ones compare alike.
+// By position(), so that virtual and physical tokens compare alike.
 bool Txt_token::is_before(const Txt_token& other) const {
     return &view() == &other.view() && back().position() < other.position();
 }
@@ -65,7 +65,8 @@ std::uint64_t Txt_token::crc(Txt_text_form form) const {
     return txt_token_value(form == Txt_text_form::whole ? whole : visible_text(whole));
 }
 
-// Texts of the view end in a zero, those that are made here only once they are in its table.
+// Texts that the view keeps end in a zero. A text made here has none until the view's table keeps
+// it.
 const char16_t* Txt_token::text(Txt_text_form form) const {
     const std::u16string_view whole = text_entry();
     if (whole.empty()) return view().empty_text();
@@ -78,7 +79,7 @@ const char16_t* Txt_token::trailer_text() const {
     return trailer.empty() ? view().empty_text() : trailer.data();
 }
 
-// Counted in place: redaction asks every token of a run for it, and needs no copy.
+// Counts without a copy of the text: redaction asks every token of a run.
 std::size_t Txt_token::length(Txt_text_form form) const {
     const std::u16string_view whole = text_entry();
     return form == Txt_text_form::whole ? whole.size() : count_characters(whole, is_visible);
@@ -96,7 +97,7 @@ bool Txt_token::is_trailer() const {
     return !is_text() && !trailer_entry().empty();
 }
 
-// Kept in the view's table: callers get a pointer, and nobody says how long they need it.
+// Kept in the view's table, since callers get a pointer that lives as long as the view.
 const char16_t* Txt_token::formatted_text() const {
     std::u16string formatted(text_entry());
     formatted += trailer_entry();
@@ -107,8 +108,8 @@ std::size_t Txt_token::formatted_text_length() const {
     return length(Txt_text_form::whole) + trailer_length();
 }
 
-// A redaction character for a lone surrogate would tell that one was there, and nothing about a
-// text without any visible character would tell that it was.
+// A lone surrogate is removed: a redaction character in its place would show that there was one. A
+// text without any visible character becomes one redaction character, so that it still shows.
 std::u16string Txt_token::safe_text() const {
     const std::u16string_view whole = text_entry();
     if (whole.empty()) return {};

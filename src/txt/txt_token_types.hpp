@@ -41,8 +41,7 @@ static_assert(txt_token_type(scl::Scl_unicode_code_point_type::punctuation) ==
 // little-endian, without a terminator; 0 for the empty text.
 [[nodiscard]] inline std::uint64_t txt_token_value(std::u16string_view text) {
     if (text.empty()) return 0;
-    return scl::Scl_crc64::calculate(text.data(), text.size() * sizeof(char16_t),
-                                     scl::Scl_crc64::INITIAL);
+    return scl::Scl_crc64::calculate_units(text);
 }
 
 // The same of a text of either unit; ASCII bytes count as the units that they become.

@@ -14,7 +14,7 @@ namespace txt {
 
 namespace impl {
 
-// Walks over one text. Tokens are pieces of it as they lie there, so nothing is copied.
+// Walks over one text. Tokens are views of it, so nothing is copied.
 template <typename Unit, typename Take>
 class Token_walk {
 public:
@@ -34,7 +34,8 @@ public:
     }
 
 private:
-    // In ASCII nothing joins white space, so that a stretch of it is a whole trailer.
+    // In ASCII nothing but white space joins a white space before it, so a stretch of white space
+    // is a whole trailer.
     void skip_spaces() {
         if constexpr (sizeof(Unit) == 1) {
             const Unit* const from = at_;
@@ -77,7 +78,7 @@ private:
         }
     }
 
-    // True at the end of it all; after a roll-back there are characters to be taken once more.
+    // True when all is done. After a roll-back there are characters to be taken again.
     bool take_end() {
         switch (state_.take_end()) {
         case Word_action::roll_back:
@@ -121,16 +122,20 @@ private:
 
 } // namespace impl
 
-// Whether the text is one token of no more units than a block, as nearly all short values are; seen
-// in one look. False may be wrong.
+// Whether the text is one token that fits a block, as most values are; takes one look. False says
+// nothing: the text may be one token all the same.
 template <typename Unit>
 [[nodiscard]] bool txt_is_short_run(scl::Scl_text_span<Unit> text) {
     return impl::is_short_run(text);
 }
 
 // Hands the tokens of a text, ASCII bytes or UTF-16 units, to `take(begin, end)` in their order.
-// They are the ones that a Txt_tokeniser finds, by the same rules and table. A trailer that the
-// text begins with gives an empty token first: it is the one that the trailer belongs to.
+// A text that begins with white space gives an empty token first, the one that this trailer belongs
+// to.
+//
+// Twins: Txt_tokeniser finds the same tokens, character by character and with its callers'
+// checkpoints. Both ask impl::Word_state. Tested by Token_values.AreThoseOfTheView, and for
+// bytes by Token_values.OfBytesAreThoseOfUnits.
 template <typename Unit, typename Take>
 void txt_walk_tokens(scl::Scl_text_span<Unit> text, Take&& take) {
     impl::Token_walk<Unit, Take>(text, take).run();

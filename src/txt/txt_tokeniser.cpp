@@ -3,14 +3,17 @@
 #include "txt/word_runs.hpp"
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 
 namespace txt {
 
-// What the store has no room for is left: process() makes room, a character at a time, and the next
-// run goes on.
+// Takes no more than the store has room for. process(), which takes the next character, makes room,
+// and the run goes on after that. Runs are found in units as they lie in memory: on a big-endian
+// processor process() takes every character.
 std::size_t Txt_tokeniser::take_run(std::span<const std::byte> units, Txt_text_store& text,
                                     std::uint32_t& type, Txt_parse_operation& operation) {
+    if constexpr (std::endian::native == std::endian::big) return 0;
     const auto* const begin = reinterpret_cast<const char16_t*>(units.data());
     const auto* const end = begin + units.size() / sizeof(char16_t);
     const std::size_t found = impl::run_length<char16_t>({begin, end}, begin);

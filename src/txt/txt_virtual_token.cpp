@@ -14,8 +14,8 @@ bool Txt_virtual_token::unlink() {
     return view().unlink_virtual(*this);
 }
 
-// Put together each time, as the run's tokens may be unlinked and linked; the view keeps each text
-// only once.
+// Joined anew each time, since tokens of the run may be unlinked and linked. The view keeps equal
+// texts once.
 std::u16string_view Txt_virtual_token::text_entry() const {
     std::u16string text(front_->text_entry());
     for (const Txt_physical_token* token = front_; token != back_;) {
@@ -30,8 +30,8 @@ std::u16string_view Txt_virtual_token::trailer_entry() const {
     return back_->trailer_entry();
 }
 
-// To a physical token a count of 0 means all of it, so a token of which nothing is wanted is not
-// asked at all.
+// A physical token takes a count of 0 for all of it, so a token of which nothing is to be redacted
+// is left out.
 bool Txt_virtual_token::redact(std::size_t skip, std::size_t count) {
     std::size_t left = count != 0 ? count : scl::SCL_NPOS; // more than any run has
     for (Txt_physical_token* token = front_; left != 0; token = token->next()) {
@@ -45,14 +45,14 @@ bool Txt_virtual_token::redact(std::size_t skip, std::size_t count) {
     return true;
 }
 
-// One edit from the first token's text to the last one's: with one for each token, the trailers
-// between would tell how many words there were and how long.
+// One edit over the whole run. With one for each token, the trailers between them would show how
+// many words there were and how long.
 bool Txt_virtual_token::make_safe() {
     return front_->replace_run(*back_, safe_text());
 }
 
-// The new text goes where the first token is, and the others' texts go; the trailers between stay,
-// as a token's edits never touch those. What is put behind belongs behind the last token.
+// The first token gets the new text, the others are removed; the trailers between them stay.
+// `after` goes behind the last token.
 bool Txt_virtual_token::replace_text(std::u16string_view text, std::u16string_view before,
                                      std::u16string_view after) {
     const bool is_first_concerned = !text.empty() || !before.empty();

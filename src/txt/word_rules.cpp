@@ -10,7 +10,9 @@ using Wb = scl::Scl_word_break;
 
 constexpr std::size_t PROPERTIES = 21; // values of Wb
 
-// The text before a position, as far as the rules ask about it.
+// What the rules need to know of the text before a position. For "3.1" before the 1: `before` is
+// mid_num, `beyond` is numeric, and `awaiting` is true, since only the 1 makes the stop part of the
+// number (WB11, WB12).
 struct Context {
     Wb before;         // the last character that WB4 does not skip
     Wb beyond;         // the one before that, when `before` is a mid character joined to it
@@ -52,7 +54,8 @@ constexpr bool follows_connector(Wb p) {
     return is_ahletter(p) || p == Wb::numeric || p == Wb::katakana;
 }
 
-// The rules whose second half follows a mid character.
+// The rules that look past a mid character have two halves: WB6 with WB7, WB7b with WB7c, WB12 with
+// WB11. Here the second halves, for the character after the mid character.
 constexpr bool completes(const Context& c, Wb after) {
     const Wb beyond = c.beyond;
     const Wb mid = c.before;
@@ -62,8 +65,9 @@ constexpr bool completes(const Context& c, Wb after) {
     return false;
 }
 
-// The first rule that fits decides. WB7a stands before WB6: where both fit it needs no look ahead.
-// WB15 and WB16 need no count: a complete pair no longer counts as a regional indicator.
+// The first rule that fits decides. WB7a comes before WB6: where both fit, it needs no look ahead.
+// WB15 and WB16 need no count of indicators: after a complete pair, `before` is no regional
+// indicator (after_join).
 constexpr Word_action decide(const Context& c, Wb after) {
     using enum Word_action;
     const Wb before = c.before;
@@ -89,7 +93,7 @@ constexpr Word_action decide(const Context& c, Wb after) {
     return part;                                                               // WB999
 }
 
-// As `before`, properties that the rules treat alike.
+// As `before`, properties that the rules treat alike are one, which keeps the table small.
 constexpr Wb merged(Wb p) {
     if (p == Wb::aletter_pictographic) return Wb::aletter;
     if (p == Wb::newline) return Wb::lf;
@@ -102,7 +106,8 @@ constexpr Context first(Wb p) {
     return {merged(p), Wb::other, p == Wb::zwj, false};
 }
 
-// After `mid`, which followed `before` and was looked at, or joined at once by WB7a.
+// The context after a mid character. It is awaiting, except after a Hebrew letter and a single
+// quote, which WB7a joins at once.
 constexpr Context after_mid(Wb before, Wb mid) {
     if (mid == Wb::double_quote) return {mid, before, false, true};
     if (before == Wb::numeric) return {Wb::mid_num, before, false, true};
@@ -137,8 +142,8 @@ constexpr std::array CONTEXTS{
     after_mid(Wb::numeric, Wb::mid_num),
 };
 
-// A row for each awaiting context, from which its mid character is taken; then two for each
-// context, without and with a ZWJ right before.
+// The rows in their order: START; CUT; one for each awaiting context, in which its mid character,
+// so far only looked at, is taken; then two for each context, without and with a ZWJ right before.
 constexpr std::size_t AWAITING = 3;
 constexpr std::size_t FIRST_AWAITING = CONTEXTS.size() - AWAITING;
 constexpr std::size_t FIRST_TAKE_ROW = 2;

@@ -14,11 +14,14 @@
 
 #pragma GCC visibility push(default) // installed
 
-// Runs of letters, digits and connectors, which nearly all words are. Whatever of them comes first,
-// the next one joins it, so that a run needs no step of the rules for each character.
+// Runs of letters, digits and connectors, as nearly all words are. Each of them joins the one
+// before (WORD_RUN_PROPERTIES), so that a run needs no step of the rules for each character.
+//
+// Twins: runs and single steps. Tested by Token_values.OfBytesAreThoseOfUnits and
+// Word_break.RandomTextsAsTheSlowModel.
 namespace txt::impl {
 
-// By what the bit table holds of a unit: whether it extends runs, and may as well start one.
+// Whether a unit belongs to runs, by its byte of the bit table.
 using Run_units = std::array<bool, 256>;
 
 constexpr Run_units make_run_units() {
@@ -34,7 +37,7 @@ constexpr Run_units make_run_units() {
 }
 inline constexpr Run_units RUN_UNITS = make_run_units();
 
-// Wherever it lies: a buffer's units need not be aligned.
+// By memcpy, since the units of a buffer need not be aligned.
 template <typename Unit>
 [[nodiscard]] std::uint8_t unit_bits(const Unit* from) {
     std::make_unsigned_t<Unit> unit = 0;
@@ -50,17 +53,17 @@ template <typename Unit>
     return (letters | block.is_between('0', '9') | block.equals('_')).leading_lanes();
 }
 
-// Whether the text is one run, of no more units than a block: so are most values, and it takes one
-// look to see it. False may be wrong.
+// Whether the text is one run that fits a block, as most values are. False says nothing: the text
+// may be a run all the same.
 template <typename Unit>
 [[nodiscard]] bool is_short_run(scl::Scl_text_span<Unit> text) {
     return text.size() - 1 < scl::SCL_BLOCK_UNITS<Unit> && text.has_block(text.begin) &&
            leading_word_units(text.begin) >= text.size();
 }
 
-// How many units from `at` on are run units. Blocks first, as far as they can be read and are
-// ASCII; one that ends inside a block ends for good if the text is ASCII, and is looked at singly
-// if not.
+// How many units from `at` on belong to a run. First block by block, as far as there are whole
+// blocks of ASCII word characters. A run of bytes that ends inside a block ends there. A run of
+// 16-bit units may go on with a letter that is not ASCII, so the rest is looked up unit by unit.
 template <typename Unit>
 [[nodiscard]] inline std::size_t run_length(scl::Scl_text_span<Unit> text, const Unit* at) {
     const auto size = static_cast<std::size_t>(text.end - at);

@@ -9,19 +9,19 @@
 
 namespace txt::impl {
 
-// Where the rules are in a text: what they need to know of it up to a position, and whether the
-// segment open there is a trailer. Whoever cuts a text into tokens asks this about each character,
-// or about each run, and about nothing else.
+// The state of the word boundary rules at a position in a text, and whether the open segment is a
+// trailer. All code that cuts text into tokens goes through here: Txt_tokeniser and
+// txt_walk_tokens().
 class Word_state {
 public:
     using Class = scl::Scl_unicode_code_point_type;
 
-    // What a character does, given by its byte of the bit table. After `part`, `look` and
-    // `roll_back` it is not taken yet and must be given again: after `roll_back` the one where
-    // `look` was answered.
+    // Takes a character, given by its byte of the bit table. After `part` and `look` it is not
+    // taken yet and must be given again; after `roll_back`, the one where `look` was answered must
+    // be. "e. g" answers: e start, stop look, stop join, blank roll_back; then from the stop on:
+    // stop part, stop start, blank part, ...
     //
-    // One tailoring: a segment that starts with white space joins a trailer, so that together they
-    // are one.
+    // One tailoring: a segment that starts with white space joins the trailer before it.
     Word_action take(std::uint8_t bits) {
         const std::size_t property = bits >> 3U;
         const bool is_space = static_cast<Class>(bits & 7U) == Class::white_space;
@@ -41,9 +41,10 @@ public:
         return step.action;
     }
 
-    // Whether any run unit would start a segment or join the open one.
+    // Whether any letter, digit or connector would start a segment or join the open one.
     [[nodiscard]] bool takes_runs() const { return WORD_RUNS[row_]; }
-    // All of a run of which this is the last unit. Only while it takes runs.
+    // Takes a whole run, given by its last unit: what follows only needs to know that one. Only
+    // while takes_runs() is true.
     void take_run(std::uint8_t last_bits) {
         if (!is_open()) in_trailer_ = false;
         row_ = WORD_STEPS[WORD_ROW_START][last_bits >> 3U].row;

@@ -10,9 +10,9 @@ namespace txtdfc {
 
 namespace {
 
-// Writes text with its line ends replaced. Whether a CR belongs to a line end only the unit after
-// it tells, so it waits for that. When that is another CR, both are written as they are: the second
-// does not wait, and an LF after it is a line end of its own.
+// Writes text with its line ends replaced. A CR waits for the next unit, which tells whether it
+// belongs to a line end. If that is another CR, both are written and neither waits: CR CR LF comes
+// out as CR, CR and a line end.
 class Line_writer {
 public:
     Line_writer(std::u16string_view line_end, std::u16string& lines)
@@ -80,8 +80,8 @@ void Content_analyser::scan(const scl::Scl_buffer& content, scl::Scl_status& sta
     }
 }
 
-// Back to front. False when nothing more need be seen. Half a unit, after a read that came back
-// short, is left out.
+// Scans back to front. False when the answer is known. Leaves out half a unit at the end, which a
+// short read can give.
 bool Content_analyser::scan_units(std::span<const std::byte> bytes) {
     for (std::size_t at = bytes.size() - bytes.size() % UNIT_BYTES; at != 0; at -= UNIT_BYTES) {
         if (!take(scl::scl_load_le<char16_t>(&bytes[at - UNIT_BYTES]))) return false;
@@ -89,7 +89,7 @@ bool Content_analyser::scan_units(std::span<const std::byte> bytes) {
     return true;
 }
 
-// False when the unit before the last LF has been seen, whatever it is.
+// False when the answer is known: at the unit before the last LF.
 bool Content_analyser::take(char16_t unit) {
     if (state_ == State::lf) {
         if (unit == u'\r') state_ = State::cr_lf;

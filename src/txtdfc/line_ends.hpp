@@ -24,11 +24,11 @@ enum class Line_ending : std::uint32_t { lf = 2, crlf = 3 };
 // line end cut in two.
 void append_lines(std::u16string_view text, std::u16string_view line_end, std::u16string& lines);
 
-// Finds out how the lines of a content end. Backwards from its end, as the last LF decides, and no
-// further than to the unit before that.
+// Finds out how the lines of a content end. The last LF decides, so the scan goes backwards from
+// the end, no further than to the unit before that LF.
 class Content_analyser {
 public:
-    static constexpr std::size_t CHUNK_BYTES = 512; // seldom is a last line longer
+    static constexpr std::size_t CHUNK_BYTES = 512; // most last lines fit
 
     // A chunk that cannot be read ends the scan. The status then holds what the buffer reported
     // (SCL_STATUS_READ_FAILED for a file); the scan has no codes of its own.

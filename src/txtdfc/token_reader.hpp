@@ -18,7 +18,7 @@ namespace txtdfc {
 //                    std::uint64_t length);
 //     void add_trailer(std::u16string_view text, std::uint64_t offset);
 //
-// whose texts are the store's open text, which the sink may keep.
+// The text is the store's open text; the sink may call keep() on the store.
 template <typename Tokeniser, typename Sink>
 class Token_reader {
 public:
@@ -52,7 +52,7 @@ private:
     Operation operation_ = Operation::finish;
     std::uint64_t start_ = 0; // of the token or the trailer
 
-    // The token's text at the checkpoint is what its first units are now.
+    // The length is enough: the token's text only grew since the checkpoint.
     bool checkpointed_ = false;
     std::uint32_t checkpoint_type_ = txt::TXT_TOKEN_UNCLASSIFIED;
     std::size_t checkpoint_length_ = 0;
@@ -90,7 +90,7 @@ inline void Token_reader<Tokeniser, Sink>::take_character(char32_t character, st
     } while (wants_character_again());
 }
 
-// True when all is done; after a roll-back there are characters to be read once more.
+// True when all is done. After a roll-back there are characters to be read again.
 template <typename Tokeniser, typename Sink>
 inline bool Token_reader<Tokeniser, Sink>::take_end(std::uint64_t offset, scl::Scl_status& status) {
     tokeniser_.breakpoint(text_, type_, operation_);
@@ -109,7 +109,7 @@ inline bool Token_reader<Tokeniser, Sink>::wants_character_again() const {
            operation_ == Operation::trailer;
 }
 
-// The offset is that of the character the tokeniser was asked about.
+// `offset` is that of the character that the operation answers.
 template <typename Tokeniser, typename Sink>
 inline void Token_reader<Tokeniser, Sink>::obey(std::uint64_t offset, scl::Scl_status& status) {
     switch (operation_) {

@@ -33,8 +33,8 @@ public:
         view_.add_content(*::new (slot) Txtdfc_physical_token(type, kept, view_, offset, length));
     }
 
-    // The trailer of the last token. One that the text begins with has no token before it, and gets
-    // one without text.
+    // Sets the trailer of the last token. A trailer at the front of the text has no token before
+    // it, so an empty one is made.
     void add_trailer(std::u16string_view text, std::uint64_t offset) {
         if (view_.cback() == nullptr) {
             add_token(scl::W_EMPTY, txt::TXT_TOKEN_UNCLASSIFIED, offset, 0);
@@ -43,8 +43,7 @@ public:
     }
 
 private:
-    // Whoever asked for a view has to learn which limit was met, whether that is the pool's or that
-    // of the memory.
+    // The message names the limit that was reached: the pool's, or the machine's memory.
     [[nodiscard]] void* take_slot() {
         try {
             return pool_.take();
@@ -57,12 +56,12 @@ private:
     Txtdfc_token_pool& pool_;
 };
 
-// No set at all asks for everything: callers that edit need not name what there is.
+// Null asks for every facet, so that callers who edit need not list them.
 bool is_granted(const dfc::Dfc_facet_set* requested, const dfc::Dfc_facet_id& id) {
     return requested == nullptr || requested->contains(id);
 }
 
-// When memory is exhausted the message may find no place either; then that is what is told.
+// There may be no memory for the message either; SCL_STATUS_NO_MEMORY is then reported instead.
 void report(const std::exception& exception, scl::Scl_status& status) {
     try {
         status.assign(scl::SCL_STATUS_EXCEPTION,
@@ -83,13 +82,11 @@ Txtdfc_format_codec::Txtdfc_format_codec(const dfc::Dfc_facet_set* requested,
       annotation_facet_granted_(is_granted(requested, dff::DFF_ANNOTATION_FACET_ID)),
       view_of_empty_(view_of_empty) {}
 
-// The parts go in the reverse order of their declaration: the view first, as its tokens lie in the
-// pool.
+// Members are destroyed in reverse order: the view first, since its tokens lie in the pool.
 Txtdfc_format_codec::~Txtdfc_format_codec() = default;
 
 dfc::Dfc_format_facet* Txtdfc_format_codec::query_facet(const dfc::Dfc_facet_id& id) {
-    // The facets are bases that only this class can convert to: what was not granted cannot be had
-    // by a cast either.
+    // The facets are private bases, so no cast leads to one that was not granted.
     if (text_facet_granted_ && id == dff::DFF_TEXT_FACET_ID) {
         return static_cast<dff::Dff_text_facet*>(this);
     }
@@ -102,7 +99,7 @@ dfc::Dfc_format_facet* Txtdfc_format_codec::query_facet(const dfc::Dfc_facet_id&
 // Setting a single code allocates nothing, so no handler can throw.
 void Txtdfc_format_codec::attach(const scl::Scl_buffer* content, scl::Scl_status& status) {
     try {
-        status.clear(); // of the last content: each attachment is judged by itself
+        status.clear(); // of what an earlier attachment left
         take_content(content, status);
     } catch (const std::bad_alloc&) {
         status = scl::SCL_STATUS_NO_MEMORY;
@@ -113,7 +110,7 @@ void Txtdfc_format_codec::attach(const scl::Scl_buffer* content, scl::Scl_status
     }
 }
 
-// All that is known of the old content is forgotten before the new one is touched, which may throw.
+// Forgets everything about the old content first: reading the new one may throw.
 void Txtdfc_format_codec::take_content(const scl::Scl_buffer* content, scl::Scl_status& status) {
     if (in_transaction_) rollback_transaction();
     patcher_.reset();
@@ -121,28 +118,28 @@ void Txtdfc_format_codec::take_content(const scl::Scl_buffer* content, scl::Scl_
     extent_.reset();
     content_ = content;
     if (!text_facet_granted_ && !annotation_facet_granted_) {
-        extent_ = Extent(); // nobody can ask for the text
+        extent_ = Extent(); // no facet was granted that needs it
     } else if (content != nullptr) {
         analyse(status);
     }
 }
 
-// The size is taken even when the first character cannot be read, so that what is added at the back
-// of such a content does not come out at its front.
+// Takes the size even if the first character cannot be read. Without it, text added at the back of
+// such a content would come out at its front.
 void Txtdfc_format_codec::analyse(scl::Scl_status& status) {
     ends_with_line_end_ = false;
     cerc::Cerc_utf16_reader reader;
     reader.attach(*content_, status, false);
     if (status.has_failed()) return;
-    // The mark is no part of the text, and what is added at the front comes behind it.
+    // The mark is not part of the text, and text added at the front comes behind it.
     const bool has_mark = reader.read() == cerc::Cerc_reader_base::BYTE_ORDER_MARK;
     const std::uint64_t begin = has_mark ? reader.tell() : 0;
     extent_ = Extent{begin, content_->size(false, status)};
     if (annotation_facet_granted_ && !status.has_failed()) analyse_line_ends(status);
 }
 
-// Only for who may add lines: a value that is just looked at can do without the read at its end. A
-// content without text needs no line end before a line.
+// Only if lines may be added: other users are spared the read at the content's end. An empty
+// content counts as ending with a line end, since a line added to it needs none before it.
 void Txtdfc_format_codec::analyse_line_ends(scl::Scl_status& status) {
     Content_analyser analyser;
     analyser.scan(*content_, status);
@@ -160,7 +157,7 @@ Txtdfc_text_view* Txtdfc_format_codec::text_view(int index, unsigned& cursor) {
     return &*view_;
 }
 
-// Leaves no view behind when it throws, so that the next call tries again.
+// Leaves no view if it throws, so that the next call tries again.
 void Txtdfc_format_codec::create_text_view() {
     if (content_ == nullptr) {
         throw std::logic_error("Txtdfc_format_codec::create_text_view() - no content attached");
@@ -173,8 +170,7 @@ void Txtdfc_format_codec::create_text_view() {
     }
 }
 
-// Attaches a reader of its own: since attach() the content may have been written to, and have moved
-// in memory.
+// With a new reader: since attach() the content may have been written to and have moved in memory.
 void Txtdfc_format_codec::fill_view(Txtdfc_text_view& view) {
     scl::Scl_status status;
     if (extent_) {
@@ -192,7 +188,7 @@ void Txtdfc_format_codec::fill_view(Txtdfc_text_view& view) {
     }
 }
 
-// Made for the first view: a pool is large, and who only adds notes to a content needs none.
+// Made for the first view: a pool is large, and callers that only add lines need none.
 Txtdfc_token_pool& Txtdfc_format_codec::pool() {
     if (pool_ == nullptr) {
         own_pool_ = std::make_unique<Txtdfc_token_pool>();
@@ -201,7 +197,7 @@ Txtdfc_token_pool& Txtdfc_format_codec::pool() {
     return *pool_;
 }
 
-// The flag is set whatever the patcher says: when it refuses, a transaction is open already.
+// Sets the flag even if the patcher refuses: it does so when a transaction is open already.
 bool Txtdfc_format_codec::begin_transaction() {
     const bool begun = patcher_.begin();
     in_transaction_ = true;
@@ -220,7 +216,7 @@ bool Txtdfc_format_codec::rollback_transaction() {
     return rolled_back;
 }
 
-// In a transaction it is not decided yet what belongs to the content.
+// Refused in a transaction, whose changes may still be rolled back.
 std::unique_ptr<scl::Scl_buffer> Txtdfc_format_codec::compose(scl::Scl_status& status) {
     if (content_ == nullptr) {
         throw std::logic_error("Txtdfc_format_codec::compose() - no content attached");
@@ -236,7 +232,7 @@ std::unique_ptr<scl::Scl_buffer> Txtdfc_format_codec::compose(scl::Scl_status& s
     return composed;
 }
 
-// The fault's text is put together only when there is one: inserts are many.
+// Builds the message only for a fault: inserts are many.
 bool Txtdfc_format_codec::may_insert(const char* operation, std::size_t length) const {
     const auto fault = [operation](const char* what) {
         return std::string("Txtdfc_format_codec::") + operation + "() - " + what;
@@ -248,7 +244,7 @@ bool Txtdfc_format_codec::may_insert(const char* operation, std::size_t length) 
     return modifiable() && length != 0 && extent_;
 }
 
-// Behind a byte order mark, which has to stay the first of all.
+// Behind a byte order mark, which must stay at the front.
 bool Txtdfc_format_codec::insert_content_front(const char16_t* data, std::size_t length) {
     if (!may_insert("insert_content_front", length)) return false;
     std::u16string lines;
@@ -256,7 +252,7 @@ bool Txtdfc_format_codec::insert_content_front(const char16_t* data, std::size_t
     return patcher_.add_insert(extent_->begin, lines);
 }
 
-// An unfinished last line is ended first, or the text would go on with it.
+// Ends an unfinished last line first; otherwise the text would continue it.
 bool Txtdfc_format_codec::insert_content_back(const char16_t* data, std::size_t length) {
     if (!may_insert("insert_content_back", length)) return false;
     const std::u16string_view line_end = line_end_of(line_ending_);

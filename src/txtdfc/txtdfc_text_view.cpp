@@ -8,17 +8,17 @@ namespace txtdfc {
 
 namespace {
 
-// Goes over a text as redaction counts it: by visible characters, each with at most one character
-// that attaches to it. That is enough for an accented letter; what else attaches is passed when the
-// next visible character is.
+// Walks over a text as redaction counts it: by visible characters, each with at most one attached
+// character, which is enough for an accented letter. Further attached characters are passed
+// together with the next visible one.
 class Walk {
 public:
     explicit Walk(std::u16string_view text) : text_(text) {}
 
     [[nodiscard]] std::size_t at() const { return at_; }
 
-    // Over `count` visible characters and one that attaches to the last. Returns how many visible
-    // ones there were: fewer when the text ends before.
+    // Passes `count` visible characters, and one that attaches to the last. Returns how many
+    // visible ones it passed: fewer if the text ends before.
     std::size_t pass(std::size_t count) {
         std::size_t passed = 0;
         while (passed < count && at_ < text_.size()) {
@@ -59,9 +59,9 @@ struct Redaction {
     [[nodiscard]] bool empty() const { return begin == end; }
 };
 
-// The `count` visible characters (code points) after the first `skip`, or as many as there are.
-// Empty when nothing is left. From the text's very front when nothing is skipped, so that what
-// attaches to nothing there goes as well.
+// The `count` visible characters (code points) after the first `skip`, or as many as there are;
+// empty if none are left. With nothing skipped it starts at offset 0, so that attached characters
+// at the very front are included.
 Redaction find_redaction(std::u16string_view text, std::size_t skip, std::size_t count) {
     Walk walk(text);
     if (skip != 0) walk.pass(skip);
@@ -79,7 +79,7 @@ Txtdfc_format_codec& Txtdfc_physical_token::codec() const {
     return static_cast<const Txtdfc_text_view&>(view()).codec();
 }
 
-// By the text, as it may be longer than content_length() can tell.
+// From the text, since content_length() has 16 bits only.
 std::uint64_t Txtdfc_physical_token::text_bytes() const {
     return text_entry().size() * UNIT_BYTES;
 }
@@ -88,8 +88,7 @@ bool Txtdfc_physical_token::remove() {
     return codec().modifiable() && codec().patcher().add_delete(offset_, text_bytes());
 }
 
-// Nothing is kept of what lies between the two, and it is all one edit: it is queued whole or not
-// at all.
+// One edit over everything between the two, so that it is queued whole or not at all.
 bool Txtdfc_physical_token::replace_run(const Txt_physical_token& back, std::u16string_view text) {
     const std::uint64_t end = static_cast<const Txtdfc_physical_token&>(back).content_end();
     return codec().modifiable() && codec().patcher().add_edit(offset_, end - offset_, text);

@@ -10,7 +10,7 @@ void throw_too_many_tokens(std::size_t limit) {
                              std::to_string(limit) + ").  Tokenisation has failed.");
 }
 
-// For overwrite: to clear 1000 slots would cost more than to make the tokens of most texts.
+// Not cleared: that would cost more than making the tokens of most texts.
 void Txtdfc_token_pool::add_block() {
     if (further_.size() == max_further_) throw std::bad_alloc();
     further_.push_back(std::make_unique_for_overwrite<Block>());

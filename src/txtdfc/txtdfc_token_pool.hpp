@@ -18,12 +18,12 @@ inline constexpr std::size_t TXTDFC_MAX_TOKENS = 15000000;
 // std::runtime_error, whose message names the limit.
 [[noreturn]] void throw_too_many_tokens(std::size_t limit);
 
-// Memory for tokens, in slots of one size that stay where they are until the pool goes. Tokens are
-// made and destroyed in them one by one; for the memory that costs an allocation only every
-// BLOCK_SLOTS tokens, and none at all for a short text, as the first block is part of the pool.
+// Memory for tokens, in slots of one size that never move. Tokens are made and destroyed in them
+// one by one, with one allocation for BLOCK_SLOTS tokens, and none for a short text: the first
+// block is part of the pool.
 //
-// A view that goes does not give its slots back. So the limit counts all tokens ever made with the
-// pool, but for the slots that somebody gave back.
+// Destroying a view does not give its slots back. So the limit counts all tokens ever made with the
+// pool, less the slots that were given back.
 class Txtdfc_token_pool {
 public:
     static constexpr std::size_t BLOCK_SLOTS = 1000;
@@ -52,8 +52,8 @@ public:
     void give_back(void* slot) { free_ = ::new (slot) Free_slot{free_}; }
 
 private:
-    // What is in a slot that was given back: the list needs no memory of its own, so giving back
-    // cannot fail.
+    // A free slot holds the link to the next one. The list needs no memory of its own, so giving
+    // back cannot fail.
     struct Free_slot {
         Free_slot* next;
     };

@@ -25,10 +25,12 @@ txtdfc_without_mark(scl::Scl_text_span<char16_t> text) {
     return text; // ASCII holds none
 }
 
-// Hands the values of a text's tokens to `take`, in text order: those that the tokens of a codec's
-// view have (Txt_token::crc of the whole text), without making a view. A text without anything but
-// a byte order mark has none. Allocates nothing. Throws std::runtime_error for a text of more than
-// TXTDFC_MAX_TOKENS tokens, when that many are handed over.
+// Hands the values of a text's tokens to `take`, in text order, without making a view. A text of a
+// byte order mark alone has none. Allocates nothing. Throws std::runtime_error after
+// TXTDFC_MAX_TOKENS tokens if the text has more.
+//
+// Twins: a codec's view has the same tokens, with the same values (Txt_token::crc of the whole
+// text). Tested by Token_values.AreThoseOfTheView.
 template <typename Unit, typename Take>
 void txtdfc_each_token_value(scl::Scl_text_span<Unit> text, Take&& take) {
     const scl::Scl_text_span<Unit> tokens = txtdfc_without_mark(text);

@@ -22,7 +22,7 @@ void copy(const scl::Scl_buffer& content, std::uint64_t begin, std::uint64_t end
     while (begin < end && !status.has_failed()) {
         const std::size_t wanted = std::min<std::uint64_t>(end - begin, chunk.size());
         const std::size_t count = content.read_at(begin, std::span(chunk).first(wanted), status);
-        // Less content than its size said: without an error this loop would not end.
+        // The content is shorter than its size. Without an error this would loop forever.
         if (count == 0 && !status.has_failed()) status.push(scl::SCL_STATUS_END_OF_DATA);
         out.write(count, chunk.data(), status);
         begin += count;
@@ -38,7 +38,7 @@ bool Ucl_buffer_patcher::begin() {
     return true;
 }
 
-// The changes are where they belong already; they only lose their mark.
+// The changes are in the queue already; they only lose their mark.
 bool Ucl_buffer_patcher::commit() {
     if (!in_transaction_) return false;
     for (const Edits::iterator edit : on_trial_) {
@@ -49,7 +49,7 @@ bool Ucl_buffer_patcher::commit() {
     return true;
 }
 
-// Only what this transaction queued is looked at, however long the queue is.
+// Takes time by the length of the transaction, not of the queue.
 bool Ucl_buffer_patcher::rollback() {
     if (!in_transaction_) return false;
     for (const Edits::iterator edit : on_trial_) {
@@ -84,17 +84,18 @@ bool Ucl_buffer_patcher::add_edit(std::uint64_t offset, std::uint64_t length,
     return true;
 }
 
-// Ahead of queueing: a change that is in the queue and not on this list could not be rolled back,
-// should memory be exhausted between the two.
+// Reserves before queueing. If memory ran out between the two, the queue would hold a change that
+// rollback() does not know.
 void Ucl_buffer_patcher::make_room_on_trial() {
     if (in_transaction_ && on_trial_.size() == on_trial_.capacity()) {
         on_trial_.reserve(2 * on_trial_.size() + 1);
     }
 }
 
-// Ranges do not overlap, and no insert is inside one. So only the two neighbours can be in the way:
-// the first change behind the inserts at `offset`, and the one before that. If this one is an
-// insert at `offset`, no range reaches beyond `offset` either.
+// Invariant: ranges do not overlap, and no insert is inside a range. So only two changes can be in
+// the way: the first one behind the inserts at `offset`, and the one before it. For example, with
+// ranges 0-4 and 8-10 queued, an edit of 4-8 is free: 0-4 ends at 4, and 8-10 begins at 8. If the
+// change before is an insert at `offset`, no range reaches beyond `offset`, by the same invariant.
 bool Ucl_buffer_patcher::is_free(std::uint64_t offset, std::uint64_t length) const {
     const auto next = edits_.upper_bound({offset, false});
     if (length != 0 && next != edits_.end() && next->first.offset < offset + length) return false;
@@ -103,8 +104,7 @@ bool Ucl_buffer_patcher::is_free(std::uint64_t offset, std::uint64_t length) con
     return place.offset + edit.length <= offset;
 }
 
-// The end of the last change that is not on trial. No change ends behind it, as they do not
-// overlap.
+// The end of the last change that is not on trial. Changes do not overlap, so none ends behind it.
 std::uint64_t Ucl_buffer_patcher::last_end() const {
     const auto last = std::find_if(edits_.rbegin(), edits_.rend(),
                                    [](const auto& queued) { return !queued.second.on_trial; });
@@ -119,16 +119,18 @@ void Ucl_buffer_patcher::apply(const scl::Scl_buffer& content, scl::Scl_buffer& 
                                scl::Scl_status& status) const {
     const std::uint64_t size = content.size(false, status);
     if (status.has_failed()) return;
-    // Before the first byte is written: half a result is of no use to anybody.
+    // Checked before the first byte is written, so that there is no half result.
     if (last_end() > size) return status.push(scl::SCL_STATUS_OUT_OF_BOUNDS);
     scl::Scl_ostream out(output);
-    std::uint64_t at = 0; // in the content: what is before it has been dealt with
+    std::uint64_t at = 0; // in the content; what is before it is copied or replaced
     for (const auto& [place, edit] : edits_) {
         if (status.has_failed()) return;
         if (edit.on_trial) continue;
         copy(content, at, place.offset, out, status);
         const std::u16string_view text = text_of(edit);
-        out.write(text.size() * UNIT_BYTES, text.data(), status);
+        for (const char16_t unit : text) {
+            out.write_le(unit, status);
+        }
         at = place.offset + edit.length;
     }
     copy(content, at, size, out, status);

@@ -10,14 +10,14 @@
 
 namespace tla {
 
-// A text put together from pieces, with a readable block behind it (scl::Scl_text_span). clear()
-// keeps the memory for the next text.
+// A text that is put together from pieces. SCL_BLOCK_BYTES are readable behind it, as
+// scl::Scl_text_span wants it. clear() keeps the memory for the next text.
 class Padded_text {
 public:
     void append(std::string_view piece) {
         const std::size_t needed = size_ + piece.size() + scl::SCL_BLOCK_BYTES;
-        // By half: doubling would take three times the size of a text just longer than the memory
-        // while old and new memory are both there.
+        // Grows by half. While it grows, old and new memory exist together: with doubling that
+        // would be three times the old size.
         if (needed > capacity_) grow(std::max(needed, capacity_ + capacity_ / 2));
         std::ranges::copy(piece, bytes_.get() + size_);
         size_ += piece.size();
@@ -29,7 +29,7 @@ public:
     [[nodiscard]] char* data() { return bytes_.get(); }
 
 private:
-    // Left unfilled: the system gives no memory to pages that nobody has written.
+    // Not filled with zeros: the system takes no memory for pages before they are written.
     void grow(std::size_t capacity) {
         auto bytes = std::make_unique_for_overwrite<char[]>(capacity);
         std::ranges::copy(view(), bytes.get());

@@ -6,12 +6,15 @@
 #include "scl/text/scl_string.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
+#include <limits>
+
 namespace tla {
 
 namespace {
 
-// What a record may take to be assembled in the output's own memory. A field's count comes before
-// its values, whose number is only known behind them.
+// A record of up to this size is assembled in the output stream's memory, where a field's count can
+// be filled in behind its values. An eighth of that memory (256 KiB): so little is left unused when
+// it is written out, and hardly a record is larger.
 constexpr std::size_t ROOM_BYTES = std::size_t{32} << 10;
 
 // A key of an unknown type must not be empty either: the look at the key comes first.
@@ -20,16 +23,46 @@ bool refuse_empty_key(scl::Scl_status& status) {
     return false;
 }
 
-// Goes over the text twice, so that memory need not hold its values.
-template <typename Unit>
-void write_large_field(scl::Scl_text_span<Unit> text, scl::Scl_ostream& out,
-                       scl::Scl_status& status) {
-    Tla_token_count count = 0; // wraps
-    txtdfc::txtdfc_each_token_value(text, [&count](Tla_token_value) { ++count; });
-    out.write_be(count, status);
-    txtdfc::txtdfc_each_token_value(text,
-                                    [&](Tla_token_value value) { out.write_be(value, status); });
-}
+constexpr std::uint64_t MOST_TOKENS = std::numeric_limits<Tla_token_count>::max();
+
+// A field of more tokens does not fit into an output's room, so only large records can have one.
+static_assert(MOST_TOKENS * TLA_TOKEN_VALUE_BYTES >= scl::Scl_ostream::MOST_ROOM);
+
+// Two ways to take the formatted fields of a record, each `false` when it cannot go on. One puts
+// the record together in memory, and nearly every record fits.
+struct Assembled_fields {
+    template <typename Unit>
+    bool add_text(scl::Scl_text_span<Unit> text) {
+        assembly.add_field(text);
+        return true;
+    }
+    bool add_run(scl::Scl_text_span<char> run) {
+        assembly.add_run(run);
+        return true;
+    }
+
+    Tla_record_assembly& assembly;
+};
+
+// The other writes each field at once. It goes over the text twice, so that memory need not hold
+// its values. Tested by Record_reader.LargeRecordsHoldTheSameValues.
+struct Streamed_fields {
+    template <typename Unit>
+    bool add_text(scl::Scl_text_span<Unit> text) {
+        std::uint64_t count = 0;
+        txtdfc::txtdfc_each_token_value(text, [&count](Tla_token_value) { ++count; });
+        out.write_be(static_cast<Tla_token_count>(count), status); // wraps
+        txtdfc::txtdfc_each_token_value(
+            text, [this](Tla_token_value value) { out.write_be(value, status); });
+        wraps = wraps || count > MOST_TOKENS;
+        return !status.has_failed();
+    }
+    bool add_run(scl::Scl_text_span<char> run) { return add_text(run); }
+
+    scl::Scl_ostream& out;
+    scl::Scl_status& status;
+    bool wraps = false; // a field has more tokens than its count can say
+};
 
 } // namespace
 
@@ -50,43 +83,49 @@ void Tla_record_processor::process(const Tla_record_text& record, scl::Scl_ostre
                                    scl::Scl_status& status) {
     if (record.fields.empty() || record.fields.size() != columns_.size()) return;
     Tla_record_assembly assembly(out.room(ROOM_BYTES, status));
-    const auto add = [&](auto text) {
-        assembly.add_field(text);
-        return true;
-    };
-    if (status.has_failed() || !format_fields(record, status, add)) return;
+    Assembled_fields fields{assembly};
+    if (status.has_failed() || !format_fields(record, status, fields)) return;
     if (ends_with_byte()) assembly.add_end();
     if (assembly.is_full()) return process_large(record, out, status);
+    ++record_count_;
     out.advance(assembly.record().size());
     if (listener_ != nullptr) listener_->record_made(assembly.record());
 }
 
 void Tla_record_processor::process_large(const Tla_record_text& record, scl::Scl_ostream& out,
                                          scl::Scl_status& status) {
-    const auto write = [&](auto text) {
-        write_large_field(text, out, status);
-        return !status.has_failed();
-    };
-    if (format_fields(record, status, write) && ends_with_byte()) {
+    ++record_count_;
+    Streamed_fields fields{out, status};
+    if (format_fields(record, status, fields) && ends_with_byte()) {
         out.write_le(TLA_RECORD_END, status);
     }
+    if (fields.wraps && wrapped_.count++ == 0) wrapped_.first = record_count_;
     if (listener_ != nullptr) listener_->record_made({});
 }
 
-// Hands the formatted texts to `use`: ASCII as the bytes it is, anything else as UTF-16. False when
-// a field or `use` had a fault; that ends it.
-template <typename Use>
+// Hands the formatted texts to `to`: ASCII as bytes, all else as UTF-16. Stops and returns false
+// when a field or `to` fails. Most values are short runs; one look at 16 bytes finds that out and
+// saves trimming and general formatting.
+template <typename Fields>
 bool Tla_record_processor::format_fields(const Tla_record_text& record, scl::Scl_status& status,
-                                         Use& use) {
+                                         Fields& to) {
     const Column* column = columns_.data();
     for (const Tla_field_text field : record.fields) {
-        const bool is_ascii = record.is_ascii || scl::scl_is_ascii(field);
-        const bool is_good = is_ascii ? format_value(*column, scl::scl_trimmed(field), status, use)
-                                      : format_value(*column, decoded(field), status, use);
+        const bool is_run = txt::txt_is_short_run(field) && column->formatter.is_known();
+        const bool is_good = is_run ? to.add_run(column->formatter.format_run(field, buffer_))
+                                    : format_text(*column, field, record.is_ascii, status, to);
         if (!is_good) return false;
         ++column;
     }
     return true;
+}
+
+template <typename Fields>
+bool Tla_record_processor::format_text(const Column& column, Tla_field_text field, bool is_ascii,
+                                       scl::Scl_status& status, Fields& to) {
+    return is_ascii || scl::scl_is_ascii(field)
+               ? format_value(column, scl::scl_trimmed(field), status, to)
+               : format_value(column, decoded(field), status, to);
 }
 
 // The field's UTF-16 form, trimmed.
@@ -95,11 +134,11 @@ std::u16string_view Tla_record_processor::decoded(const Tla_field_text& field) {
     return scl::scl_trimmed(buffer_.wide);
 }
 
-template <typename Value, typename Use>
+template <typename Value, typename Fields>
 bool Tla_record_processor::format_value(const Column& column, Value trimmed,
-                                        scl::Scl_status& status, Use& use) {
+                                        scl::Scl_status& status, Fields& to) {
     if (trimmed.empty() && column.is_key) return refuse_empty_key(status);
-    return !column.formatter.is_known() || use(column.formatter.format(trimmed, buffer_));
+    return !column.formatter.is_known() || to.add_text(column.formatter.format(trimmed, buffer_));
 }
 
 } // namespace tla

@@ -21,6 +21,13 @@ struct Tla_record_text {
     bool is_ascii = false; // known to be, all of them
 };
 
+// Records with a field of more tokens than its count can say: the count wraps, and who reads the
+// record takes values for counts.
+struct Tla_wrapped_records {
+    std::uint64_t count = 0;
+    std::uint64_t first = 0; // its number among all records, from 1
+};
+
 // Is shown each record when it is made, so that what it says need not be read again.
 class Tla_record_listener {
 public:
@@ -46,6 +53,8 @@ public:
                          Tla_record_listener* listener);
 
     [[nodiscard]] std::size_t column_count() const { return columns_.size(); }
+    // Of those that were written so far.
+    [[nodiscard]] const Tla_wrapped_records& wrapped_records() const { return wrapped_; }
 
     // Does nothing when the number of fields is not that of the columns. Pushes
     // TLA_STATUS_EMPTY_KEY for a key field that is empty after trimming, and stops there; leaves
@@ -59,12 +68,15 @@ private:
         bool is_key = false;
     };
 
-    template <typename Use>
+    template <typename Fields>
     [[nodiscard]] bool format_fields(const Tla_record_text& record, scl::Scl_status& status,
-                                     Use& use);
-    template <typename Value, typename Use>
+                                     Fields& to);
+    template <typename Fields>
+    [[nodiscard]] bool format_text(const Column& column, Tla_field_text field, bool is_ascii,
+                                   scl::Scl_status& status, Fields& to);
+    template <typename Value, typename Fields>
     [[nodiscard]] bool format_value(const Column& column, Value trimmed, scl::Scl_status& status,
-                                    Use& use);
+                                    Fields& to);
     [[nodiscard]] std::u16string_view decoded(const Tla_field_text& field);
     [[nodiscard]] bool ends_with_byte() const { return columns_.back().formatter.is_known(); }
     void process_large(const Tla_record_text& record, scl::Scl_ostream& out,
@@ -73,6 +85,8 @@ private:
     std::vector<Column> columns_;
     Tla_record_listener* listener_;
     Tla_value_buffer buffer_;
+    std::uint64_t record_count_ = 0; // written so far
+    Tla_wrapped_records wrapped_;
 };
 
 } // namespace tla

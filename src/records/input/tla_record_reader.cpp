@@ -16,7 +16,8 @@ std::string_view as_text(std::span<const std::byte> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
 
-// Of the next 64 bytes, or of as many as there are: zeros, which end nothing, make up the block.
+// The delimiters in the next 64 bytes. Near the end of the text zeros fill the block up; a zero
+// ends nothing.
 Delimiters find_next_delimiters(std::string_view rest) {
     if (rest.size() >= Delimiters::BLOCK) return find_delimiters(rest.data());
     std::array<char, Delimiters::BLOCK> block{};
@@ -26,8 +27,8 @@ Delimiters find_next_delimiters(std::string_view rest) {
 
 } // namespace
 
-// A failure to read comes after all that was read: the bytes before it may hold a fault of their
-// own, which is then the first one. A CR that nothing follows is one.
+// A read failure is reported last: the bytes before it may hold a fault, and the first fault
+// counts. A CR at the end of the input is a fault.
 Tla_read_result Tla_record_reader::read_records(scl::Scl_buffered_istream& in,
                                                 scl::Scl_status& status) {
     scl::Scl_status reading;
@@ -43,8 +44,8 @@ Tla_read_result Tla_record_reader::read_records(scl::Scl_buffered_istream& in,
     return result_;
 }
 
-// Lines are used where they lie, but for the one that the window ends in, and any that has no block
-// readable behind it there.
+// Takes lines in place where it can. A line goes through `open_line_` when the window ends inside
+// it, or when fewer than SCL_BLOCK_BYTES readable bytes follow it in the window.
 void Tla_record_reader::take_window(std::string_view window, scl::Scl_status& status) {
     after_carriage_return_ = window.ends_with(CARRIAGE_RETURN);
     if (!open_line_.empty()) window.remove_prefix(complete_line(window, status));
@@ -56,7 +57,8 @@ void Tla_record_reader::take_window(std::string_view window, scl::Scl_status& st
     }
 }
 
-// Adds what the window has of the open line, and takes it when it ends there. Returns how much.
+// Appends the window's part of the open line, and takes the line if it ends in this window. Returns
+// the number of bytes used.
 std::size_t Tla_record_reader::complete_line(std::string_view window, scl::Scl_status& status) {
     const std::string_view rest = window.substr(0, window.find(LINE_FEED)); // all, without one
     const std::string_view taken = window.substr(0, rest.size() + 1);
@@ -69,15 +71,15 @@ std::size_t Tla_record_reader::complete_line(std::string_view window, scl::Scl_s
     return taken.size();
 }
 
-// Looks for a CR without LF in text that holds no whole line, or just one. At the window's end the
-// next byte is not known yet.
+// Finds a CR without LF. `text` holds at most one line end. A CR at the end of the window is left
+// to read_records(): the next byte is not known yet.
 void Tla_record_reader::check_returns(std::string_view text) {
     const std::size_t first = text.find(CARRIAGE_RETURN);
     if (first == std::string_view::npos || first + 1 == text.size()) return;
     if (text[first + 1] != LINE_FEED) result_ = Tla_read_result::invalid_line_ending;
 }
 
-// Takes the whole lines that the piece begins with; returns how much of it they are.
+// Takes all whole lines of the text and returns their size in bytes.
 std::size_t Tla_record_reader::take_lines(std::string_view text, scl::Scl_status& status) {
     const char* done = text.data();
     begin_line(done);
@@ -117,7 +119,7 @@ void Tla_record_reader::end_field(const char* at) {
     field_begin_ = at + 1;
 }
 
-// A CR before an LF is part of the line end; one anywhere else never gets here.
+// A CR before the LF is part of the line end. Other CRs were refused before.
 void Tla_record_reader::end_line(const char* at, const char* text, scl::Scl_status& status) {
     const bool after_return = at != text && at[-1] == CARRIAGE_RETURN;
     end_field(after_return ? at - 1 : at);
@@ -131,8 +133,9 @@ void Tla_record_reader::end_line(const char* at, const char* text, scl::Scl_stat
     processor_.process({fields_, is_ascii_}, out_, status);
 }
 
-// From front to back, so that bytes which a dropped mark brings together are no mark themselves. A
-// field loses bytes only, so the memory that all of them need is known before.
+// Searches on behind each dropped mark, so that bytes which come together there are not taken for
+// another mark. Fields only become shorter: the memory for all of them is filled first, so that it
+// does not move while they are copied within it.
 void Tla_record_reader::drop_marks() {
     unmarked_.clear();
     for (const Tla_field_text& field : fields_) {

@@ -16,12 +16,12 @@ enum class Tla_read_result {
     invalid_line_ending,  // a CR without an LF after it
 };
 
-// Splits UTF-8 text into records, one a line (LF or CR LF), and fields, separated by TAB, and hands
-// each record to a processor. A byte order mark is dropped wherever it comes. What follows the
-// last line end is not a record and is left out.
+// Splits UTF-8 text into lines (LF or CR LF) and fields (TAB), and hands each line to a record
+// processor. Byte order marks are dropped, wherever they stand. Text after the last line end is
+// ignored.
 //
-// Of several faults the first one counts, as if bytes were read one by one: no window is asked for
-// before all of the last one is used, and no line waits for another one.
+// Of several faults the first in the text is reported, as if it were read byte by byte. So a line
+// is processed before the next one is looked at, and a window before the next one is read.
 class Tla_record_reader {
 public:
     // Both must outlive the reader.
@@ -31,8 +31,9 @@ public:
           column_count_(processor.column_count()),
           fields_(column_count_) {}
 
-    // Reads to the end. Leaves SCL_STATUS_READ_FAILED when the input cannot be read to its end, and
-    // what processing a record leaves; throws as that does. To be called once.
+    // Reads to the end of the input or to the first fault; to be called once. Leaves
+    // SCL_STATUS_READ_FAILED when the input cannot be read, and the codes of
+    // Tla_record_processor::process; throws as that does.
     [[nodiscard]] Tla_read_result read_records(scl::Scl_buffered_istream& in,
                                                scl::Scl_status& status);
 
@@ -57,7 +58,7 @@ private:
     Padded_text open_line_;              // what earlier windows hold of the line that has not ended
     bool after_carriage_return_ = false; // the last window ended with one
 
-    // Of the line at hand.
+    // The line that is being read.
     const char* field_begin_ = nullptr;
     std::size_t field_count_ = 0;        // fields beyond the last column are only counted
     std::vector<Tla_field_text> fields_; // one for each column

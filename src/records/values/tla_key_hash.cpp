@@ -2,15 +2,14 @@
 
 #include "scl/io/scl_endian.hpp"
 
-#include <bit>
-
 namespace tla {
 
 // Value by value: a lookup need not lay the values out as a record first.
 std::uint64_t tla_key_hash(std::span<const std::uint64_t> values) {
     scl::Scl_crc64 crc;
     for (const std::uint64_t value : values) {
-        const auto raw = std::bit_cast<scl::Scl_raw<std::uint64_t>>(scl::scl_byte_swapped(value));
+        scl::Scl_raw<std::uint64_t> raw;
+        scl::scl_store_be(raw.data(), value);
         crc.update(raw);
     }
     return crc.result(true);

@@ -23,6 +23,11 @@ public:
     template <typename Unit>
     void add_field(scl::Scl_text_span<Unit> formatted) {
         if (!txt::txt_is_short_run(formatted)) return add_tokens(formatted);
+        add_run(formatted);
+    }
+    // A field that is known to be a short run (txt::txt_is_short_run), and so one token.
+    template <typename Unit>
+    void add_run(scl::Scl_text_span<Unit> formatted) {
         std::byte* const to = take(tla_field_size(1));
         if (to == nullptr) return;
         scl::scl_store_be(to, Tla_token_count{1});

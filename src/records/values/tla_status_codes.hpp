@@ -21,6 +21,7 @@ inline constexpr scl::Scl_status_code TLA_STATUS_NO_TEXT = 0xC2012526;
 inline constexpr scl::Scl_status_code TLA_STATUS_NO_TOKENS = 0xC2012527;
 inline constexpr scl::Scl_status_code TLA_STATUS_EMPTY_KEY = 0xC2012528;
 inline constexpr scl::Scl_status_code TLA_STATUS_RECORDS_LOST = 0x8201252A;
+inline constexpr scl::Scl_status_code TLA_STATUS_COUNT_WRAPPED = 0x8201252B;
 
 } // namespace tla
 

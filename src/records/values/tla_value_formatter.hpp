@@ -23,7 +23,9 @@ struct Tla_value_buffer {
 class Tla_value_formatter {
 public:
     explicit Tla_value_formatter(const Formatter_type_id& type)
-        : formatter_(tla_shared_formatter(type)), format_ascii_(tla_ascii_formatter(type)) {}
+        : formatter_(tla_shared_formatter(type)),
+          format_ascii_(tla_ascii_formatter(type)),
+          lowers_case_(type == Tla_simplenc_formatter::TYPE_ID) {}
 
     // False for a type that is none of the three; format() may not be called then.
     [[nodiscard]] bool is_known() const { return formatter_ != nullptr; }
@@ -32,6 +34,12 @@ public:
     [[nodiscard]] scl::Scl_text_span<char> format(scl::Scl_text_span<char> ascii_value,
                                                   Tla_value_buffer& buffer) const {
         return format_ascii_(ascii_value, buffer.ascii);
+    }
+    // The same of a short run (txt::txt_is_short_run), which most values are. It has neither white
+    // space at its ends nor separators, so that letter case is all that can change.
+    [[nodiscard]] scl::Scl_text_span<char> format_run(scl::Scl_text_span<char> run,
+                                                      Tla_value_buffer& buffer) const {
+        return lowers_case_ ? Tla_simplenc_formatter::format_ascii(run, buffer.ascii) : run;
     }
     // The formatted text, in `buffer.wide`, of which `value` may view a part.
     [[nodiscard]] scl::Scl_text_span<char16_t> format(std::u16string_view value,
@@ -43,6 +51,7 @@ public:
 private:
     const Tla_formatter_base* formatter_; // a constant of the program, or null
     Tla_ascii_formatter format_ascii_;
+    bool lowers_case_;
 };
 
 } // namespace tla

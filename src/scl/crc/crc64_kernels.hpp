@@ -7,22 +7,25 @@
 
 namespace scl::impl {
 
-// Two ways to step the CRC-64/XZ register over bytes; they give the same value.
+// Twins: each function by table has one by multiplication that gives the same value. Tested by
+// tests/crc64_test.cpp.
+
+// Step the CRC-64/XZ register over bytes.
 [[nodiscard]] std::uint64_t crc64_by_table(std::uint64_t reg, std::span<const std::byte> bytes);
 
 // Only where has_carryless_multiply() is true.
 [[nodiscard]] std::uint64_t crc64_by_multiply(std::uint64_t reg, std::span<const std::byte> bytes);
 
-// The CRC-64/XZ of the UTF-16 form of an ASCII text, which is not made for it.
+// The CRC-64/XZ of the UTF-16 form of an ASCII text, without making that form.
 [[nodiscard]] std::uint64_t crc64_widened_by_table(std::string_view text);
 
-// The same where has_carryless_multiply() is true: for texts of up to 16 characters, of which 16
-// must be readable all the same, and for longer ones.
+// The same, only where has_carryless_multiply() is true. The first is for texts of up to 16
+// characters, and always reads 16; the second for longer ones.
 [[nodiscard]] std::uint64_t crc64_widened_16(const char* text, std::size_t size);
 [[nodiscard]] std::uint64_t crc64_widened_long(const char* text, std::size_t size);
 
-// Whether the processor has the instructions. Asked anew each time, a look at one word of memory: a
-// constant set at the program's start would still be empty for other constants that start with it.
+// Whether the processor has the instructions. Each call reads one word of memory. A global set at
+// start-up would be too late for code that runs before main().
 [[nodiscard]] inline bool has_carryless_multiply() {
 #if defined(__x86_64__) && !defined(DSMAKE_PORTABLE)
     return __builtin_cpu_supports("pclmul") != 0 && __builtin_cpu_supports("ssse3") != 0 &&

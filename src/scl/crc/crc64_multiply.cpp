@@ -9,9 +9,17 @@
 
 #define SCL_WITH_MULTIPLY [[gnu::target("pclmul,ssse3,sse4.1")]]
 
-// Bytes as a polynomial, bit-reflected: in a 128-bit value bit i is the coefficient of x^(127-i),
-// so the first byte of a message, in the low bits, holds the highest powers. The product of two
-// reflected 64-bit values comes out multiplied by a further x; the constants make up for it.
+// CRC-64 by carry-less multiplication. Tested by tests/crc64_test.cpp, which compares every
+// function here with its twin by table.
+//
+// A message is a polynomial, bit-reflected: in a 128-bit value, bit i is the coefficient of
+// x^(127-i). So the first byte of a message, in the low bits, holds the highest powers:
+//
+//   bit      0 1 2 ... 127
+//   power  127 126 ...   0
+//
+// The product of two reflected 64-bit values comes out multiplied by one more x; the constants make
+// up for it.
 namespace scl::impl {
 
 namespace {
@@ -25,7 +33,8 @@ constexpr std::uint64_t power(unsigned n) {
     return value;
 }
 
-// Of a polynomial of degree 64, bit i the coefficient of x^(64-i): the x^0 term falls off the end.
+// P has 65 coefficients. Here bit i is that of x^(64-i), and the one of x^0 does not fit; reduce()
+// adds it as with_x_0.
 constexpr std::uint64_t POLYNOMIAL_65 = (CRC64_POLYNOMIAL << 1) | 1;
 
 // floor(x^128 / P) in the same form, by long division from the highest power down.
@@ -41,7 +50,11 @@ constexpr std::uint64_t reciprocal_65() {
 }
 
 constexpr std::size_t BLOCK = 16;
-constexpr std::size_t LANES = 4; // independent blocks, to keep the multiplier busy
+// A multiplication takes several cycles, but a new one can start in each: four independent sums
+// keep the multiplier busy.
+constexpr std::size_t LANES = 4;
+// From so many bytes on (256) the lanes are used. Bringing four lanes together at the end takes
+// three folds more, which fewer bytes would not win back.
 constexpr std::size_t BULK = 4 * LANES * BLOCK;
 
 SCL_WITH_MULTIPLY inline __m128i pair(std::uint64_t low, std::uint64_t high) {
@@ -52,7 +65,8 @@ SCL_WITH_MULTIPLY inline __m128i load(const std::byte* from) {
     return _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
 }
 
-// `value` moved up by the bytes that `by` stands for, plus `next`.
+// `value`, multiplied by the power of x that `by` holds, plus `next`: what comes of `value` when
+// more bytes follow it, the last 16 of which are `next`.
 SCL_WITH_MULTIPLY inline __m128i fold(__m128i value, __m128i by, __m128i next) {
     const __m128i low = _mm_clmulepi64_si128(value, by, 0x00);
     const __m128i high = _mm_clmulepi64_si128(value, by, 0x11);
@@ -72,7 +86,7 @@ SCL_WITH_MULTIPLY inline std::uint64_t reduce(__m128i value) {
     constexpr std::uint64_t RECIPROCAL = reciprocal_65();
     const __m128i by_x_128 = _mm_clmulepi64_si128(value, pair(X_127, 0), 0x00);
     const __m128i rest = _mm_xor_si128(by_x_128, _mm_srli_si128(value, 8));
-    // Barrett: the quotient by the reciprocal, then what it leaves.
+    // Barrett reduction: multiply by the reciprocal for the quotient, then subtract quotient * P.
     const __m128i divisors = pair(RECIPROCAL, POLYNOMIAL_65);
     const __m128i quotient = _mm_clmulepi64_si128(rest, divisors, 0x00);
     const __m128i multiple = _mm_clmulepi64_si128(quotient, divisors, 0x10);
@@ -80,11 +94,12 @@ SCL_WITH_MULTIPLY inline std::uint64_t reduce(__m128i value) {
     return static_cast<std::uint64_t>(_mm_extract_epi64(_mm_xor_si128(rest, with_x_0), 1));
 }
 
-// A first block of 1 to 16 bytes, moved to the end of 16 with zeros in front, which change nothing.
+// A first block of 1 to 16 bytes, with zeros in front to make it 16. Zeros at the front of a
+// message do not change its remainder.
 struct Head {
     std::uint64_t low;
     std::uint64_t high;
-    std::uint64_t left; // what of the register reaches beyond the block
+    std::uint64_t left; // the part of the register that meets bytes behind the block
 };
 
 // 1 to 7 bytes as a little-endian number, without reading beyond them.
@@ -104,7 +119,7 @@ inline Head make_head(std::uint64_t reg, const std::byte* from, std::size_t coun
         const std::uint64_t mixed = load_few(from, count) ^ reg;
         return {0, mixed << (8 * (8 - count)), reg >> (8 * count)};
     }
-    // Shifts in two halves: each stays below the 64 that has no meaning.
+    // In two halves, since a shift by 64 is undefined.
     const std::size_t front = 4 * (16 - count);
     const std::size_t back = 4 * (count - 8);
     const std::uint64_t first = scl_load_le<std::uint64_t>(from) ^ reg;
@@ -128,8 +143,8 @@ struct Widened_text {
     }
 };
 
-// Up to a few hundred bytes: a head that leaves whole blocks, then block by block. `head` is the
-// register with the first `head_bytes` bytes of the source; there is at least one block more.
+// For up to a few hundred bytes. `head` is the register and the first bytes of the message, so many
+// that whole blocks are left, at least one: those from `at` to `end`.
 template <typename Source>
 SCL_WITH_MULTIPLY std::uint64_t step_blocks(const Head& head, const std::byte* at,
                                             const std::byte* end) {
@@ -142,7 +157,7 @@ SCL_WITH_MULTIPLY std::uint64_t step_blocks(const Head& head, const std::byte* a
 }
 
 SCL_WITH_MULTIPLY std::uint64_t step(std::uint64_t reg, const std::byte* at, std::size_t count) {
-    // The hash of a field of one token, which most key fields are: no more than it needs.
+    // Most key fields have one token, and the key hash is then taken over these 8 bytes.
     if (count == 8) return reduce(pair(0, scl_load_le<std::uint64_t>(at) ^ reg));
     const std::size_t head_bytes = (count - 1) % BLOCK + 1;
     const Head head = make_head(reg, at, head_bytes);
@@ -150,8 +165,9 @@ SCL_WITH_MULTIPLY std::uint64_t step(std::uint64_t reg, const std::byte* at, std
     return step_blocks<Plain_bytes>(head, at + head_bytes, at + count);
 }
 
-// Moves the first n bytes of 16 to their end, with zeros before: loaded from n on, a byte of this
-// table says which one comes to its place, and one with the top bit makes a zero.
+// The shuffle that moves the first n bytes of 16 to their end, with zeros before them, is the 16
+// bytes of this table from n on. Each says which byte comes to its place; 0x80 makes a zero. For
+// n = 2 they are 80 ... 80 00 01.
 constexpr std::array<std::uint8_t, 2 * BLOCK> make_moves() {
     std::array<std::uint8_t, 2 * BLOCK> moves{};
     for (std::size_t i = 0; i < BLOCK; ++i) {
@@ -162,8 +178,8 @@ constexpr std::array<std::uint8_t, 2 * BLOCK> make_moves() {
 }
 constexpr std::array MOVES = make_moves();
 
-// The CRC of 2n zero bytes: the register, from all ones, complemented. The register is linear in
-// its start and in the message, so this, and the text from zero, make up the whole.
+// The CRC of 2n zero bytes. The register is linear in its start and in the message: the CRC of a
+// text is the CRC of as many zero bytes, xor the register over the text started at 0.
 constexpr std::array<std::uint64_t, BLOCK + 1> make_after_zeros() {
     std::array<std::uint64_t, BLOCK + 1> after{};
     for (std::size_t n = 1; n <= BLOCK; ++n) {
@@ -205,8 +221,8 @@ std::uint64_t crc64_by_multiply(std::uint64_t reg, std::span<const std::byte> by
     return bytes.empty() ? reg : step(reg, bytes.data(), bytes.size());
 }
 
-// No branch on the length, which nobody can guess, and no loop: two halves of the widened text, one
-// fold, one reduction.
+// Without a loop or a branch on the length, which a processor would often mispredict: the two
+// halves of the widened text take one fold and one reduction.
 SCL_WITH_MULTIPLY std::uint64_t crc64_widened_16(const char* text, std::size_t size) {
     const __m128i move = load(reinterpret_cast<const std::byte*>(MOVES.data() + size));
     const __m128i moved = _mm_shuffle_epi8(load(reinterpret_cast<const std::byte*>(text)), move);

@@ -5,10 +5,10 @@
 
 namespace scl {
 
-// Hands writes on to another buffer and sums up the bytes as they pass, while they are in the
-// cache: reading the file once more would cost more than the checksum. For writing strictly front
-// to back, from offset 0: bytes that are written again, or that follow a gap, are not summed up.
-// Codes are those of the target.
+// Passes writes on to another buffer and takes their checksum meanwhile, while the bytes are in the
+// cache; reading the file again for it would cost more than the checksum itself. For writing front
+// to back from offset 0: bytes that are written again, or behind a gap, do not count. Codes are
+// those of the target.
 class Scl_checksum_buffer final : public Scl_buffer {
 public:
     // Bytes before `begin` are left out of the checksum. The target must outlive this buffer.
@@ -30,6 +30,17 @@ public:
             next_ = end;
         }
         target_.write_at(offset, bytes, status);
+    }
+
+    void truncate(std::uint64_t size, Scl_status& status) override {
+        target_.truncate(size, status);
+    }
+
+    // Steps over bytes that were written to the target before; `checksum` is of them alone. Those
+    // in front of them are summed up.
+    void append_written(std::uint64_t count, const Scl_crc64& checksum) {
+        checksum_.append(checksum, count);
+        next_ += count;
     }
 
     // Of all bytes from `begin` on that were written so far.

@@ -2,9 +2,11 @@
 
 #include "scl/io/scl_buffer.hpp"
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string_view>
 
 #pragma GCC visibility push(default) // installed
 
@@ -21,6 +23,12 @@ public:
     [[nodiscard]] static std::uint64_t calculate(const void* data, std::size_t size,
                                                  std::uint64_t initial);
 
+    // calculate() from INITIAL over the units of a text, each little-endian.
+    [[nodiscard]] static std::uint64_t calculate_units(std::u16string_view text) {
+        if constexpr (std::endian::native == std::endian::big) return calculate_swapped(text);
+        return calculate(text.data(), text.size() * sizeof(char16_t), INITIAL);
+    }
+
     // calculate() from INITIAL over the UTF-16 form (little-endian) of an ASCII text of `size`
     // characters, without making that form. WIDENED_BLOCK characters must be readable from `text`
     // on, so that a text of up to as many takes one step, whatever its length.
@@ -31,6 +39,11 @@ public:
     // Feeds all bytes of the buffer. A read error is left in the status.
     void update(const Scl_buffer& buffer, Scl_status& status);
 
+    // Goes on as if `count` bytes had been fed here of which `next`, an object of its own, was fed
+    // instead: so the checksum of a file's later part can be made before its front is known. Takes
+    // some thousand steps, whatever the count.
+    void append(const Scl_crc64& next, std::uint64_t count);
+
     // The complemented register, equal to calculate() from INITIAL over the same bytes; with
     // `complemented` false the register as it stands.
     [[nodiscard]] std::uint64_t result(bool complemented) const {
@@ -38,6 +51,8 @@ public:
     }
 
 private:
+    [[nodiscard]] static std::uint64_t calculate_swapped(std::u16string_view text);
+
     std::uint64_t register_ = INITIAL;
 };
 

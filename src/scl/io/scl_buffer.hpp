@@ -15,9 +15,8 @@ namespace scl {
 enum class Scl_eol : unsigned { text = 0, none = 3 };
 
 // Bytes that can be read, and in some kinds written, at any offset; offsets and sizes are in bytes.
-// Buffers know nothing of positions: those belong to the streams attached to them, so that several
-// streams can read one buffer. Reading changes nothing in a buffer, so several threads may read one
-// that nobody writes to.
+// A buffer has no position; each stream attached to it has its own. So several streams can read one
+// buffer, also in several threads while nobody writes to it.
 class Scl_buffer {
 public:
     Scl_buffer() = default;
@@ -25,12 +24,12 @@ public:
     Scl_buffer& operator=(const Scl_buffer&) = delete;
     virtual ~Scl_buffer() = default;
 
-    // Size in bytes, or with `in_units` in whole 16-bit units. Never asks the system: a file's size
-    // is known from its opening and its writes. No kind here leaves a code.
+    // Size in bytes, or with `in_units` in whole 16-bit units. Makes no system call: a file's size
+    // is known from its opening and its writes. The buffers of this library leave no code.
     [[nodiscard]] virtual std::uint64_t size(bool in_units, Scl_status& status) const = 0;
 
-    // Reads up to bytes.size() bytes from `offset` on and returns how many there were: fewer only
-    // at the end and after a failure. Readers rely on that, and would wait for the rest for ever.
+    // Reads bytes.size() bytes from `offset` on and returns how many it read: fewer only at the end
+    // and after a failure. Readers rely on that: a short read without a reason may make them loop.
     // An offset beyond the end sets SCL_STATUS_OUT_OF_BOUNDS; a file may fail with
     // SCL_STATUS_READ_FAILED, and what arrived before that counts.
     virtual std::size_t read_at(std::uint64_t offset, std::span<std::byte> bytes,
@@ -44,8 +43,14 @@ public:
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
     }
 
-    // The whole content where it is in memory anyway, so that readers need no copy; else an empty
-    // span. Valid until the buffer is written to or destroyed.
+    // Drops the bytes from `size` on, which is not beyond the end. A kind that cannot be cut sets
+    // SCL_STATUS_OUT_OF_BOUNDS; a file may fail with SCL_STATUS_WRITE_FAILED.
+    virtual void truncate(std::uint64_t /*size*/, Scl_status& status) {
+        status.push(SCL_STATUS_OUT_OF_BOUNDS);
+    }
+
+    // The whole content if it is in memory, so that readers need no copy; else an empty span. Valid
+    // until the buffer is written to or destroyed.
     [[nodiscard]] virtual std::span<const std::byte> contents() const { return {}; }
 };
 

@@ -11,14 +11,15 @@ void Scl_buffered_istream::init(const Scl_buffer& buffer, bool /*at_end*/, Scl_s
     attach(buffer, status);
 }
 
-// Reads on behind the bytes at hand, which move to the storage's front: they did arrive, whatever
-// comes of the read.
+// Moves the bytes of the window that are not used yet to the front of the storage, and reads on
+// behind them. They stay in the window even if the read fails.
 void Scl_buffered_istream::refill(std::size_t wanted, Scl_status& status) {
     const std::uint64_t position = tell();
-    // Beyond the end there is nothing to read, and the buffer would call it out of bounds.
+    // At or beyond the end there is nothing to read; the buffer would report an offset out of
+    // bounds.
     if (buffer() == nullptr || position >= size(status)) return;
     const std::span<const std::byte> contents = buffer()->contents();
-    // All of it, so that no later position leads out of the window: this is the only refill.
+    // In memory: the window becomes the whole content, and this is the only refill.
     if (!contents.empty()) {
         set_window(contents, 0);
         set_position(position);
@@ -34,14 +35,13 @@ void Scl_buffered_istream::refill(std::size_t wanted, Scl_status& status) {
 
 std::size_t Scl_buffered_istream::read_beyond_window(std::span<std::byte> bytes,
                                                      Scl_status& status) {
-    if (bytes.size() >= WINDOW_BYTES) { // no use in copying so many twice
+    if (bytes.size() >= WINDOW_BYTES) { // as many as a window: read without the copy
         const std::size_t count = buffer()->read_at(tell(), bytes, status);
         set_window({}, tell() + count);
         return count;
     }
     std::size_t done = 0;
-    // After a failure as well: the window then gives what arrived before it, and is empty next
-    // time.
+    // Goes on after a failure: the window holds what was read before it, and is empty after that.
     while (done < bytes.size() && !window(status).empty()) {
         const std::size_t count = std::min(bytes.size() - done, at_hand());
         std::copy_n(take(count), count, bytes.begin() + static_cast<std::ptrdiff_t>(done));
@@ -51,7 +51,7 @@ std::size_t Scl_buffered_istream::read_beyond_window(std::span<std::byte> bytes,
 }
 
 unsigned char Scl_buffered_istream::read_char_beyond_window() {
-    assert(status_ != nullptr); // never attached: nobody could be told
+    assert(status_ != nullptr); // not attached, or without a status
     std::byte next{};
     read(1, &next, *status_);
     return std::to_integer<unsigned char>(next);

@@ -51,15 +51,16 @@ public:
         (void)take(count);
     }
 
-    // Lets each refill read this many bytes, or what is asked for when that is more: little for
-    // random access. WINDOW_BYTES at most, and at first.
+    // Limits what a refill reads to so many bytes, or to what is asked for if that is more. For
+    // random access, where the rest of a large window would never be used. At most WINDOW_BYTES,
+    // which is also the limit at first.
     void limit_read_ahead(std::size_t bytes) {
         assert(bytes <= WINDOW_BYTES);
         read_ahead_ = bytes;
     }
 
-    // Large enough that a call's cost does not show, small enough to stay in the inner caches while
-    // it is worked through.
+    // Large enough that the cost of a system call does not show, small enough to stay in the
+    // second-level cache until it is used up.
     static constexpr std::size_t WINDOW_BYTES = std::size_t{64} << 10;
 
 protected:
@@ -69,7 +70,8 @@ private:
     void refill(std::size_t wanted, Scl_status& status);
     [[nodiscard]] unsigned char read_char_beyond_window();
 
-    std::unique_ptr<std::byte[]> storage_; // WINDOW_BYTES, taken when first needed: never in memory
+    std::unique_ptr<std::byte[]>
+        storage_; // WINDOW_BYTES, allocated at the first refill; not for contents in memory
     std::size_t read_ahead_ = WINDOW_BYTES;
     Scl_status* status_ = nullptr;
 };

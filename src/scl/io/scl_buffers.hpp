@@ -1,8 +1,12 @@
 #pragma once
 
 #include "scl/io/scl_buffer.hpp"
+#include "scl/io/scl_endian.hpp"
 
+#include <algorithm>
 #include <cassert>
+#include <iterator>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -25,6 +29,7 @@ class Scl_heap_buffer final : public Scl_memory_buffer {
 public:
     void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
                   Scl_status& status) override;
+    void truncate(std::uint64_t size, Scl_status& status) override;
     [[nodiscard]] std::span<const std::byte> contents() const override { return bytes_; }
     // Drops what lies from `size` on, which is not beyond the end; the memory is kept.
     void cut(std::size_t size) {
@@ -40,7 +45,12 @@ private:
 // bytes are the string's 16-bit units, little-endian, without a terminator.
 class Scl_wstring_buffer final : public Scl_memory_buffer {
 public:
-    explicit Scl_wstring_buffer(std::u16string_view text) : text_(text) {}
+    explicit Scl_wstring_buffer(std::u16string_view text) : text_(text) {
+        if constexpr (std::endian::native == std::endian::big) {
+            std::ranges::transform(text, std::back_inserter(swapped_), scl_byte_swapped<char16_t>);
+            text_ = swapped_;
+        }
+    }
 
     [[nodiscard]] std::span<const std::byte> contents() const override {
         return std::as_bytes(std::span(text_));
@@ -48,6 +58,7 @@ public:
 
 private:
     std::u16string_view text_;
+    std::u16string swapped_; // empty where units lie little-endian in memory anyway
 };
 
 // A read view of a parent's bytes from `begin` up to `end`. Bounds that are out of order or outside

@@ -10,9 +10,6 @@
 
 namespace scl {
 
-static_assert(std::endian::native == std::endian::little,
-              "16-bit text units are hashed as they lie in memory, which must be little-endian");
-
 // Integers in files, in one of the two byte orders. Through arrays of bytes, as what lies in a file
 // or a window need not be aligned; compilers make one instruction of each of these.
 
@@ -26,11 +23,17 @@ template <std::integral T>
     return std::bit_cast<T>(raw);
 }
 
+// A number whose bytes in memory are the value's, little-endian; and the other way round.
+template <std::integral T>
+[[nodiscard]] constexpr T scl_little_endian(T value) {
+    return std::endian::native == std::endian::big ? scl_byte_swapped(value) : value;
+}
+
 template <std::integral T>
 [[nodiscard]] inline T scl_load_le(const std::byte* from) {
     Scl_raw<T> raw;
     std::copy_n(from, raw.size(), raw.begin());
-    return std::bit_cast<T>(raw);
+    return scl_little_endian(std::bit_cast<T>(raw));
 }
 
 template <std::integral T>
@@ -40,7 +43,7 @@ template <std::integral T>
 
 template <std::integral T>
 inline void scl_store_le(std::byte* to, T value) {
-    const auto raw = std::bit_cast<Scl_raw<T>>(value);
+    const auto raw = std::bit_cast<Scl_raw<T>>(scl_little_endian(value));
     std::copy_n(raw.begin(), raw.size(), to);
 }
 

@@ -127,6 +127,27 @@ int Scl_file::write_at(std::uint64_t offset, std::span<const std::byte> bytes) c
     return 0;
 }
 
+int Scl_file::truncate(std::uint64_t size) const {
+    int result = 0;
+    do {
+        result = ::ftruncate(descriptor_, static_cast<off_t>(size));
+    } while (result != 0 && errno == EINTR);
+    return result == 0 ? 0 : errno;
+}
+
+// Not posix_fallocate(): where the file system cannot reserve, it writes zeros.
+bool Scl_file::reserve(std::uint64_t offset, std::uint64_t count) const {
+#if defined(FALLOC_FL_KEEP_SIZE) // Linux alone has it
+    if (!fits_offset(offset, count)) return false;
+    return ::fallocate(descriptor_, FALLOC_FL_KEEP_SIZE, static_cast<off_t>(offset),
+                       static_cast<off_t>(count)) == 0;
+#else
+    (void)offset;
+    (void)count;
+    return false;
+#endif
+}
+
 int Scl_file::close() {
     if (!is_open()) return 0;
     const int descriptor = descriptor_;

@@ -44,6 +44,12 @@ public:
     // Writes everything or fails.
     [[nodiscard]] int write_at(std::uint64_t offset, std::span<const std::byte> bytes) const;
 
+    // Cuts the file to `size` bytes. Room that was reserved behind them is given back.
+    [[nodiscard]] int truncate(std::uint64_t size) const;
+    // Takes disk room for `count` bytes from `offset` on; the file's size stays. Not every system
+    // can, and room may be short: nothing but speed depends on it.
+    [[nodiscard]] bool reserve(std::uint64_t offset, std::uint64_t count) const;
+
     // An error here means that an earlier write, reported as done, was lost. 0 when not open.
     [[nodiscard]] int close();
 

@@ -33,8 +33,7 @@ Scl_file_buffer::Scl_file_buffer(std::u16string_view path, Scl_file_open mode,
 }
 
 Scl_file_buffer::~Scl_file_buffer() {
-    Scl_status nobody_listens; // a caller who needs to know calls close()
-    close(nobody_listens);
+    discard(); // who needs to know closes before
 }
 
 void Scl_file_buffer::open(std::u16string_view path, Scl_file_open mode, Scl_file_access access,
@@ -53,6 +52,8 @@ void Scl_file_buffer::open(std::u16string_view path, Scl_file_open mode, Scl_fil
         return;
     }
     size_ = file_.opened_size();
+    reserved_end_ = 0;
+    can_reserve_ = true;
     file_.advise(pattern == SCL_FILE_AT_RANDOM);
 }
 
@@ -69,13 +70,23 @@ int Scl_file_buffer::create_scratch() {
     return error;
 }
 
+// Network file systems report here what they could not write.
 void Scl_file_buffer::close(Scl_status& status) {
-    if (!file_.is_open()) return;
-    if (scratch_) remove_scratch(); // while it is open: afterwards its node number may be reused
-    const int error = file_.close();
-    // Network file systems report here what they could not write.
+    const int error = end();
     if (error != 0) report(SCL_STATUS_CLOSE_FAILED, scl_system_reason(error), status);
+}
+
+void Scl_file_buffer::discard() noexcept {
+    (void)end();
+}
+
+// Returns the system's number for a failure. Telling of it takes memory, which may be what ran out.
+int Scl_file_buffer::end() noexcept {
+    if (!file_.is_open()) return 0;
+    if (scratch_) remove_scratch(); // while it is open: afterwards its node number may be reused
+    (void)release_reserve();
     size_ = 0;
+    return file_.close();
 }
 
 // Only our own: by now the entry may be another run's scratch file.
@@ -116,13 +127,43 @@ void Scl_file_buffer::write_at(std::uint64_t offset, std::span<const std::byte> 
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
         return;
     }
-    const int error = file_.write_at(offset, bytes);
+    reserve_up_to(offset + bytes.size());
+    int error = file_.write_at(offset, bytes);
+    // Where the disk is full, the reserved room may be just what is missing.
+    if (error != 0 && release_reserve()) error = file_.write_at(offset, bytes);
     // The size stays: part of the bytes may be written, but nobody should read them.
     if (error != 0) {
         report(SCL_STATUS_WRITE_FAILED, scl_system_reason(error), status);
         return;
     }
     size_ = std::max<std::uint64_t>(size_, offset + bytes.size());
+}
+
+void Scl_file_buffer::truncate(std::uint64_t size, Scl_status& status) {
+    if (!is_open() || !writable_ || size > size_) {
+        status.push(SCL_STATUS_OUT_OF_BOUNDS);
+        return;
+    }
+    if (size == size_ && reserved_end_ <= size_) return;
+    const int error = file_.truncate(size);
+    if (error != 0) return report(SCL_STATUS_WRITE_FAILED, scl_system_reason(error), status);
+    size_ = size;
+    reserved_end_ = 0;
+}
+
+// A refusal is final: a full disk must not be asked again with each write.
+void Scl_file_buffer::reserve_up_to(std::uint64_t end) {
+    if (end < RESERVE_STEP || end <= reserved_end_ || !can_reserve_) return;
+    can_reserve_ = file_.reserve(size_, end - size_ + RESERVE_STEP);
+    if (can_reserve_) reserved_end_ = end + RESERVE_STEP;
+}
+
+// Gives back what lies behind the file's end. False when there was nothing to give back.
+bool Scl_file_buffer::release_reserve() {
+    if (reserved_end_ <= size_) return false;
+    reserved_end_ = 0;
+    can_reserve_ = false;
+    return file_.truncate(size_) == 0;
 }
 
 void Scl_file_buffer::report(Scl_status_code code, const std::string& reason,

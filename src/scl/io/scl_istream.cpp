@@ -13,7 +13,7 @@ void Scl_istream::attach(const Scl_buffer& buffer, Scl_status& status) {
     set_window({}, 0);
 }
 
-// With a size of 0 every read ends before it comes to a buffer that may be gone.
+// With a size of 0, no read reaches the buffer, which may be destroyed by now.
 void Scl_istream::detach() {
     buffer_ = nullptr;
     size_ = 0;
@@ -27,15 +27,15 @@ std::size_t Scl_istream::read(std::size_t count, void* destination, Scl_status& 
     // An empty window has no address, which memcpy may not be given even for nothing.
     if (from_window != 0) std::memcpy(bytes.data(), take(from_window), from_window);
     std::size_t done = from_window;
-    // A stream's data ends wherever its position is; the buffer would speak of bounds instead.
+    // Beyond the end a stream reports the end of the data; the buffer would report its bounds.
     if (done < count && tell() < size_) done += read_beyond_window(bytes.subspan(done), status);
-    // A failure to read is the better answer: the data may well go on.
+    // Not after a read failure: the data may go on, and the failure is the reason.
     if (done < count && !status.has_failed()) status.push(SCL_STATUS_END_OF_DATA);
     return done;
 }
 
-// Lookups and scans step back and forth over a few bytes: what is at hand stays at hand, and
-// anything else is read when it is asked for, not before.
+// Lookups step back and forth over a few bytes, so a position inside the window keeps the window.
+// Any other position empties it; the next read fills it.
 void Scl_istream::set_position(std::uint64_t position) {
     const auto length = static_cast<std::uint64_t>(window_end_ - window_begin_);
     const std::uint64_t begin = window_end_offset_ - length;
@@ -47,7 +47,8 @@ void Scl_istream::set_position(std::uint64_t position) {
 }
 
 void Scl_istream::seek(Scl_seek /*relative*/, std::int64_t offset, Scl_status& status) {
-    // Unsigned, so that a step too far comes out on the wrong side of the position, defined.
+    // Unsigned arithmetic, which may wrap: a step too far then lands on the wrong side of the
+    // position. For example 4 - 11 is a huge number.
     const std::uint64_t base = tell();
     const std::uint64_t target = base + static_cast<std::uint64_t>(offset);
     if (offset < 0 && target > base) {
@@ -79,7 +80,7 @@ std::size_t Scl_unbuffered_istream::read_at(std::uint64_t offset, std::size_t co
     return buffer()->read_at(offset, {static_cast<std::byte*>(destination), count}, status);
 }
 
-// There never is a window here, so setting the position does no more than that.
+// Without a window, so set_position() only sets the position.
 std::size_t Scl_unbuffered_istream::read_beyond_window(std::span<std::byte> bytes,
                                                        Scl_status& status) {
     const std::size_t count = buffer()->read_at(tell(), bytes, status);

@@ -91,7 +91,8 @@ private:
         return read(N, raw.data(), status) == N;
     }
 
-    // Three places in the window, and the offset of its last: reading moves one pointer only.
+    // The window, and the position in it. Reading moves window_at_ only: the position follows from
+    // it and the offset of the window's end.
     const std::byte* window_begin_ = nullptr;
     const std::byte* window_at_ = nullptr;
     const std::byte* window_end_ = nullptr;

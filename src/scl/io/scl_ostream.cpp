@@ -4,8 +4,7 @@
 
 namespace scl {
 
-// The storage is kept from one attachment to the next, and not cleared: all of it is written before
-// it is read.
+// Keeps the storage from one attachment to the next, uncleared: only what was written is ever read.
 void Scl_ostream::attach(Scl_buffer& buffer) {
     if (storage_ == nullptr) storage_ = std::make_unique_for_overwrite<std::byte[]>(STORAGE_BYTES);
     buffer_ = &buffer;
@@ -20,7 +19,7 @@ void Scl_ostream::detach(Scl_status& status) {
     capacity_ = 0;
 }
 
-// After a failure the bytes are dropped: what they should have followed is not there.
+// After a failure the bytes are dropped: what should stand before them is missing.
 void Scl_ostream::flush(Scl_status& status) {
     if (used_ != 0 && !status.has_failed()) {
         buffer_->write_at(begin_offset_, {storage_.get(), used_}, status);
@@ -39,8 +38,8 @@ bool Scl_ostream::flush_attached(Scl_status& status) {
     return true;
 }
 
-// After a failed flush these bytes are dropped as well: written where they belong they would lie
-// beyond the buffer's end, and that would be reported in place of what really went wrong.
+// After a failed flush these bytes are dropped too. Their offset is beyond the buffer's end, and
+// the error of writing there would hide the one that matters.
 void Scl_ostream::write_past_storage(std::size_t count, const void* source, Scl_status& status) {
     if (!status.has_failed()) {
         buffer_->write_at(begin_offset_, {static_cast<const std::byte*>(source), count}, status);
@@ -48,8 +47,8 @@ void Scl_ostream::write_past_storage(std::size_t count, const void* source, Scl_
     begin_offset_ += count;
 }
 
-// What is larger than the storage goes to the buffer in one piece: cut up, it would take more calls
-// and a copy. What is stored goes there first, as it comes before it.
+// Flushes what is stored, then passes a piece larger than the storage on as it is: storing it would
+// cost a copy and more calls.
 void Scl_ostream::write(std::size_t count, const void* source, Scl_status& status) {
     if (count > capacity_ - used_ && !flush_attached(status)) return;
     if (count > capacity_) {
@@ -60,7 +59,7 @@ void Scl_ostream::write(std::size_t count, const void* source, Scl_status& statu
     }
 }
 
-// What is stored belongs to where the position was.
+// Flushes first: the stored bytes belong to the old position.
 void Scl_ostream::set_position(std::uint64_t position, Scl_status& status) {
     flush(status);
     begin_offset_ = position;

@@ -17,7 +17,13 @@ namespace scl {
 // latest into that of flush() or detach(): call one of them before trusting what was written.
 // Writing without a buffer attached sets SCL_STATUS_OUT_OF_BOUNDS.
 class Scl_ostream {
+    // Large, since a system call costs as much as some hundred records.
+    static constexpr std::size_t STORAGE_BYTES = std::size_t{256} << 10;
+
 public:
+    // What room() gives at the most.
+    static constexpr std::size_t MOST_ROOM = STORAGE_BYTES;
+
     Scl_ostream() = default;
     // Attaches to the buffer, at its front; this does not fail.
     explicit Scl_ostream(Scl_buffer& buffer) { attach(buffer); }
@@ -47,9 +53,9 @@ public:
         write_le(scl_byte_swapped(value), status);
     }
 
-    // For who writes in place: memory for `count` bytes or more, up to STORAGE_BYTES / 2, which
-    // become part of the stream by advance(). Empty when the stream is not attached. Valid until
-    // the next operation.
+    // Memory to write to in place, without a copy: at least `count` bytes, at most STORAGE_BYTES
+    // / 2. advance() makes them part of the stream. Empty when the stream is not attached. Valid
+    // until the next operation.
     [[nodiscard]] std::span<std::byte> room(std::size_t count, Scl_status& status) {
         assert(count <= STORAGE_BYTES / 2);
         if (make_room(count, status) == nullptr) return {};
@@ -66,9 +72,6 @@ public:
     void set_position(std::uint64_t position, Scl_status& status);
 
 private:
-    // Large, so that the system is seldom called: a call costs as much as some hundred records.
-    static constexpr std::size_t STORAGE_BYTES = std::size_t{256} << 10;
-
     void attach(Scl_buffer& buffer);
     // Where `count` bytes, few against STORAGE_BYTES, can be stored; null when not attached.
     [[nodiscard]] std::byte* make_room(std::size_t count, Scl_status& status) {

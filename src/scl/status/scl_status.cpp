@@ -13,7 +13,7 @@ Scl_wstring_status_arg::Scl_wstring_status_arg(std::string_view narrow) {
 
 namespace {
 
-// Statuses share arguments, so that two equal ones are often the same.
+// Statuses share arguments, so equal ones are often the same object.
 bool same_argument(const Scl_status_arg* a, const Scl_status_arg* b) {
     if (a == b) return true;
     return a != nullptr && b != nullptr && a->text() == b->text();
@@ -59,7 +59,7 @@ bool Scl_status::contains_value(Scl_status_code code) const {
 }
 
 void Scl_status::add(Scl_status_code code, std::shared_ptr<const Scl_status_arg> argument) {
-    // The value comes last: should an allocation fail, nothing has changed.
+    // The value is set last: if an allocation throws, the status is unchanged.
     Entry* const top = !several_.empty() ? &several_.back() : only_ ? &*only_ : nullptr;
     if (top == nullptr) {
         only_ = Entry{code, std::move(argument), 1};

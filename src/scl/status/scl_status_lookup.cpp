@@ -21,8 +21,8 @@ std::string hex(std::uint32_t code) {
     return text;
 }
 
-// The rest of the line that begins with the code; empty when no file has one. A search of the whole
-// text, as there are few messages and fewer look-ups.
+// The message of a code: the rest of the line that starts with it; empty if no file has one. A
+// linear search does: there are about thirty messages, and a run looks up a few.
 std::string_view find_message(std::string_view code) {
     for (const impl::Message_file& file : impl::MESSAGE_FILES) {
         std::string_view rest = file.text;
@@ -40,7 +40,7 @@ void append_entry(std::u16string& text, const Scl_status::Entry& entry) {
     scl_string_append(text, "0x" + code);
     const std::string_view message = find_message(code);
     if (!message.empty()) scl_string_append(text, ": ");
-    // The argument is put in last and never looked at for a place: it may be any text.
+    // Only the message is searched for %1, never the argument, which may hold "%1" itself.
     const std::size_t place = message.find(ARGUMENT_PLACE);
     scl_string_append(text, message.substr(0, place));
     if (place != std::string_view::npos) {
@@ -59,6 +59,10 @@ bool Scl_status_lookup::initialise_message_list(std::span<const std::string> fil
         return std::ranges::find(impl::MESSAGE_FILES, name, &impl::Message_file::name) !=
                impl::MESSAGE_FILES.end();
     });
+}
+
+std::string_view Scl_status_lookup::message(Scl_status_code code) {
+    return find_message(hex(code)); // so short that the string holds it in itself
 }
 
 void Scl_status_lookup::to_string(const Scl_status& status, std::u16string& text) {

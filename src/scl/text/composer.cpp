@@ -10,7 +10,7 @@ namespace scl::impl {
 
 namespace {
 
-// The numbers of section 3.12. Hangul syllables are computed: a table would have 11,172 rows.
+// Hangul syllables are computed (Unicode Standard, section 3.12): a table would have 11,172 rows.
 constexpr char32_t HANGUL_BASE = 0xAC00;
 constexpr char32_t LEAD_BASE = 0x1100;
 constexpr char32_t VOWEL_BASE = 0x1161;
@@ -79,15 +79,16 @@ void decompose_all(std::u16string_view text, Use use) {
     }
 }
 
-// Whether a character decomposes into marks only.
+// Whether a character is a mark or decomposes into marks only. Looking at the first part is enough:
+// a decomposition that has a starter has it in front.
 bool is_mark(char32_t code_point) {
     const Properties& properties = properties_of(code_point);
     if (!properties.decomposes) return properties.combining_class != 0;
     return is_mark(decomposition(code_point).first);
 }
 
-// The end of the character at `at` and of the marks behind it, which its own may have to be sorted
-// with. A decomposition has its starters in front.
+// The end of the group that starts at `at`: one character and the marks behind it. The character's
+// own marks, once decomposed, are sorted together with those.
 std::size_t group_end(std::u16string_view text, std::size_t at) {
     std::size_t after = at;
     (void)scl_utf16_next(text, after);
@@ -114,8 +115,9 @@ std::size_t Composer::most_units(std::u16string_view text) {
     return units;
 }
 
-// The canonical ordering: marks by their combining class, equal ones in the order they have. One
-// pass for each class that there is takes no memory, however many marks a hostile text has.
+// The Canonical Ordering Algorithm (Unicode Standard, section 3.11, D109): marks by combining
+// class, equal classes in the order of the text. One pass for each class present (of about 55)
+// needs no memory and no sorting, however many marks a hostile text has.
 void Composer::compose_group(std::u16string_view group) {
     std::uint8_t next = put_class(group, 0);
     while (next != 0) {
@@ -123,7 +125,7 @@ void Composer::compose_group(std::u16string_view group) {
     }
 }
 
-// Puts the characters of one class; returns the lowest one above it that there is, or 0.
+// Puts the characters of one class; returns the next higher class in the group, or 0.
 std::uint8_t Composer::put_class(std::u16string_view group, std::uint8_t wanted) {
     constexpr unsigned NONE = 256;
     unsigned next = NONE;
@@ -138,8 +140,9 @@ std::uint8_t Composer::put_class(std::u16string_view group, std::uint8_t wanted)
     return static_cast<std::uint8_t>(next); // none is 0 again
 }
 
-// The canonical composition: a character goes into the last starter when the two form a composite
-// and no character kept between them is a starter or of an equal or higher class.
+// The Canonical Composition Algorithm (Unicode Standard, section 3.11, D117): a character is
+// composed with the last starter if the two have a primary composite and no character between them
+// blocks it, which a starter does, and one of an equal or higher class.
 void Composer::put(char32_t code_point, std::uint8_t combining_class) {
     if (has_starter_ && (last_class_ == 0 || last_class_ < combining_class)) {
         if (const char32_t composed = compose_pair(starter_, code_point)) {

@@ -24,9 +24,11 @@ void lower_ascii(std::u16string& text) {
     }
 }
 
-// Whether the nearest character on one side that is not case-ignorable is cased. As no sigma is
-// case-ignorable, each character is looked at for one sigma at most on either side. What is before
-// a sigma is lower-case already, which changes neither property.
+// The condition Final_Sigma (Unicode Standard, table 3-17): whether the nearest character on one
+// side that is not case-ignorable is cased. A sigma that ends a word has such a letter before it
+// and none behind it. The search stops at the next sigma, which is not case-ignorable, so
+// lower-casing stays linear. The text before a sigma is lower-case already; that changes neither
+// property.
 
 bool is_after_cased(std::u16string_view text, std::size_t at) {
     while (at > 0) {
@@ -44,8 +46,9 @@ bool is_before_cased(std::u16string_view text, std::size_t at) {
     return false;
 }
 
-// Writes out the one character that grows, so that all others are mapped in their places. For the
-// sigmas around it nothing changes: the i is cased as well, and the dot is case-ignorable.
+// Replaces each U+0130, the one character that grows, by its two units. All others can then be
+// mapped in place. Final_Sigma is not affected: the i is cased like the capital, the dot
+// case-ignorable.
 void expand_capital_i(std::u16string& text) {
     std::u16string expanded;
     expanded.reserve(text.size() +
@@ -78,8 +81,8 @@ char32_t small_form(std::u16string_view text, std::size_t at, char32_t code_poin
     return code_point + static_cast<char32_t>(impl::properties_of(code_point).to_lower);
 }
 
-// Maps the character at `at` in its place, as its small form is of the same length, and moves `at`
-// past it. True when it changed in front of something that normalisation touches.
+// Maps the character at `at`, whose small form has the same length, and moves `at` past it. True
+// when it changed and what follows is no plain character but one that normalisation may touch.
 bool lower_one(std::u16string& text, std::size_t& at) {
     const std::size_t here = at;
     const char32_t code_point = scl_utf16_next(text, at);
@@ -89,9 +92,10 @@ bool lower_one(std::u16string& text, std::size_t& at) {
            (impl::UNIT_TRAITS[text[at]] & impl::UNIT_TOUCHED) != 0;
 }
 
-// Maps any text. Of a text in NFC, false when it is in NFC still: no mapping makes or unmakes a
-// mark, and a letter composes with marks that follow it, so only one that changed in front of a
-// mark can have come to compose (J with U+030C), or no longer be where its dot belongs (U+0130).
+// Maps any text. False if a text that was in NFC surely still is. A letter composes only with marks
+// behind it, and no mapping makes or removes a mark. So only a letter that changed in front of a
+// mark can need composing (J with U+030C becomes U+01F0), or a U+0130, whose dot is a mark of its
+// own.
 bool lower_any(std::u16string& text) {
     bool may_compose = false;
     for (std::size_t at = 0; at < text.size();) {
@@ -107,8 +111,8 @@ bool lower_any(std::u16string& text) {
     return may_compose;
 }
 
-// Does what needs no thought of marks: ASCII, and what else is below the first of them. False for
-// other text, which is left as it is.
+// Lower-cases ASCII, and text below the first combining mark: nothing there composes. False for
+// other text, which is left alone.
 bool lower_plain(std::u16string& text) {
     const std::uint16_t bits = scl_all_bits(text);
     if (bits >= impl::FIRST_MARK) return false;
@@ -144,8 +148,7 @@ int compare(Text a, Text b, Next next) {
 
 } // namespace
 
-// Whether the text was in NFC must be known before it changes; for most texts a look at the units
-// tells.
+// Whether the text was in NFC must be known before it changes. Of most texts, scl_is_plain() tells.
 void scl_lower(std::u16string& text) {
     if (lower_plain(text)) return;
     const bool was_normal =

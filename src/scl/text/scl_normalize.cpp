@@ -14,12 +14,13 @@ bool is_untouched(char16_t unit) {
     return (impl::UNIT_TRAITS[unit] & impl::UNIT_TOUCHED) == 0;
 }
 
-// From here on a text that becomes longer is not copied to larger memory, which would hold it
-// twice.
+// Of texts from this length on, the size of the result is computed first. A string that grows while
+// it is written holds the text twice for a moment; for a million units that is memory worth saving.
 constexpr std::size_t LONG_UNITS = std::size_t{1} << 20;
 
-// True when nothing before the character has to do with its normal form. Text is cut here: what is
-// before it and what is behind it can be brought to NFC by themselves.
+// True when the character never combines with what is before it. The text on either side of a
+// boundary can be normalised by itself (Unicode Standard Annex #15, section 9,
+// https://www.unicode.org/reports/tr15/#Detecting_Normalization_Forms).
 bool is_boundary(const impl::Properties& properties) {
     return properties.nfc_yes && properties.combining_class == 0;
 }
@@ -29,10 +30,9 @@ struct Stretch {
     bool is_whole; // it is all that was left of the text
 };
 
-// The stretch of text from `at` on that is in NFC beyond doubt (the quick check of Unicode Standard
-// Annex #15: every character has NFC_Quick_Check Yes, and combining classes never fall but to 0).
-// When it is not the whole rest, it ends before the last boundary, as what follows may change from
-// there.
+// How far the text from `at` on is surely in NFC, by the quick check of the annex: each character
+// has NFC_Quick_Check Yes, and combining classes do not fall except to 0. A stretch that is not the
+// whole rest ends at its last boundary, since a later mark can change all characters from there on.
 Stretch normal_stretch(std::u16string_view text, std::size_t at) {
     std::size_t boundary = at;
     std::uint8_t last_class = 0;
@@ -62,8 +62,9 @@ std::size_t next_boundary(std::u16string_view text, std::size_t at) {
     return at;
 }
 
-// The normal form of a text that begins with the stretch: stretches are copied, and each piece
-// between two of them is composed by itself. Pieces are short, so that all this is linear.
+// The normal form of a text that begins with the stretch. Stretches in NFC are copied; each piece
+// between two of them is composed by itself. Time is linear: no part of the text is gone over more
+// than a few times.
 std::u16string composed(std::u16string_view text, Stretch stretch) {
     std::u16string result;
     result.reserve(text.size() < LONG_UNITS ? text.size() : impl::Composer::most_units(text));
@@ -113,7 +114,7 @@ void scl_normalize(std::u16string_view in, std::u16string& out) {
     if (stretch.is_whole) {
         out.assign(in);
     } else {
-        out.assign(composed(in, stretch)); // apart from `out`, whose text `in` may be
+        out.assign(composed(in, stretch)); // in memory of its own: `in` may view `out`
     }
 }
 

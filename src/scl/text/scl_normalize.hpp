@@ -21,19 +21,18 @@ namespace impl {
 
 } // namespace impl
 
-// True for text of characters that Normalization Form C never changes and that never join what is
-// before them: NFC_Quick_Check Yes and combining class 0. Most text is such: Latin with letters
-// that have accents of their own, Cyrillic, Han, Hangul syllables. It is well formed and in the
-// form. Other text may be in the form as well; characters beyond U+FFFF are never counted as plain.
+// True for text of plain characters only: NFC_Quick_Check Yes and combining class 0, so that Form C
+// neither changes them nor combines them with what is before. Such text is well formed and in Form
+// C. Most text is plain: Latin with precomposed letters, Cyrillic, Han, Hangul syllables. False
+// says nothing: other text may be in Form C too, and characters beyond U+FFFF never count as plain.
 [[nodiscard]] inline bool scl_is_plain(std::u16string_view text) {
     return scl_all_bits(text) < 0x300 || impl::scl_is_untouched(text);
 }
 
-// How many units from `at` on, at least one character, have to be brought into a normal form
-// together: what stands before them and behind them has nothing to do with their form. `at` is
-// below the text's size, and at its front or behind such units.
+// How many units from `at` on must be normalised together: the character at `at` and all that may
+// combine with it. `at` is below the text's size, and is 0 or the end of such a piece.
 [[nodiscard]] std::size_t scl_joined_length(std::u16string_view text, std::size_t at);
-// How many units the character at `at` has, a lone surrogate being one; likewise.
+// How many units the character at `at` has: 1, or 2 for a surrogate pair.
 [[nodiscard]] std::size_t scl_character_length(std::u16string_view text, std::size_t at);
 
 // True when the text is in Normalization Form C (Unicode Standard Annex #15). A lone surrogate

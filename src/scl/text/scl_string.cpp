@@ -12,8 +12,9 @@ namespace {
 constexpr std::size_t PIECE_BYTES = 8192;
 constexpr std::u16string_view HEX_DIGITS = u"0123456789ABCDEF";
 
-// How many bytes of a text to convert next: a piece that cuts no character. Where more than three
-// bytes continue one, they are none, and each of them stands for itself.
+// How many bytes of a text to convert next, so that no character is cut: the piece ends before a
+// byte that is no continuation byte (10xxxxxx). Four of them in a row are no UTF-8 and are
+// converted byte by byte, so they may be cut anywhere.
 std::size_t piece_size(std::string_view text) {
     if (text.size() <= PIECE_BYTES) return text.size();
     for (std::size_t size = PIECE_BYTES; size > PIECE_BYTES - 4; --size) {
@@ -22,8 +23,9 @@ std::size_t piece_size(std::string_view text) {
     return PIECE_BYTES;
 }
 
-// Through a small buffer, since a string fills the memory that it grows by, and there are fewer
-// units than bytes: a long text would take memory that it does not need.
+// Converts piece by piece. In one piece, resize() would write zeros to a unit of memory for each
+// byte, and text of other scripts has fewer units than bytes; memory that is only reserved is not
+// touched, so the system need not provide it.
 void stow_long(std::string_view narrow, std::u16string& wide) {
     std::array<char16_t, PIECE_BYTES> units;
     std::u16string().swap(wide); // what an even longer text has used of it is given back
@@ -46,14 +48,13 @@ bool is_raw_byte(char32_t character) {
 
 } // namespace
 
-// Memory that becomes longer is filled first; keeping what the string has saves most of that.
+// resize() fills what it adds. The string is not cleared before, so that it seldom has to.
 void scl_stow(std::string_view narrow, std::u16string& wide) {
     if (narrow.size() > PIECE_BYTES) return stow_long(narrow, wide);
     if (wide.size() < narrow.size()) wide.resize(narrow.size());
     wide.resize(scl_convert(narrow, wide.data()));
 }
 
-// Appending is the one conversion there is: file names and messages are put together from pieces.
 void scl_wtos(std::u16string_view wide, std::string& narrow, bool replace) {
     if (replace) narrow.clear();
     scl_string_append(narrow, wide);
@@ -87,7 +88,7 @@ std::string scl_shown(std::string_view text) {
     return shown;
 }
 
-// By units: all white space is of single ones, and no half of a pair is white space.
+// By units: every white space character is one unit, and no surrogate is white space.
 std::u16string_view scl_trimmed(std::u16string_view text) {
     while (!text.empty() && scl_is_white_space(text.back())) {
         text.remove_suffix(1);
@@ -105,15 +106,15 @@ void scl_trim(std::u16string& text) {
     text.erase(0, before);
 }
 
-// No code point tells the end apart, as U+0000 is one: the index does.
+// 0 at the end is no sign of it, since a text may hold U+0000. The index tells.
 char32_t scl_utf16_to_utf32_char(std::u16string_view text, std::size_t& index) {
     if (index < text.size()) return scl_utf16_next(text, index);
     index = SCL_NPOS;
     return 0;
 }
 
-// A separator at the end leaves an empty last piece, dropped like any other: a schema may end in
-// one.
+// A separator at the end leaves an empty last piece, which is dropped like any other: a schema may
+// end in a semicolon.
 void Scl_tokeniser::tokenise(std::u16string_view text, std::vector<std::u16string>& pieces) const {
     pieces.clear();
     for (;;) {

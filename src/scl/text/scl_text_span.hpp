@@ -13,9 +13,13 @@
 
 namespace scl {
 
-// Text in memory: of char16_t for UTF-16 units, as in a view, or of char for UTF-8 or ASCII bytes,
-// with a block readable behind them. Most values are short; that block lets them be looked at in
-// one step, whatever their length. Two pointers, so that it is passed in registers.
+// Text in memory: UTF-16 units (char16_t), or UTF-8 or ASCII bytes (char).
+//
+// Invariant: behind a text of char, SCL_BLOCK_BYTES more bytes can be read, whatever they hold. So
+// the five bytes of "Smith" take one block, without a look at the length. Text of char16_t is a
+// view of somebody's memory and has no such padding: ask has_block().
+//
+// Two pointers, so that it is passed in registers.
 template <typename Unit>
 struct Scl_text_span {
     const Unit* begin = nullptr;

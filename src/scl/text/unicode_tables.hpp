@@ -30,8 +30,9 @@ struct Decomposition {
     char32_t second;
 };
 
-// Two stages: the block number of each run of PROPERTY_BLOCK code points, then the place of each
-// code point's properties. Blocks with the same places are one, so that all of Unicode takes 55 KB.
+// A two-stage table: PROPERTY_BLOCKS gives the block of a run of 128 code points, PROPERTY_PLACES
+// the index in PROPERTIES of each code point of a block. Equal blocks are stored once, so that all
+// of Unicode takes 55 KB.
 inline constexpr std::size_t PROPERTY_BLOCK = 128;
 inline constexpr std::size_t CODE_POINT_LIMIT = 0x110000;
 
@@ -44,16 +45,16 @@ extern const std::span<const Decomposition> DECOMPOSITIONS;
 // The primary composites, sorted by `first`, then `second`.
 extern const std::span<const Decomposition> COMPOSITIONS;
 
-// What normalisation (NFC) and lower-casing do with a 16-bit unit. Most units have neither trait:
-// one look-up settles them, and nothing is decoded. Surrogates have both, but for the second half
-// of a pair, which goes with its first: only the whole pair can tell.
+// What normalisation (NFC) and lower-casing do with a 16-bit unit. Most units have neither trait
+// and need no decoding. Lead surrogates have both, since only the whole pair can tell; trail
+// surrogates only the first.
 inline constexpr std::uint8_t UNIT_TOUCHED = 1; // may change, or change with what is before it
 inline constexpr std::uint8_t UNIT_LOWERS = 2;  // has another small form
 
 using Unit_traits = std::array<std::uint8_t, 0x10000>;
 extern const Unit_traits UNIT_TRAITS;
 
-// Below it nothing is a combining mark, nothing changes in NFC, and every character is one unit.
+// U+0300, the first combining mark. Below it nothing changes in NFC.
 inline constexpr char16_t FIRST_MARK = 0x300;
 // The one character that grows when it is lower-cased (SpecialCasing.txt). The table of small
 // letters has it unchanged.

@@ -3,11 +3,11 @@
 #include "scl/text/scl_utf.hpp"
 #include "scl/text/unicode_tables.hpp"
 
-// Derives, while the generated tables are compiled, the tables that go by 16-bit unit. They repeat
-// what the properties say and would only make the generated file longer.
+// Makes the tables by 16-bit unit from the generated ones, at compile time. Generated as well, they
+// would add 65,536 numbers to that file that say nothing new.
 namespace scl::impl {
 
-// A character that is no mark and has NFC_Quick_Check Yes stays what it is, whatever is before it.
+// A character with combining class 0 and NFC_Quick_Check Yes never changes, whatever is before it.
 [[nodiscard]] constexpr std::uint8_t traits_of(const Properties& properties) {
     const bool is_inert = properties.nfc_yes && properties.combining_class == 0;
     return static_cast<std::uint8_t>((is_inert ? 0 : UNIT_TOUCHED) |
@@ -34,7 +34,7 @@ namespace scl::impl {
     return traits;
 }
 
-// U+0130 stays: it becomes two units, which the code sees to.
+// U+0130 is left as it is: its small form has two units, so scl_lower() replaces it by itself.
 [[nodiscard]] constexpr Small_letters make_small_letters(std::span<const Properties> properties,
                                                          const std::uint8_t* places,
                                                          const std::uint16_t* blocks) {

@@ -2,6 +2,7 @@
 
 #include "scl/text/scl_utf.hpp"
 
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <type_traits>
@@ -11,8 +12,9 @@ namespace scl {
 
 namespace {
 
-// Units of a block that is copied at once. Most texts are names and words: those shorter than a
-// block would not profit from it, so there are smaller ones too.
+// How many units are copied at once. Most texts are names and words, often shorter than eight
+// units, so there are smaller blocks too. (scl::Scl_block does not fit: nothing can be read behind
+// a text here, and the two sides have lanes of different sizes.)
 constexpr std::size_t LARGE = 8;
 constexpr std::size_t SMALL = 4;
 
@@ -42,8 +44,8 @@ bool is_ascii(Char c) {
     return static_cast<std::make_unsigned_t<Char>>(c) < 0x80;
 }
 
-// Copies a block when it is wholly ASCII; tells whether it is. As vectors, or the compiler takes it
-// apart again.
+// Copies a block if all of it is ASCII, and tells whether it is. Vector types, since the compiler
+// turned a loop over units into single steps.
 template <std::size_t Size, class To, class From>
 bool copy_block(To* to, const From* from) {
     using From_block [[gnu::vector_size(LARGE * sizeof(From))]] = std::make_unsigned_t<From>;
@@ -56,8 +58,8 @@ bool copy_block(To* to, const From* from) {
     return true;
 }
 
-// Copies the ASCII characters that the text begins with, blockwise as far as that goes; gives
-// their number. The last block may overlap what is done already.
+// Copies the ASCII characters at the front of the text and returns their number. The last block
+// ends where the text ends, and so may copy some units twice.
 template <std::size_t Size, class To, class From>
 std::size_t copy_ascii_in_blocks(To* to, const From* from, std::size_t size) {
     std::size_t at = 0;
@@ -80,8 +82,10 @@ std::size_t copy_ascii(To* to, const From* from, std::size_t size) {
 
 // Converts four bytes when they are two well-formed characters of two bytes, as in most scripts of
 // letters from Greek to Arabic; tells whether they are. Both at once: the bits of a lead byte go
-// above those of the byte behind it. A character below U+0080 must not be spelled like this.
+// above those of the byte behind it, which needs a little-endian processor. A character below
+// U+0080 must not be spelled like this.
 bool convert_two(const char* from, char16_t* to) {
+    if constexpr (std::endian::native == std::endian::big) return false;
     const auto bytes = load<std::uint32_t>(from);
     if ((bytes & 0xC0E0C0E0U) != 0x80C080C0U) return false;
     const std::uint32_t units = (bytes & 0x001F001FU) << 6U | (bytes >> 8U & 0x003F003FU);
@@ -110,9 +114,8 @@ std::size_t convert_one(const char* from, std::size_t left, char16_t* to) {
     return 3;
 }
 
-// An upper bound of the bytes a text takes, which is cheaper to know than their number: a unit from
-// U+0080 takes one byte more, one from U+0800 two. (A surrogate pair, four bytes, is counted as
-// six.)
+// An upper bound of the text's size in UTF-8, cheaper than the size itself: one byte a unit, two
+// from U+0080 on, three from U+0800 on. (A surrogate pair takes four bytes and counts as six.)
 std::size_t utf8_bound(std::u16string_view wide) {
     std::size_t size = wide.size();
     for (const char16_t unit : wide) {
@@ -123,8 +126,8 @@ std::size_t utf8_bound(std::u16string_view wide) {
 
 } // namespace
 
-// Each way is tried where it is likely to go on: outside of long ASCII, characters of one kind come
-// in runs. In text of other scripts ASCII is mostly a blank or a letter, not worth a block.
+// Characters of one kind come in runs, so each way is tried where the one before has just ended. In
+// text of other scripts, ASCII is mostly a single blank: blocks are for at least eight characters.
 std::size_t scl_convert(std::string_view narrow, char16_t* wide) {
     const char* from = narrow.data();
     const char* const end = from + narrow.size();
@@ -160,7 +163,7 @@ void scl_string_append(std::u16string& wide, std::string_view narrow) {
     wide.resize(start + scl_convert(narrow, wide.data() + start));
 }
 
-// First as if all were ASCII: then the result has its size from the start.
+// First as if all were ASCII, as most texts are: the result then has its final size at once.
 void scl_string_append(std::string& narrow, std::u16string_view wide) {
     const std::size_t start = narrow.size();
     narrow.resize(start + wide.size());

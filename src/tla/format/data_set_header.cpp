@@ -57,8 +57,17 @@ void tla_read_header(const scl::Scl_buffer& file, std::u16string_view file_name,
                      scl::Scl_status& status) {
     scl::Scl_buffered_istream in(file, status);
     read_fixed_header(in, file_name, accept_any_version, header, status);
-    if (!status.has_failed()) tla_read_field_list(in, header.fields, status);
+    if (!status.has_failed()) header.field_count = tla_count_fields(in, status);
     if (!status.has_failed()) header.data_start = tla_aligned(in.tell());
+    replace_end_of_data(file_name, status);
+}
+
+void tla_read_fields(const scl::Scl_buffer& file, std::u16string_view file_name,
+                     const Tla_data_set_header& header, std::vector<Field_descriptor>& fields,
+                     scl::Scl_status& status) {
+    scl::Scl_buffered_istream in(file, status);
+    in.set_position(TLA_FIELD_LIST_OFFSET);
+    tla_read_field_list(in, header.field_count, fields, status);
     replace_end_of_data(file_name, status);
 }
 

@@ -24,7 +24,7 @@ struct Tla_data_set_header {
     std::array<std::uint8_t, 2> raw_version{};
     std::uint16_t key_count = 0;
     std::uint32_t record_count = 0;
-    std::vector<Field_descriptor> fields;
+    std::uint64_t field_count = 0; // of the field list
 
     // The second byte says nothing.
     [[nodiscard]] Tla_data_set_version version() const {
@@ -32,8 +32,8 @@ struct Tla_data_set_header {
     }
 };
 
-// Reads the header from the front of a file. Numbers replace those in `header`, fields are added to
-// it; after a failure it keeps what was read before.
+// Reads the header from the front of a file, all but its fields: those are counted. What is read
+// replaces what is in `header`; after a failure it keeps what was read before.
 //
 // Pushes TLA_STATUS_NO_DATA_SET, with `file_name`, for another magic, and replaces the end of the
 // data by it; pushes TLA_STATUS_VERSION, with `file_name`, for a version that is not
@@ -41,5 +41,11 @@ struct Tla_data_set_header {
 // cannot be read leaves SCL_STATUS_READ_FAILED.
 void tla_read_header(const scl::Scl_buffer& file, std::u16string_view file_name,
                      bool accept_any_version, Tla_data_set_header& header, scl::Scl_status& status);
+
+// Adds the fields to `fields`, when the header and the checksum were found right. A file that was
+// changed since then leaves the same codes.
+void tla_read_fields(const scl::Scl_buffer& file, std::u16string_view file_name,
+                     const Tla_data_set_header& header, std::vector<Field_descriptor>& fields,
+                     scl::Scl_status& status);
 
 } // namespace tla

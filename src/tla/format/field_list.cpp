@@ -6,69 +6,80 @@
 #include "tla/format/data_set_layout.hpp"
 
 #include <algorithm>
-#include <string_view>
-#include <unordered_set>
+#include <numeric>
 
 namespace tla {
 
 namespace {
 
-// Takes the list byte by byte: a byte's meaning depends on what came before it, and a list may be
-// longer than a window of the stream.
-class Field_list_parser {
-public:
-    explicit Field_list_parser(std::vector<Field_descriptor>& fields) : fields_(fields) {}
+enum class Step { part_of_name, end_of_name, end_of_field, end_of_list, malformed };
 
-    // False for the byte that ends the list, well or badly.
-    [[nodiscard]] bool take(char byte, scl::Scl_status& status) {
+// What each byte of a list is: its meaning depends on what came before it.
+class Field_list_form {
+public:
+    [[nodiscard]] Step take(char byte) {
         if (byte == TLA_FIELD_NAME_END) {
-            end_name();
-        } else if (byte != TLA_NAME_END) {
-            gathered_ += byte;
-            after_field_ = false;
-        } else if (after_field_) {
-            return false;
-        } else if (name_pending_) {
-            end_field();
-        } else {
-            status = TLA_STATUS_FIELD_LIST;
-            return false;
+            name_pending_ = true;
+            return Step::end_of_name;
         }
-        return true;
+        if (byte != TLA_NAME_END) {
+            after_field_ = false;
+            return Step::part_of_name;
+        }
+        if (after_field_) return Step::end_of_list;
+        if (!name_pending_) return Step::malformed;
+        name_pending_ = false;
+        after_field_ = true;
+        return Step::end_of_field;
     }
 
 private:
-    // Of several separators in a field the last one counts, and what stood before it is dropped.
-    void end_name() {
-        scl::scl_stow(gathered_, name_);
-        gathered_.clear();
-        name_pending_ = true;
-    }
-
-    void end_field() {
-        fields_.push_back({name_, tla_formatter_type_id_from_name(gathered_)});
-        gathered_.clear();
-        name_pending_ = false;
-        after_field_ = true;
-    }
-
-    std::vector<Field_descriptor>& fields_;
-    std::string gathered_;
-    std::u16string name_;
     bool name_pending_ = false; // the name is there, its type's name not yet
     bool after_field_ = false;  // nothing has come since the last field
 };
 
+// Hands each byte and what it is to `take`, up to the end of the list, well or badly.
+template <typename Take>
+void walk_list(scl::Scl_buffered_istream& in, scl::Scl_status& status, const Take& take) {
+    Field_list_form form;
+    for (;;) {
+        const char byte = static_cast<char>(in.read_char());
+        if (status.has_failed()) return;
+        const Step step = form.take(byte);
+        if (step == Step::malformed) status = TLA_STATUS_FIELD_LIST;
+        if (step == Step::malformed || step == Step::end_of_list) return;
+        take(byte, step);
+    }
+}
+
 } // namespace
 
-void tla_read_field_list(scl::Scl_buffered_istream& in, std::vector<Field_descriptor>& fields,
-                         scl::Scl_status& status) {
-    Field_list_parser parser(fields);
-    bool goes_on = true;
-    while (goes_on) {
-        const char byte = static_cast<char>(in.read_char());
-        goes_on = !status.has_failed() && parser.take(byte, status);
-    }
+std::size_t tla_count_fields(scl::Scl_buffered_istream& in, scl::Scl_status& status) {
+    std::size_t count = 0;
+    walk_list(in, status, [&count](char, Step step) {
+        if (step == Step::end_of_field) ++count;
+    });
+    return count;
+}
+
+// Of several separators in a field the last one counts, and what stood before it is dropped.
+void tla_read_field_list(scl::Scl_buffered_istream& in, std::size_t count,
+                         std::vector<Field_descriptor>& fields, scl::Scl_status& status) {
+    fields.reserve(fields.size() + count);
+    std::string gathered;
+    std::u16string name;
+    walk_list(in, status, [&](char byte, Step step) {
+        if (step == Step::part_of_name) {
+            gathered += byte;
+            return;
+        }
+        if (step == Step::end_of_name) {
+            scl::scl_stow(gathered, name);
+        } else {
+            fields.push_back({name, tla_formatter_type_id_from_name(gathered)});
+        }
+        gathered.clear();
+    });
 }
 
 std::string tla_field_list_of(std::span<const Field_descriptor> fields) {
@@ -83,12 +94,22 @@ std::string tla_field_list_of(std::span<const Field_descriptor> fields) {
     return list;
 }
 
-// With a set: a crafted file may have millions of fields.
-bool tla_names_are_unique(std::span<const Field_descriptor> fields) {
-    std::unordered_set<std::u16string_view> names;
-    return std::ranges::all_of(fields, [&names](const Field_descriptor& field) {
-        return names.insert(field.name).second;
+std::vector<std::uint32_t> tla_order_by_name(std::span<const Field_descriptor> fields) {
+    std::vector<std::uint32_t> order(fields.size());
+    std::iota(order.begin(), order.end(), std::uint32_t{0});
+    std::ranges::sort(order, [fields](std::uint32_t a, std::uint32_t b) {
+        const int names = fields[a].name.compare(fields[b].name);
+        return names != 0 ? names < 0 : a < b;
     });
+    return order;
+}
+
+bool tla_names_are_unique(std::span<const Field_descriptor> fields) {
+    const std::vector<std::uint32_t> order = tla_order_by_name(fields);
+    const auto same = [fields](std::uint32_t a, std::uint32_t b) {
+        return fields[a].name == fields[b].name;
+    };
+    return std::ranges::adjacent_find(order, same) == order.end();
 }
 
 } // namespace tla

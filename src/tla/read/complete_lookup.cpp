@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <functional>
-#include <new>
 #include <span>
 
 namespace tla {
@@ -13,9 +12,13 @@ namespace tla {
 void Complete_lookup::find(Key_index& index, std::vector<std::int64_t>& offsets,
                            scl::Scl_status& status) {
     const std::size_t before = offsets.size();
-    const Block_range blocks = index.blocks_with(wanted_.hash);
-    for (std::size_t i = blocks.begin; i < blocks.end && !status.has_failed(); ++i) {
-        scan(index.block_at(i), index.orders[i], offsets, status);
+    if (is_sorted(index, status)) {
+        const Block_range blocks = index.blocks_with(wanted_.hash);
+        for (std::size_t i = blocks.begin; i < blocks.end && !status.has_failed(); ++i) {
+            scan(index, i, offsets, status);
+        }
+    } else if (!status.has_failed()) {
+        take_unsorted(index, offsets, status);
     }
     // In a file that a build made, pairs of equal hash ascend by offset, and nothing is to be done.
     const std::span<std::int64_t> added = std::span(offsets).subspan(before);
@@ -25,21 +28,41 @@ void Complete_lookup::find(Key_index& index, std::vector<std::int64_t>& offsets,
     offsets.resize(before + static_cast<std::size_t>(last - added.begin()));
 }
 
-// Where hashes ascend, the first pair behind those with the hash ends the scan.
-void Complete_lookup::scan(const Key_block& block, Block_order& order,
+// As far as this lookup looks: the samples, and the blocks that can have the hash.
+bool Complete_lookup::is_sorted(Key_index& index, scl::Scl_status& status) {
+    if (!index.samples_ascend) return false;
+    const Block_range blocks = index.blocks_with(wanted_.hash);
+    for (std::size_t i = blocks.begin; i < blocks.end; ++i) {
+        if (!pairs_.ascends(index, i, status)) return false;
+    }
+    return true;
+}
+
+// The first pair behind those with the hash ends the scan.
+void Complete_lookup::scan(Key_index& index, std::size_t block_index,
                            std::vector<std::int64_t>& offsets, scl::Scl_status& status) {
-    std::uint32_t i = pairs_.first_candidate(block, wanted_.hash, order, status);
+    const Key_block block = index.block_at(block_index);
+    std::uint32_t i = pairs_.first_with(index, block_index, wanted_.hash, status);
     pairs_.go_to(block.offset + i * TLA_INDEX_PAIR_BYTES);
     for (; i < block.pair_count && !status.has_failed(); ++i) {
-        if (order != Block_order::ascending) {
-            i += pairs_.skip_others(wanted_.hash, block.pair_count - i, status);
-            if (i == block.pair_count) break;
-        }
         std::uint64_t hash = 0;
         std::int64_t record_offset = 0;
         pairs_.read_hash(hash, status);
         pairs_.read_offset(record_offset, status);
         if (status.has_failed() || hash != wanted_.hash) break;
+        if (is_wanted(record_offset, status)) offsets.push_back(record_offset);
+    }
+}
+
+void Complete_lookup::take_unsorted(Key_index& index, std::vector<std::int64_t>& offsets,
+                                    scl::Scl_status& status) {
+    for (const Hash_place& pair : pairs_.all_with(index, wanted_.hash, status)) {
+        std::uint64_t hash = 0;
+        std::int64_t record_offset = 0;
+        pairs_.go_to(index.samples.front().offset + pair.place * TLA_INDEX_PAIR_BYTES);
+        pairs_.read_hash(hash, status);
+        pairs_.read_offset(record_offset, status);
+        if (status.has_failed()) return;
         if (is_wanted(record_offset, status)) offsets.push_back(record_offset);
     }
 }
@@ -52,8 +75,6 @@ bool Complete_lookup::is_wanted(std::int64_t record_offset, scl::Scl_status& sta
         return !status.has_failed() && tla_field_holds(record, wanted_.field, wanted_.values);
     }
     const auto entry = entries_.read(record_offset, status);
-    // No memory for the entry: the record may hold the value, so it must not be passed over.
-    if (entry == nullptr && !status.has_failed()) throw std::bad_alloc();
     if (entry == nullptr) return false;
     // Before the values are compared: a crafted file may lead every pair to one long record.
     budget_.take(entry->record_size(), status);

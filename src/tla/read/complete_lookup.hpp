@@ -22,12 +22,15 @@ public:
         : wanted_(wanted), pairs_(pairs), entries_(entries), budget_(budget) {}
 
     // Adds the records' offsets, ascending and each once. Codes are those of Rule_lookup::find.
-    // Scans pair by pair those blocks of a crafted table whose pairs do not ascend.
+    // Reads a table that is not sorted once, and keeps its pairs in order in the index.
     void find(Key_index& index, std::vector<std::int64_t>& offsets, scl::Scl_status& status);
 
 private:
-    void scan(const Key_block& block, Block_order& order, std::vector<std::int64_t>& offsets,
+    [[nodiscard]] bool is_sorted(Key_index& index, scl::Scl_status& status);
+    void scan(Key_index& index, std::size_t block_index, std::vector<std::int64_t>& offsets,
               scl::Scl_status& status);
+    void take_unsorted(Key_index& index, std::vector<std::int64_t>& offsets,
+                       scl::Scl_status& status);
     [[nodiscard]] bool is_wanted(std::int64_t record_offset, scl::Scl_status& status);
 
     const Wanted_key& wanted_;

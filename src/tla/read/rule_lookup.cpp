@@ -20,15 +20,14 @@ void Rule_lookup::find(Key_index& index, std::uint32_t record_count, Entries& re
                        scl::Scl_status& status) {
     const std::size_t block_index = index.block_index_of(wanted_.hash);
     if (block_index == index.samples.size()) return;
-    const Key_block block = index.block_at(block_index);
-    scan({.offset = block.offset,
-          .first = pairs_.first_candidate(block, wanted_.hash, index.orders[block_index], status),
+    scan({.offset = index.samples[block_index].offset,
+          .first = pairs_.first_with(index, block_index, wanted_.hash, status),
           .end = std::min(index.block_size, record_count),
           .runs_on_at = index.block_size - 1},
          results, status);
     if (!first_pair_differs_ || found_ || block_index == 0 || status.has_failed()) return;
     scan({.offset = index.samples[block_index - 1].offset,
-          .first = 0,
+          .first = pairs_.first_with(index, block_index - 1, wanted_.hash, status),
           .end = index.block_size,
           .runs_on_at = NEVER},
          results, status);

@@ -47,7 +47,7 @@ public:
     virtual void set_parameter(std::string_view name, std::u16string_view value,
                                scl::Scl_status& status) = 0;
     virtual void open(scl::Scl_status& status) = 0;
-    // Entries that are still there are not to be used any more.
+    // Entries that are still there answer as they did.
     virtual void close() = 0;
 
     // Checks the data and reads the index; once. Refuses other versions than the latest unless any

@@ -8,8 +8,8 @@
 #include "tla/read/connector_state.hpp"
 #include "tla/read/file_in_memory.hpp"
 
-#include <algorithm>
-#include <exception>
+#include <new>
+#include <utility>
 
 namespace tla {
 
@@ -23,10 +23,12 @@ constexpr std::size_t SAMPLE_READ_AHEAD_BYTES = 512;
 
 Tla_data_set_connector_file::Tla_data_set_connector_file() : state_(std::make_unique<State>()) {}
 
-Tla_data_set_connector_file::~Tla_data_set_connector_file() = default;
+Tla_data_set_connector_file::~Tla_data_set_connector_file() {
+    release_entries();
+}
 
 const std::vector<Field_descriptor>& Tla_data_set_connector_file::field_descriptors() const {
-    return state_->header.fields;
+    return state_->fields;
 }
 
 std::uint8_t Tla_data_set_connector_file::version() const {
@@ -66,18 +68,33 @@ void Tla_data_set_connector_file::open(scl::Scl_status& status) {
     if (status.has_failed()) {
         status = TLA_STATUS_NOT_OPEN;
     } else {
-        state_->source = std::make_unique<Source>(std::move(file), state_->header);
+        attach(std::move(file));
     }
+}
+
+// Entries that are still there keep what they were read from.
+void Tla_data_set_connector_file::attach(std::shared_ptr<const scl::Scl_buffer> file) {
+    if (state_->entry_fields == nullptr) {
+        state_->entry_fields = std::make_shared<Entry_fields>(state_->fields);
+    }
+    state_->source =
+        std::make_unique<Source>(std::move(file), state_->entry_fields, state_->header);
+}
+
+// The fields go to the entries, if there are any, and are gone here.
+void Tla_data_set_connector_file::release_entries() {
+    state_->source.reset();
+    if (state_->entry_fields != nullptr) state_->entry_fields->keep(state_->fields);
+    state_->entry_fields.reset();
 }
 
 // Keeps what the interface says it keeps: key indexes and record offsets.
 void Tla_data_set_connector_file::close() {
     state_->data_file_name.clear();
-    state_->header.fields.clear();
+    release_entries();
     state_->header.key_table_offset = 0;
     state_->header.key_count = 0;
     state_->header.record_count = 0;
-    state_->source.reset();
     state_->loaded = false;
     state_->wants_memory = false;
     state_->block_size = 0;
@@ -90,23 +107,32 @@ void Tla_data_set_connector_file::load(scl::Scl_status& status, bool accept_any_
         status = TLA_STATUS_NOT_OPEN;
         return;
     }
-    tla_read_header(*state_->source->file, state_->data_file_name, accept_any_version,
+    try {
+        load_open_file(status, accept_any_version);
+    } catch (const std::bad_alloc&) {
+        status = scl::SCL_STATUS_NO_MEMORY;
+    }
+    state_->loaded = !status.has_failed();
+}
+
+// Fields are many times as large as their list, so the list is counted first and believed when the
+// checksum is right. With a wrong one the counts mean nothing either.
+void Tla_data_set_connector_file::load_open_file(scl::Scl_status& status, bool accept_any_version) {
+    tla_read_header(state_->source->file(), state_->data_file_name, accept_any_version,
                     state_->header, status);
     if (!status.has_failed()) read_body(status);
+    if (!status.has_failed()) {
+        tla_read_fields(state_->source->file(), state_->data_file_name, state_->header,
+                        state_->fields, status);
+        state_->entry_fields->index_names();
+    }
     if (status.has_failed()) return;
-    // Only with a right checksum: the counts of a damaged file mean nothing.
     state_->block_size = index_block_size(state_->header.record_count, state_->header.key_count);
     if (state_->block_size == 0) {
         status = TLA_STATUS_TOO_MANY_PAIRS;
         return;
     }
-    // Names and samples grow with the file: memory that they exhaust is the file's fault.
-    try {
-        read_key_indexes(status);
-    } catch (const std::exception&) {
-        status.push(TLA_STATUS_NO_DATA_SET, scl::Scl_wstring_status_arg(state_->data_file_name));
-    }
-    state_->loaded = !status.has_failed();
+    read_key_indexes(status);
 }
 
 // One pass over the file takes the checksum and, when asked to, keeps the bytes.
@@ -118,11 +144,10 @@ void Tla_data_set_connector_file::read_body(scl::Scl_status& status) {
     }
     scl::Scl_crc64 crc;
     if (state_->wants_memory) {
-        auto bytes = read_into_memory(*state_->source->file, crc, status);
-        if (!status.has_failed())
-            state_->source = std::make_unique<Source>(std::move(bytes), state_->header);
+        auto bytes = read_into_memory(state_->source->file(), crc, status);
+        if (!status.has_failed()) attach(std::move(bytes));
     } else {
-        crc.update(scl::Scl_sub_buffer(*state_->source->file, TLA_CHECKED_FROM, size, status),
+        crc.update(scl::Scl_sub_buffer(state_->source->file(), TLA_CHECKED_FROM, size, status),
                    status);
     }
     if (!status.has_failed() && crc.result(false) != state_->header.stored_checksum) {
@@ -131,7 +156,7 @@ void Tla_data_set_connector_file::read_body(scl::Scl_status& status) {
 }
 
 void Tla_data_set_connector_file::read_key_indexes(scl::Scl_status& status) {
-    scl::Scl_buffered_istream in(*state_->source->file, status);
+    scl::Scl_buffered_istream in(state_->source->file(), status);
     in.limit_read_ahead(SAMPLE_READ_AHEAD_BYTES);
     in.set_position(state_->header.key_table_offset);
     for (std::uint16_t i = 0; i < state_->header.key_count && !status.has_failed(); ++i) {
@@ -148,22 +173,24 @@ std::unique_ptr<Tla_data_set_connector_file> Tla_data_set_connector_file::share(
     auto other = std::make_unique<Tla_data_set_connector_file>();
     State& state = *other->state_;
     state.header = state_->header;
+    state.fields = state_->fields;
     state.data_file_name = state_->data_file_name;
     state.block_size = state_->block_size;
     state.key_indexes = state_->key_indexes;
     state.wants_memory = state_->wants_memory;
     state.loaded = true;
-    state.source = std::make_unique<Source>(state_->source->file, state.header);
+    other->attach(state_->source->shared->file);
+    state.entry_fields->index_names();
     return other;
 }
 
 std::span<const std::byte> Tla_data_set_connector_file::held_bytes() const {
-    return is_open() ? state_->source->file->contents() : std::span<const std::byte>();
+    return is_open() ? state_->source->file().contents() : std::span<const std::byte>();
 }
 
 std::uint64_t Tla_data_set_connector_file::file_size() const {
     scl::Scl_status never_set;
-    return is_open() ? state_->source->file->size(false, never_set) : 0;
+    return is_open() ? state_->source->file().size(false, never_set) : 0;
 }
 
 std::vector<std::u16string> Tla_data_set_connector_file::key_names() const {
@@ -172,6 +199,14 @@ std::vector<std::u16string> Tla_data_set_connector_file::key_names() const {
         names.push_back(index.name);
     }
     return names;
+}
+
+std::vector<std::size_t> Tla_data_set_connector_file::key_fields() const {
+    std::vector<std::size_t> fields;
+    for (const Key_index& index : state_->key_indexes) {
+        fields.push_back(field_of(index.name));
+    }
+    return fields;
 }
 
 } // namespace tla

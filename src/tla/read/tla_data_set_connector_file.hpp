@@ -6,6 +6,10 @@
 
 #pragma GCC visibility push(default) // installed
 
+namespace scl {
+class Scl_buffer;
+} // namespace scl
+
 namespace tla {
 
 // Reads a data set file of version 1 or 2. Time and memory stay in proportion to the file's size,
@@ -15,24 +19,26 @@ namespace tla {
 //   open            TLA_STATUS_NOT_OPEN
 //   load            TLA_STATUS_NOT_OPEN, _NO_DATA_SET*, _VERSION*, _FIELD_LIST, _CHECKSUM,
 //                   _TOO_MANY_PAIRS; SCL_STATUS_END_OF_DATA for a key table that begins outside the
-//                   file; SCL_STATUS_READ_FAILED+; SCL_STATUS_NO_MEMORY for a file that is to be
-//                   in memory and does not fit
+//                   file; SCL_STATUS_READ_FAILED+; SCL_STATUS_NO_MEMORY when there is not enough
+//                   for the fields, the index or a file that is to be in memory
 //   record_offsets  TLA_STATUS_NOT_OPEN, also when the status has failed before;
 //                   SCL_STATUS_READ_FAILED+
-//   read_entry      TLA_STATUS_NOT_OPEN, and those of an entry
-//   find_entries    the same; TLA_STATUS_NO_TOKENS for a value of which nothing is left;
-//                   TLA_STATUS_NO_DATA_SET* when the entries read are longer than the file
+//   read_entry      TLA_STATUS_NOT_OPEN, those of an entry, SCL_STATUS_NO_MEMORY
+//   find_entries    TLA_STATUS_NOT_OPEN, and those of an entry; TLA_STATUS_NO_TOKENS for a value
+//                   of which nothing is left; TLA_STATUS_NO_DATA_SET* when the entries read are
+//                   longer than the file
 //   find_records, largest_token_count
-//                   as read_entry; TLA_STATUS_VERSION* for a file of version 1;
+//                   as find_entries; TLA_STATUS_VERSION* for a file of version 1;
 //                   TLA_STATUS_NO_DATA_SET* when the records read are longer than the file
 // SCL_STATUS_READ_FAILED also tells that the file has become shorter since it was opened.
 //
 // Exceptions: find_entries and find_records throw std::runtime_error for a value, or a text of
-// version 1, of more than 15,000,000 tokens; each operation that has to take memory throws
-// std::bad_alloc when there is none, but for load, which reports TLA_STATUS_NO_DATA_SET* when the
-// index takes it all.
+// version 1, of more than 15,000,000 tokens. Each operation that has to take memory throws
+// std::bad_alloc when there is none, but for load and read_entry, which report
+// SCL_STATUS_NO_MEMORY. Nothing that was found is left out for lack of memory.
 //
-// Entries use the connector's fields and its file: it must outlive them, open.
+// Entries share the connector's fields and its file, and answer as they did whatever it closes,
+// opens or loads next.
 //
 // Opening and loading are in tla_data_set_connector_file.cpp, all else is in
 // tla_data_set_connector_lookups.cpp.
@@ -64,10 +70,10 @@ public:
     // says when it pays.
     void hold_in_memory();
 
-    // Another connector on the same open file, which is in memory once for both: for another thread,
-    // or for lookups in between. What this one was asked before is not known to it. Null when
-    // nothing is loaded. Any number of threads may call it at a time, as long as nothing else is
-    // done with this connector.
+    // Another connector on the same open file, which is in memory once for both: for another
+    // thread, or for lookups in between. What this one was asked before is not known to it. Null
+    // when nothing is loaded. Any number of threads may call it at a time, as long as nothing else
+    // is done with this connector.
     [[nodiscard]] std::unique_ptr<Tla_data_set_connector_file> share() const;
     // The file's bytes where they are held in memory, until close(); else empty.
     [[nodiscard]] std::span<const std::byte> held_bytes() const;
@@ -99,12 +105,19 @@ public:
     [[nodiscard]] std::uint32_t record_count() const;
     // Of the key tables, in file order.
     [[nodiscard]] std::vector<std::u16string> key_names() const;
+    // The field of each key table: the first of its name, as an index into field_descriptors(), or
+    // their number when there is none, as in a file whose tables cannot be read rightly. Found by a
+    // search: a file may have tens of thousands of both.
+    [[nodiscard]] std::vector<std::size_t> key_fields() const;
 
 private:
     struct Source;
     struct State;
 
     [[nodiscard]] bool is_open() const;
+    void attach(std::shared_ptr<const scl::Scl_buffer> file);
+    void release_entries();
+    void load_open_file(scl::Scl_status& status, bool accept_any_version);
     void read_body(scl::Scl_status& status);
     [[nodiscard]] bool has_token_values(scl::Scl_status& status) const;
     [[nodiscard]] std::vector<std::uint64_t> token_values_of(std::u16string_view text,

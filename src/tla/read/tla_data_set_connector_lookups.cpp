@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 #include <stdexcept>
 
 // The operations of Tla_data_set_connector_file on a file that is loaded: record_offsets,
@@ -52,24 +53,27 @@ Tla_data_set_connector_file::record_offsets(scl::Scl_status& status) {
     return state_->record_offsets;
 }
 
+// No entry is told like any other failure: a caller that passes over it must not lose a record.
 std::unique_ptr<Tla_data_set_entry_file>
-Tla_data_set_connector_file::read_entry(std::int64_t record_offset, scl::Scl_status& status) {
+Tla_data_set_connector_file::read_entry(std::int64_t record_offset, scl::Scl_status& status) try {
     if (is_open()) return state_->source->entries.read(record_offset, status);
     status = TLA_STATUS_NOT_OPEN;
+    return nullptr;
+} catch (const std::bad_alloc&) {
+    status = scl::SCL_STATUS_NO_MEMORY;
     return nullptr;
 }
 
 // The index of the first field of that name; past the list's end when there is none.
 std::size_t Tla_data_set_connector_file::field_of(std::u16string_view name) const {
-    const auto field = std::ranges::find(state_->header.fields, name, &Field_descriptor::name);
-    return static_cast<std::size_t>(field - state_->header.fields.begin());
+    return state_->entry_fields != nullptr ? state_->entry_fields->find(name) : 0;
 }
 
 // By the type of the key's field. A crafted file may have no such field: then as type Simple.
 std::vector<std::uint64_t>
 Tla_data_set_connector_file::token_values_of(std::u16string_view text, std::u16string_view key_name,
                                              scl::Scl_status& status) {
-    const std::vector<Field_descriptor>& fields = state_->header.fields;
+    const std::vector<Field_descriptor>& fields = state_->fields;
     const std::size_t field = field_of(key_name);
     std::vector<std::uint64_t> values;
     state_->source->tokeniser.tokenise(
@@ -116,7 +120,7 @@ void Tla_data_set_connector_file::find_records(std::span<const std::uint64_t> va
     if (!has_token_values(status) || key >= state_->key_indexes.size()) return;
     Key_index& index = state_->key_indexes[key];
     const std::size_t field = field_of(index.name);
-    if (field == state_->header.fields.size()) return;
+    if (field == state_->fields.size()) return;
     const Wanted_key wanted{.field = field, .hash = tla_key_hash(values), .values = values};
     Complete_lookup(wanted, state_->source->pairs, state_->source->entries,
                     Tla_read_budget(file_size(), state_->data_file_name))
@@ -136,7 +140,7 @@ std::uint32_t Tla_data_set_connector_file::largest_token_count(std::size_t key,
                                                                scl::Scl_status& status) {
     if (!has_token_values(status) || key >= state_->key_indexes.size()) return 0;
     if (state_->largest_counts.empty()) {
-        auto counts = largest_token_counts(*state_->source->file, state_->header, status);
+        auto counts = largest_token_counts(state_->source->file(), state_->header, status);
         if (status.has_failed()) return 0;
         state_->largest_counts = std::move(counts);
     }

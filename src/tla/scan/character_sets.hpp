@@ -18,10 +18,10 @@ namespace tla {
 // the tag characters share that without being marks.
 [[nodiscard]] inline bool is_mark(char32_t c) {
     const std::uint8_t bits = scl::scl_unicode_bits(c);
-    const bool is_attached =
-        static_cast<scl::Scl_unicode_code_point_type>(bits & 7U) ==
-        scl::Scl_unicode_code_point_type::attached;
-    const bool extends = static_cast<scl::Scl_word_break>(bits >> 3U) == scl::Scl_word_break::extend;
+    const bool is_attached = static_cast<scl::Scl_unicode_code_point_type>(bits & 7U) ==
+                             scl::Scl_unicode_code_point_type::attached;
+    const bool extends =
+        static_cast<scl::Scl_word_break>(bits >> 3U) == scl::Scl_word_break::extend;
     const bool is_format = c == 0x200C || (c >= 0xE0020 && c <= 0xE007F);
     return is_attached && extends && !is_format;
 }

@@ -19,17 +19,18 @@ enum class Chunk_interest : std::uint8_t {
     some,    // it has to be read
 };
 
-// Remembers of short chunks what they came to, so that of each different one, words, values and what
-// values they begin are worked out once. Most of any text is chunks of no interest that were seen
-// before. A chunk that meets another in its slot takes it, and is compared in full: so no text can
-// make this slow, or hide a chunk behind another.
+// Remembers of short chunks what they came to, so that of each different one, words, values and
+// what values they begin are worked out once. Most of any text is chunks of no interest that were
+// seen before. A chunk that meets another in its slot takes it, and is compared in full: so no text
+// can make this slow, or hide a chunk behind another.
 class Chunk_cache {
 public:
     static constexpr std::size_t MOST_BYTES = 31;
     static constexpr std::size_t MOST_WORDS = 63;
 
     struct Entry {
-        std::array<std::uint64_t, 4> bytes; // in the last of them its size, so that all are told apart
+        std::array<std::uint64_t, 4>
+            bytes; // in the last of them its size, so that all are told apart
         Chunk_interest interest;
         std::uint8_t words;
     };

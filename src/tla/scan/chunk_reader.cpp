@@ -75,16 +75,15 @@ void Chunk_reader::read_ascii(std::string_view chunk) {
     ascii_parted_.assign(loose);
     const bool is_parted = loose.find('\'') != loose.npos && part(ascii_parted_);
     const auto* const origins = is_loosened ? &ascii_loosened_.origins : nullptr;
-    const scl::Scl_text_span<char> loose_text =
-        is_loosened ? padded(ascii_loosened_.text) : text;
+    const scl::Scl_text_span<char> loose_text = is_loosened ? padded(ascii_loosened_.text) : text;
 
     std::uint8_t first = READING_AS_WRITTEN;
     if (!is_loosened) first |= READING_LOOSENED;
     if (!is_loosened && !is_parted) first |= READING_PARTED;
     add_ascii_reading(first, text, nullptr);
     if (is_loosened) {
-        const auto readings = static_cast<std::uint8_t>(
-            READING_LOOSENED | (is_parted ? 0 : READING_PARTED));
+        const auto readings =
+            static_cast<std::uint8_t>(READING_LOOSENED | (is_parted ? 0 : READING_PARTED));
         add_ascii_reading(readings, loose_text, origins);
     }
     if (is_parted) add_ascii_reading(READING_PARTED, padded(ascii_parted_), origins);

@@ -66,8 +66,8 @@ void Chunk_reader::read_wide(std::string_view chunk) {
         words_.words.push_back(wide_span(begin, end, nullptr));
     });
     const bool is_loosened = loosen(wide_, wide_loosened_);
-    const std::u16string_view loose = is_loosened ? std::u16string_view(wide_loosened_.text)
-                                                  : std::u16string_view(wide_);
+    const std::u16string_view loose =
+        is_loosened ? std::u16string_view(wide_loosened_.text) : std::u16string_view(wide_);
     wide_parted_.assign(loose);
     const bool is_parted = part(wide_parted_);
     const auto* const origins = is_loosened ? &wide_loosened_.origins : nullptr;
@@ -77,8 +77,8 @@ void Chunk_reader::read_wide(std::string_view chunk) {
     if (!is_loosened && !is_parted) first |= READING_PARTED;
     add_wide_reading(first, wide_, nullptr);
     if (is_loosened) {
-        const auto readings = static_cast<std::uint8_t>(
-            READING_LOOSENED | (is_parted ? 0 : READING_PARTED));
+        const auto readings =
+            static_cast<std::uint8_t>(READING_LOOSENED | (is_parted ? 0 : READING_PARTED));
         add_wide_reading(readings, loose, origins);
     }
     if (is_parted) add_wide_reading(READING_PARTED, wide_parted_, origins);
@@ -147,8 +147,7 @@ void Chunk_reader::format(Value_kind kind, std::u16string_view text) {
     unit_offsets_.push_back(static_cast<std::uint32_t>(text.size()));
 }
 
-void Chunk_reader::append_formatted(Value_kind kind, std::u16string_view text,
-                                    std::size_t offset) {
+void Chunk_reader::append_formatted(Value_kind kind, std::u16string_view text, std::size_t offset) {
     const Tla_formatted_text form(text, type_of(kind));
     for (std::size_t at = 0; at < form.text().size(); ++at) {
         unit_offsets_.push_back(static_cast<std::uint32_t>(offset + form.original_offset(at)));
@@ -194,19 +193,19 @@ void classify(Number_word& word, std::u16string_view text) {
 void Chunk_reader::add_wide_numbers(std::u16string_view text,
                                     const std::vector<std::uint32_t>* origins) {
     const Tla_ccnum_formatter formatter;
-    each_number_word(words_, scl::scl_span_of(text), [&](Number_word& word, std::size_t begin,
-                                                        std::size_t end) {
-        const std::u16string_view token = text.substr(begin, end - begin);
-        word.span = wide_span(begin, end, origins);
-        formatter.format(token, number_form_, false);
-        add_values(word, number_form_);
-        classify(word, token);
-        if (word.is_group) {
-            word.text.begin = static_cast<std::uint32_t>(words_.number_text.size());
-            words_.number_text += token;
-            word.text.end = static_cast<std::uint32_t>(words_.number_text.size());
-        }
-    });
+    each_number_word(
+        words_, scl::scl_span_of(text), [&](Number_word& word, std::size_t begin, std::size_t end) {
+            const std::u16string_view token = text.substr(begin, end - begin);
+            word.span = wide_span(begin, end, origins);
+            formatter.format(token, number_form_, false);
+            add_values(word, number_form_);
+            classify(word, token);
+            if (word.is_group) {
+                word.text.begin = static_cast<std::uint32_t>(words_.number_text.size());
+                words_.number_text += token;
+                word.text.end = static_cast<std::uint32_t>(words_.number_text.size());
+            }
+        });
 }
 
 } // namespace tla

@@ -77,8 +77,8 @@ std::size_t skip_space(std::string_view text, std::size_t at) {
 // White space in front of what may join it belongs to the chunk.
 std::size_t first_of_chunk(std::string_view text, std::size_t at) {
     const std::size_t begin = skip_space(text, at);
-    const bool is_joined = begin > at && begin < text.size() && text[begin - 1] != '\n' &&
-                           !is_safe(text, begin);
+    const bool is_joined =
+        begin > at && begin < text.size() && text[begin - 1] != '\n' && !is_safe(text, begin);
     return begin - (is_joined ? 1 : 0);
 }
 
@@ -93,8 +93,8 @@ Chunk_cut next_chunk(std::string_view text, std::size_t at) {
         if (what == space && end > begin) {
             cut.end = end;
             cut.next = skip_space(text, end);
-            const bool is_end = cut.next == text.size() || text[cut.next - 1] == '\n' ||
-                                is_safe(text, cut.next);
+            const bool is_end =
+                cut.next == text.size() || text[cut.next - 1] == '\n' || is_safe(text, cut.next);
             if (is_end) return cut;
             cut.is_ascii = false;
             end = cut.next;

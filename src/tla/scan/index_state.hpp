@@ -21,6 +21,7 @@ public:
     std::unique_ptr<const scl::Scl_buffer> held; // null where a caller holds the bytes
     std::span<const std::byte> file;
     Tla_data_set_header header;
+    std::vector<Field_descriptor> fields;
     std::vector<std::size_t> keys;
     Key_order key_order; // of the fields
     Scan_hashes hashes;

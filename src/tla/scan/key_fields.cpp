@@ -13,10 +13,12 @@ namespace tla {
 
 namespace {
 
-std::optional<std::size_t> field_of(const Tla_data_set_header& header, std::u16string_view name) {
-    const auto field = std::ranges::find(header.fields, name, &Field_descriptor::name);
-    if (field == header.fields.end()) return {};
-    return static_cast<std::size_t>(field - header.fields.begin());
+using Fields = std::span<const Field_descriptor>;
+
+std::optional<std::size_t> field_of(Fields fields, std::u16string_view name) {
+    const auto field = std::ranges::find(fields, name, &Field_descriptor::name);
+    if (field == fields.end()) return {};
+    return static_cast<std::size_t>(field - fields.begin());
 }
 
 void add_once(std::vector<std::size_t>& fields, std::size_t field) {
@@ -64,11 +66,10 @@ private:
 
     // A bit for each byte of the records: an eighth of them, and only for files of several keys.
     void mark_records() {
-        begins_.resize(
-            static_cast<std::size_t>(header_.key_table_offset - header_.data_start));
+        begins_.resize(static_cast<std::size_t>(header_.key_table_offset - header_.data_start));
         auto rest = file_.subspan(static_cast<std::size_t>(header_.data_start), begins_.size());
         for (std::uint32_t left = header_.record_count; left > 0; --left) {
-            const auto record = tla_whole_record(rest, header_.fields.size());
+            const auto record = tla_whole_record(rest, header_.field_count);
             if (record.empty()) return;
             begins_[begins_.size() - rest.size()] = true;
             rest = rest.subspan(record.size());
@@ -83,26 +84,27 @@ private:
 
 } // namespace
 
-std::vector<std::size_t> fields_of_names(const Tla_data_set_header& header,
+std::vector<std::size_t> fields_of_names(std::span<const Field_descriptor> fields,
                                          std::span<const std::u16string> names,
                                          scl::Scl_status& status) {
-    std::vector<std::size_t> fields;
+    std::vector<std::size_t> keys;
     for (const std::u16string& name : names) {
-        const auto field = field_of(header, name);
+        const auto field = field_of(fields, name);
         if (!field) {
             status.push(TLA_STATUS_KEY_NAME, scl::Scl_wstring_status_arg(name));
             return {};
         }
-        add_once(fields, *field);
+        add_once(keys, *field);
     }
-    return fields;
+    return keys;
 }
 
 // The last table's pairs are not looked at: the file ends with them.
 std::vector<std::size_t> fields_of_key_tables(const Tla_data_set_header& header,
+                                              std::span<const Field_descriptor> fields,
                                               std::span<const std::byte> file,
                                               scl::Scl_status& status) {
-    std::vector<std::size_t> fields;
+    std::vector<std::size_t> keys;
     Key_tables tables(header, file);
     for (std::uint16_t left = header.key_count; left > 0; --left) {
         const auto name = tables.next_name();
@@ -110,15 +112,15 @@ std::vector<std::size_t> fields_of_key_tables(const Tla_data_set_header& header,
             status.push(scl::SCL_STATUS_END_OF_DATA);
             return {};
         }
-        const auto field = field_of(header, *name);
+        const auto field = field_of(fields, *name);
         if (!field) {
             status.push(TLA_STATUS_NO_DATA_SET);
             return {};
         }
-        add_once(fields, *field);
+        add_once(keys, *field);
         if (left > 1) tables.skip_pairs();
     }
-    return fields;
+    return keys;
 }
 
 } // namespace tla

@@ -14,9 +14,9 @@ class Scl_status;
 
 namespace tla {
 
-// The fields of those names, as places among the header's fields, each once. Pushes
+// The fields of those names, as indexes into `fields`, each once. Pushes
 // TLA_STATUS_KEY_NAME with a name that no field has.
-[[nodiscard]] std::vector<std::size_t> fields_of_names(const Tla_data_set_header& header,
+[[nodiscard]] std::vector<std::size_t> fields_of_names(std::span<const Field_descriptor> fields,
                                                        std::span<const std::u16string> names,
                                                        scl::Scl_status& status);
 
@@ -25,8 +25,8 @@ namespace tla {
 // ends before a hash that is lower than the one before, or at an offset where no record begins:
 // the next table's name takes that place. Pushes SCL_STATUS_END_OF_DATA when the tables do not lie
 // in the file, and TLA_STATUS_NO_DATA_SET, without an argument, for a name that no field has.
-[[nodiscard]] std::vector<std::size_t> fields_of_key_tables(const Tla_data_set_header& header,
-                                                            std::span<const std::byte> file,
-                                                            scl::Scl_status& status);
+[[nodiscard]] std::vector<std::size_t>
+fields_of_key_tables(const Tla_data_set_header& header, std::span<const Field_descriptor> fields,
+                     std::span<const std::byte> file, scl::Scl_status& status);
 
 } // namespace tla

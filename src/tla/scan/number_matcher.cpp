@@ -114,8 +114,7 @@ void Number_matcher::read(const Chunk_words& words, const Chunk_place& place,
     }
     pass_gap(words.tail_characters, words.tail_line_ends, words.tail_is_clean);
     for (const Chunk_token& word : words.written_numbers) {
-        const std::uint64_t hash =
-            hashes_.extended(hashes_.start(Value_kind::number), word.value);
+        const std::uint64_t hash = hashes_.extended(hashes_.start(Value_kind::number), word.value);
         if (!tables.ask(hash).is_value) continue;
         const Text_place first = place.first_of(word.span);
         take({hash, first, place.last_word_of(word.span), place.end_of(word.span),
@@ -159,8 +158,7 @@ void Number_matcher::add_stretches() {
 // As it is, with a to z as capitals, with A to Z as small letters; what does not differ, once.
 void Number_matcher::add_stretch(const Group& group, std::u16string& text) {
     const auto add = [&] {
-        add_item(group.first, group.number, true,
-                 txt::txt_token_value(std::u16string_view(text)));
+        add_item(group.first, group.number, true, txt::txt_token_value(std::u16string_view(text)));
     };
     const auto change = [&text](char16_t first, char16_t last, int by) {
         bool changes = false;

@@ -50,8 +50,8 @@ private:
     // What a number in groups may be put together of.
     struct Group {
         Text_place first;
-        std::uint64_t number;    // of the word, among those that stand one after another
-        std::size_t text;        // where its characters begin in text_
+        std::uint64_t number; // of the word, among those that stand one after another
+        std::size_t text;     // where its characters begin in text_
         std::uint32_t characters;
         bool has_digit;
     };
@@ -89,11 +89,11 @@ private:
     [[nodiscard]] bool is_open(const Beginning& beginning) const;
 
     const Scan_hashes& hashes_;
-    std::vector<Group> groups_; // joined, one to the next
-    std::u16string text_;       // of the groups, back to back
-    bool has_digits_ = false;   // one of them
+    std::vector<Group> groups_;   // joined, one to the next
+    std::u16string text_;         // of the groups, back to back
+    bool has_digits_ = false;     // one of them
     std::vector<Beginning> open_; // by their last words
-    std::uint64_t number_ = 0;  // of the next word; numbers of words apart differ by more than one
+    std::uint64_t number_ = 0; // of the next word; numbers of words apart differ by more than one
     std::uint64_t gap_characters_ = 0;
     std::uint64_t gap_line_ends_ = 0;
     std::vector<Item> items_; // that end with the word at hand

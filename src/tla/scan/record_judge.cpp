@@ -14,10 +14,7 @@ constexpr std::uint64_t NO_BOUND = std::numeric_limits<std::uint64_t>::max();
 
 Record_judge::Record_judge(const Index_state& index, std::size_t least,
                            std::optional<std::uint64_t> within)
-    : index_(index),
-      least_(least),
-      within_(within),
-      reported_(index.records->number_limit()) {
+    : index_(index), least_(least), within_(within), reported_(index.records->number_limit()) {
     for (const std::size_t key : index.keys) {
         const Value_kind kind = index.records->kinds()[key];
         if (kind != Value_kind::none) is_key_kind_[static_cast<std::size_t>(kind)] = true;
@@ -126,8 +123,7 @@ std::uint64_t Record_judge::first_unchecked(const Occurrence& key,
 }
 
 void Record_judge::judge_pairs(const Occurrence& key, const Record_table& pairs,
-                               const Occurrence_window& window,
-                               std::vector<Found_record>& found) {
+                               const Occurrence_window& window, std::vector<Found_record>& found) {
     const auto& asked = asked_kinds_[static_cast<std::size_t>(key.kind)];
     const Word_range reach = reach_of(key);
     const std::uint64_t first = first_unchecked(key, window);
@@ -162,8 +158,7 @@ bool Record_judge::judge_pair(std::uint64_t pair, const Occurrence& key, const R
 
 // True when the record has the key's value and enough fields within reach.
 bool Record_judge::judge_record(std::uint64_t place, const Occurrence& key,
-                                const Occurrence_window& window,
-                                std::vector<Found_record>& found) {
+                                const Occurrence_window& window, std::vector<Found_record>& found) {
     if (is_reported(place)) return true;
     const Word_range reach = reach_of(key);
     std::size_t key_order = NO_KEY;

@@ -27,15 +27,15 @@ struct Found_record {
 // fields occur within reach, each once for a text.
 class Record_judge {
 public:
-    Record_judge(const Index_state& index, std::size_t least,
-                 std::optional<std::uint64_t> within);
+    Record_judge(const Index_state& index, std::size_t least, std::optional<std::uint64_t> within);
 
     // For the next text. The tables must last as long as that.
     void start(const Scan_tables& tables);
 
     // Whether the value is a key's of some record, which is seldom wrong.
     [[nodiscard]] bool may_be_key(const Occurrence& occurrence) const;
-    // Whether all records of the value are reported, so that it is of no interest as a key any more.
+    // Whether all records of the value are reported, so that it is of no interest as a key any
+    // more.
     [[nodiscard]] bool is_done(std::uint64_t hash) const {
         return !done_.empty() && done_.contains(hash);
     }

@@ -15,6 +15,7 @@ std::uint64_t Record_table::bytes_of(std::uint64_t entries, std::uint64_t limit)
 }
 
 Record_table::Record_table(std::uint64_t entries, std::uint64_t limit)
-    : ends_(static_cast<std::size_t>(entries / ENTRIES_A_BUCKET + 1), true), width_(width_of(limit)) {}
+    : ends_(static_cast<std::size_t>(entries / ENTRIES_A_BUCKET + 1), true),
+      width_(width_of(limit)) {}
 
 } // namespace tla

@@ -79,7 +79,8 @@ private:
 
     Large_array<std::uint64_t> ends_; // of the buckets; while it is filled, where the next one goes
     std::size_t width_;               // bytes of a place
-    Large_array<std::byte> entries_;  // of each eight bits of its hash, then its place, little-endian
+    Large_array<std::byte>
+        entries_; // of each eight bits of its hash, then its place, little-endian
 };
 
 template <typename Take>

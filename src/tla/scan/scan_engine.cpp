@@ -34,7 +34,7 @@ Tla_text_scan::Engine::Engine(const Index_state& index, const Tla_scan_options& 
       numbers_(index.hashes),
       judge_(index,
              std::max<std::size_t>(
-                 options.least.value_or(std::min<std::size_t>(index.header.fields.size(), 2)), 1),
+                 options.least.value_or(std::min<std::size_t>(index.fields.size(), 2)), 1),
              options.within),
       has_one_field_(index.records->kinds().size() == 1) {}
 
@@ -163,8 +163,7 @@ void Tla_text_scan::Engine::scan_chunk(std::string_view chunk, bool is_ascii) {
 // Most chunks go this way.
 bool Tla_text_scan::Engine::pass_known(std::string_view chunk) {
     const Chunk_cache::Entry& entry = cache_.find(chunk);
-    const bool is_idle =
-        sequences_[0].is_idle() && sequences_[1].is_idle() && numbers_.is_idle();
+    const bool is_idle = sequences_[0].is_idle() && sequences_[1].is_idle() && numbers_.is_idle();
     if (!is_idle || numbers_.may_end_stretch()) return false;
     if (entry.interest == Chunk_interest::none) {
         numbers_.pass_other();

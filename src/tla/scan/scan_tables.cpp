@@ -202,8 +202,8 @@ private:
     void gather(std::uint64_t place) {
         values_.clear();
         has_shared_key_ = false;
-        next_ = records_.each_field(
-            place, [&](std::size_t field, std::span<const std::byte> values) {
+        next_ =
+            records_.each_field(place, [&](std::size_t field, std::span<const std::byte> values) {
                 const Value_kind kind = records_.kinds()[field];
                 if (values.empty() || kind == Value_kind::none) return;
                 const std::uint64_t hash = hash_of_values(hashes_, kind, values);

@@ -46,15 +46,14 @@ private:
 
     Value_kind kind_;
     const Scan_hashes& hashes_;
-    std::vector<Beginning> open_; // by their first characters
+    std::vector<Beginning> open_;    // by their first characters
     std::vector<Beginning> before_;  // those in front of a chunk
     std::vector<Beginning> current_; // those of the readings that are gone through
 };
 
 template <typename Take>
 void Sequence_matcher::read_token(const Chunk_token& token, std::uint8_t readings,
-                                  const Chunk_place& place, const Scan_tables& tables,
-                                  Take& take) {
+                                  const Chunk_place& place, const Scan_tables& tables, Take& take) {
     std::size_t kept = 0;
     const auto extend = [&](const Beginning& beginning) {
         const std::uint64_t hash = hashes_.extended(beginning.hash, token.value);

@@ -33,7 +33,8 @@ void Text_decoder::start(bool is_converted) {
 void Text_decoder::decode(std::span<const std::byte> bytes, std::string& to) {
     if (encoding_ == Encoding::unknown) {
         const std::size_t taken = std::min(bytes.size(), front_.size() - front_size_);
-        std::copy_n(bytes.begin(), taken, front_.begin() + static_cast<std::ptrdiff_t>(front_size_));
+        std::copy_n(bytes.begin(), taken,
+                    front_.begin() + static_cast<std::ptrdiff_t>(front_size_));
         front_size_ += taken;
         bytes = bytes.subspan(taken);
         if (front_size_ == front_.size()) settle(front_, to);

@@ -34,8 +34,8 @@ private:
     std::uint64_t bytes_in_front_ = 0;
     std::array<std::byte, 3> front_{}; // of the text, until its encoding is known
     std::size_t front_size_ = 0;
-    std::u16string units_;   // the last of them may wait for its second half
-    bool has_half_ = false;  // of a unit
+    std::u16string units_;  // the last of them may wait for its second half
+    bool has_half_ = false; // of a unit
     std::byte half_{};
 };
 

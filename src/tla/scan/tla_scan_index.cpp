@@ -25,8 +25,8 @@ private:
     std::span<const std::byte> bytes_;
 };
 
-void read_header(const scl::Scl_buffer& file, std::u16string_view name,
-                 Tla_data_set_header& header, scl::Scl_status& status) {
+void read_header(const scl::Scl_buffer& file, std::u16string_view name, Tla_data_set_header& header,
+                 scl::Scl_status& status) {
     tla_read_header(file, name, false, header, status);
     if (status.has_failed()) return;
     const std::uint64_t size = file.size(false, status);
@@ -50,9 +50,9 @@ void name_file(std::u16string_view name, scl::Scl_status& status) {
 const Scan_tables& Index_state::tables() const {
     std::call_once(tables_flag_, [this] {
         constexpr std::uint64_t ALLOWANCE = std::uint64_t{48} << 20U;
-        const std::uint64_t others = records->totals().sequences +
-                                     Record_table::bytes_of(records->totals().key_values,
-                                                            records->size());
+        const std::uint64_t others =
+            records->totals().sequences +
+            Record_table::bytes_of(records->totals().key_values, records->size());
         const std::uint64_t most = file.size() / 2 + ALLOWANCE;
         tables_ = std::make_unique<const Scan_tables>(*records, key_order, hashes,
                                                       most > others ? most - others : 0);
@@ -93,10 +93,12 @@ Tla_scan_index::over(std::span<const std::byte> file, std::u16string_view file_n
     auto state = std::make_unique<Index_state>();
     state->file = file;
     Tla_data_set_header& header = state->header;
-    read_header(Bytes_of_caller(file), file_name, header, status);
+    const Bytes_of_caller bytes(file);
+    read_header(bytes, file_name, header, status);
+    if (!status.has_failed()) tla_read_fields(bytes, file_name, header, state->fields, status);
     if (!status.has_failed()) {
-        state->keys = key_names.empty() ? fields_of_key_tables(header, file, status)
-                                        : fields_of_names(header, key_names, status);
+        state->keys = key_names.empty() ? fields_of_key_tables(header, state->fields, file, status)
+                                        : fields_of_names(state->fields, key_names, status);
     }
     if (!status.has_failed()) state->take_records(status);
     name_file(file_name, status);
@@ -106,7 +108,7 @@ Tla_scan_index::over(std::span<const std::byte> file, std::u16string_view file_n
 
 void Index_state::take_records(scl::Scl_status& status) {
     std::vector<Value_kind> kinds;
-    for (const Field_descriptor& field : header.fields) {
+    for (const Field_descriptor& field : fields) {
         kinds.push_back(value_kind_of(field.type));
     }
     key_order.assign(kinds.size(), NO_KEY);
@@ -127,7 +129,7 @@ Tla_scan_index::Tla_scan_index(std::unique_ptr<Index_state> state) : state_(std:
 Tla_scan_index::~Tla_scan_index() = default;
 
 const std::vector<Field_descriptor>& Tla_scan_index::fields() const {
-    return state_->header.fields;
+    return state_->fields;
 }
 
 std::span<const std::size_t> Tla_scan_index::keys() const {

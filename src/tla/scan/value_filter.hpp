@@ -10,8 +10,8 @@
 namespace tla {
 
 // Which sequences are values of some field, and which ones values begin with, in a few bits each.
-// No is sure; a yes is wrong for some sequences in a hundred. All bits of a hash lie in one word, so
-// that a question costs one access to memory.
+// No is sure; a yes is wrong for some sequences in a hundred. All bits of a hash lie in one word,
+// so that a question costs one access to memory.
 class Value_filter {
 public:
     struct Answer {

@@ -23,7 +23,7 @@ static_assert(sizeof(Index_pair) == 16);
 
 // A page of pairs, linked to the next page of its bucket:
 //
-//   next (8 bytes) | reserved (8) | 255 pairs of 16 bytes                    4096 bytes in all
+//   next, unused (16 bytes) | 255 pairs of 16 bytes                          4096 bytes in all
 //
 // Invariant: a page lies at a multiple of its size. For instance a pair at 0x7f0000003ff0 is the
 // last of the page at 0x7f0000003000.
@@ -31,7 +31,7 @@ struct Pair_page {
     static constexpr std::size_t PAIRS = 255;
 
     Pair_page* next;
-    std::uint64_t reserved;
+    std::array<std::byte, sizeof(Index_pair) - sizeof(Pair_page*)> unused; // pointers differ
     std::array<Index_pair, PAIRS> pairs;
 };
 static_assert(sizeof(Pair_page) == 4096);

@@ -22,9 +22,10 @@ public:
 
 // Sorts pairs by hash; equal hashes keep the order in which they were added.
 //
-// add() puts a pair into one of up to 1024 buckets by the top bits of its hash. Hashes are uniform,
-// so buckets are of about the same size. drain() sorts one bucket after the other, each within the
-// cache. A bucket that is too large for that (few distinct keys) is split by the next bits.
+// add() puts a pair into one of up to 1024 buckets (256 for up to four million pairs) by the top
+// bits of its hash. Hashes are uniform, so buckets are of about the same size. drain() sorts one
+// bucket after the other, each within the cache. A bucket that is too large for that (few distinct
+// keys) is split by the next bits.
 //
 // Invariant: the pairs of a bucket agree in their top prefix_bits_ bits. With 10 bits, bucket 0x3FF
 // has the hashes from 0xFFC0000000000000 on.

@@ -40,8 +40,8 @@ void gather_texts(const Tla_data_set_entry_file& entry, const std::vector<Field_
 
 // In the order of their offsets: the new file keeps the order of the old one, and the old one is
 // read from front to back.
-void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_file,
-                     scl::Scl_ostream& out, scl::Scl_status& status) {
+Tla_wrapped_records convert_records(std::u16string_view path, Tla_data_set_connector_file& old_file,
+                                    scl::Scl_ostream& out, scl::Scl_status& status) {
     const std::vector<Field_descriptor>& fields = old_file.field_descriptors();
     std::vector<std::int64_t> offsets = old_file.record_offsets(status);
     std::ranges::sort(offsets);
@@ -50,14 +50,15 @@ void convert_records(std::u16string_view path, Tla_data_set_connector_file& old_
     std::vector<std::string_view> stored;
     Tla_field_copies texts;
     for (const std::int64_t offset : offsets) {
-        if (status.has_failed()) return;
+        if (status.has_failed()) break;
         const auto entry = old_file.read_entry(offset, status);
-        if (entry == nullptr) continue;
+        if (entry == nullptr) break;
         gather_texts(*entry, fields, stored, texts, status);
         budget.take(entry->record_size(), status);
-        if (status.has_failed()) return;
+        if (status.has_failed()) break;
         processor.process({texts.fields()}, out, status);
     }
+    return processor.wrapped_records();
 }
 
 // Making a key table takes a pass over all records, and a crafted file may claim thousands of keys
@@ -90,13 +91,14 @@ void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
     tla_open_scratch_file(records, status);
     if (status.has_failed()) return;
     scl::Scl_ostream out(records);
-    convert_records(path, old_file, out, status);
+    const Tla_wrapped_records wrapped = convert_records(path, old_file, out, status);
     out.detach(status);
     if (!status.has_failed()) check_work(old_file, records.size(false, status), path, status);
     if (status.has_failed()) return;
     const Tla_header_writer header(old_file.field_descriptors());
     const std::uint64_t count =
         write_data_set_file(old_file.key_names(), header, records, nullptr, output, status);
+    if (status.ok()) tla_warn_of_wrapped_records(wrapped, status);
     // Fewer than the old header claims when the first key table is short, or when new records
     // cannot be told apart, as in a build.
     if (status.ok()) tla_warn_of_lost_records(count, old_file.record_count(), status);

@@ -21,6 +21,7 @@ struct Tla_build_result {
     Tla_read_result reading = Tla_read_result::finished;
     std::uint64_t line_count = 0;   // of the lines that were made into records
     std::uint64_t record_count = 0; // of the file: fewer when not all of them can be read again
+    Tla_wrapped_records wrapped;    // by the numbers of those lines
 };
 
 // Makes a data set file of the lines of an input. `scratch`, empty and writable, holds the records

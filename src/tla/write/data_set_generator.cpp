@@ -8,6 +8,7 @@
 #include "tla/write/header_writer.hpp"
 #include "tla/write/key_table.hpp"
 #include "tla/write/record_collector.hpp"
+#include "tla/write/record_file.hpp"
 
 #include <algorithm>
 
@@ -52,21 +53,49 @@ void write_key_table(std::u16string_view key_name, Schema schema, Key_pairs& pai
     if (!status.has_failed()) write_key_pairs(pairs, recorded, out, status);
 }
 
+bool knows_all(const Records_made* made) {
+    return made != nullptr && made->collector.knows_all();
+}
+
 // What was counted while records were made is right where each could be told from its bytes; else
 // the file is read as a reader would, and only what that finds counts.
 std::uint64_t count_all(std::size_t field_count, const scl::Scl_buffer& records,
-                        const Record_collector* collected, scl::Scl_status& status) {
-    if (collected != nullptr && collected->knows_all()) return collected->record_count();
+                        const Records_made* made, scl::Scl_status& status) {
+    if (knows_all(made)) return made->collector.record_count();
     scl::Scl_buffered_istream in(records, status);
     return count_records(field_count, in, status);
 }
 
-void write_all(Key_names key_names, Schema schema, const Recorded& recorded,
-               Record_collector* collected, scl::Scl_ostream& out, scl::Scl_status& status) {
-    copy_records(recorded.records, out, status);
-    bool are_known = collected != nullptr && collected->knows_all(); // the pairs of the first key
+// What makes a file impossible, looked for before anything is written. A count that the header
+// cannot hold would stand there as a wrapped number.
+std::uint64_t count_checked(Key_names key_names, Schema schema, const scl::Scl_buffer& records,
+                            const Records_made* made, scl::Scl_status& status) {
+    if (!tla_names_are_unique(schema)) {
+        status = TLA_STATUS_FIELD_LIST;
+        return 0;
+    }
+    const std::uint64_t count = count_all(schema.size(), records, made, status);
+    if (status.has_failed()) return 0;
+    if (!Tla_header_counts::can_hold(key_names.size(), count)) status = TLA_STATUS_TOO_MANY_PAIRS;
+    return count;
+}
+
+// The records may stand in the output already; the file is then written on behind them.
+void write_records(const scl::Scl_buffer& records, const Records_made* made,
+                   scl::Scl_checksum_buffer& checked, scl::Scl_ostream& out,
+                   scl::Scl_status& status) {
+    if (made == nullptr || !made->file.is_in_output()) return copy_records(records, out, status);
+    out.flush(status); // the header, so that checksums are added in the order of the file
+    const std::uint64_t size = records.size(false, status);
+    checked.append_written(size, made->file.checksum());
+    out.set_position(out.tell() + size, status);
+}
+
+void write_key_tables(Key_names key_names, Schema schema, const Recorded& recorded,
+                      const Records_made* made, scl::Scl_ostream& out, scl::Scl_status& status) {
+    bool are_known = knows_all(made); // the pairs of the first key
     Key_pairs read(recorded.count, recorded.header_end + recorded.records.size(false, status));
-    Key_pairs& pairs = are_known ? collected->pairs() : read;
+    Key_pairs& pairs = are_known ? made->collector.pairs() : read;
     for (const std::u16string& name : key_names) {
         if (status.has_failed()) return;
         write_key_table(name, schema, pairs, are_known, recorded, out, status);
@@ -86,18 +115,12 @@ void write_checksum(const scl::Scl_crc64& checksum, scl::Scl_buffer& output,
 } // namespace
 
 std::uint64_t write_data_set_file(Key_names key_names, const Tla_header_writer& header,
-                                  const scl::Scl_buffer& records, Record_collector* collected,
+                                  const scl::Scl_buffer& records, const Records_made* made,
                                   scl::Scl_buffer& output, scl::Scl_status& status) {
     const Schema schema = header.fields();
-    if (!tla_names_are_unique(schema)) {
-        status = TLA_STATUS_FIELD_LIST;
-        return 0;
-    }
-    const std::uint64_t count = count_all(schema.size(), records, collected, status);
-    if (status.has_failed()) return 0;
-    // Before anything is written: the header could only hold a wrapped number.
-    if (!Tla_header_counts::can_hold(key_names.size(), count)) {
-        status = TLA_STATUS_TOO_MANY_PAIRS;
+    const std::uint64_t count = count_checked(key_names, schema, records, made, status);
+    if (status.has_failed()) {
+        if (made != nullptr) made->file.empty_output();
         return 0;
     }
     scl::Scl_checksum_buffer checked(output, TLA_CHECKED_FROM);
@@ -105,11 +128,19 @@ std::uint64_t write_data_set_file(Key_names key_names, const Tla_header_writer& 
     const Tla_header_counts counts{static_cast<std::uint16_t>(key_names.size()),
                                    static_cast<std::uint32_t>(count), records.size(false, status)};
     header.write(counts, out, status);
-    write_all(key_names, schema, {records, schema.size(), count, header.header_end()}, collected,
-              out, status);
+    write_records(records, made, checked, out, status);
+    write_key_tables(key_names, schema, {records, schema.size(), count, header.header_end()}, made,
+                     out, status);
     out.detach(status);
     if (!status.has_failed()) write_checksum(checked.checksum(), output, status);
     return count;
+}
+
+void tla_warn_of_wrapped_records(const Tla_wrapped_records& wrapped, scl::Scl_status& status) {
+    if (wrapped.count == 0) return;
+    const std::string numbers =
+        std::to_string(wrapped.count) + ", the first is " + std::to_string(wrapped.first);
+    status.push(TLA_STATUS_COUNT_WRAPPED, scl::Scl_wstring_status_arg(std::string_view(numbers)));
 }
 
 void tla_warn_of_lost_records(std::uint64_t readable, std::uint64_t taken,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "records/input/tla_record_processor.hpp"
 #include "records/values/field_descriptor.hpp"
 #include "scl/io/scl_buffered_istream.hpp"
 #include "scl/io/scl_ostream.hpp"
@@ -11,13 +12,20 @@
 namespace tla {
 
 class Record_collector;
+class Record_file;
 class Tla_header_writer;
+
+// What a build knows of its records when all are made.
+struct Records_made {
+    Record_collector& collector; // their number, and the pairs of the first key
+    Record_file& file;           // the scratch file, and whether the output has the records, too
+};
 
 // Makes a data set file of version 2 from records in the layout of its records section. `records`
 // is copied as it is; key tables are made by reading it, one after the other, with 16 bytes of
-// memory a record. What `collected` knows is not read; it may be null. Everything is borrowed for
-// the call and stays open; `output` is written from its front on. Returns the record count that
-// the header has.
+// memory a record. What `made` knows or has done is not done again; it is null when the records
+// come from elsewhere. Everything is borrowed for the call and stays open. Returns the record count
+// that the header has.
 //
 // Sets TLA_STATUS_FIELD_LIST when two fields share a name, TLA_STATUS_TOO_MANY_PAIRS for more keys
 // or records than a header can count, TLA_STATUS_KEY_NAME when a key name is no field's (capitals
@@ -26,8 +34,13 @@ class Tla_header_writer;
 // table. After an error the output is unfinished and its checksum wrong.
 std::uint64_t write_data_set_file(std::span<const std::u16string> key_names,
                                   const Tla_header_writer& header, const scl::Scl_buffer& records,
-                                  Record_collector* collected, scl::Scl_buffer& output,
+                                  const Records_made* made, scl::Scl_buffer& output,
                                   scl::Scl_status& status);
+
+// Pushes the warning TLA_STATUS_COUNT_WRAPPED, with how many records there are and the first one's
+// number as its argument, unless there are none. Chosen token values can make such a record swallow
+// the next one and still leave the number of records right, so nothing else tells of it.
+void tla_warn_of_wrapped_records(const Tla_wrapped_records& wrapped, scl::Scl_status& status);
 
 // Pushes the warning TLA_STATUS_RECORDS_LOST, with both numbers as its argument, unless they are
 // equal. `readable` is the record count of a file that was made, `taken` how many records went in.

@@ -9,9 +9,14 @@
 
 namespace tla {
 
-// Keeps a file offset and, in the bits that no offset of the file needs, a tag: the top bits of the
-// record's fingerprint. So most neighbours with equal key hashes are told apart without a look at
-// their records, and a pair stays at 16 bytes.
+// Packs a record's offset and a tag, the top bits of its fingerprint, into 64 bits. In a file below
+// 1 GiB, for example:
+//
+//     63            30 29           0
+//     | fingerprint   | offset      |
+//
+// Different tags mean different records. So most records with equal key hashes are told apart
+// without reading them, and a pair stays at 16 bytes.
 class Offset_tagger {
 public:
     explicit Offset_tagger(std::uint64_t largest_offset)
@@ -29,26 +34,26 @@ private:
     std::uint64_t offset_mask_; // a file's size is a signed 64-bit number, so one bit is spare
 };
 
-// The pairs of one key: of each record the hash of its key field, and its place in the file. One
-// object serves a file's keys in turn, so that their memory is taken once.
+// The pairs of one key: for each record the hash of its key field and its offset in the file. One
+// object serves all keys of a file in turn and reuses its memory.
 class Key_pairs {
 public:
-    // Both numbers may be guesses: with too small a count sorting takes longer, with too large an
-    // offset fewer records are told apart at once.
+    // Both may be estimates. Too small a count makes sorting slower; too large an offset leaves
+    // fewer bits for the tags. No offset may be larger than `largest_offset`.
     Key_pairs(std::uint64_t expected_count, std::uint64_t largest_offset)
         : tagger_(largest_offset), sorter_(expected_count) {}
 
-    // Pairs are those of this column from now on. There are none yet, or none any more.
+    // The pairs added from now on are those of this column. There must be none.
     void begin_key(std::size_t key_field) { key_field_ = key_field; }
 
-    // The record, without its closing byte, and its offset in the file.
+    // Adds the pair of a record, given without its closing byte; `offset` is that in the file.
     void add(std::span<const std::byte> record, std::uint64_t offset);
 
-    // Of a pair's record offset as it is kept here.
+    // Unpacks the record offsets of the pairs that drain() hands over.
     [[nodiscard]] const Offset_tagger& tagger() const { return tagger_; }
 
-    // Hands all pairs over, sorted by hash, equal ones in the order in which they were added, and
-    // keeps none.
+    // Hands all pairs over, sorted by hash, and keeps none. Pairs with equal hashes stay in the
+    // order in which they were added.
     void drain(Tla_pair_sink& sink) { sorter_.drain(sink); }
 
 private:

@@ -10,8 +10,11 @@ namespace tla {
 
 namespace {
 
-// Takes sorted pairs and writes those that do not repeat the one before. Only neighbours are
-// compared: what lies between two equal records with another one is written.
+// Writes sorted pairs and leaves out each whose record equals that of the last pair written. Only
+// neighbours are compared: of equal hashes with the records A, B, A all three are written.
+//
+//     0          8               16
+//     | key hash | record offset |      both little-endian
 class Key_table_writer final : public Tla_pair_sink {
 public:
     Key_table_writer(const Offset_tagger& tagger, const Recorded& recorded, scl::Scl_ostream& out,
@@ -35,7 +38,7 @@ public:
     }
 
 private:
-    // The hash is compared first: most pairs differ in it, and everything else costs more.
+    // Compares the hashes first: most differ, and it costs least.
     [[nodiscard]] bool may_repeat_last(const Index_pair& pair) const {
         return pair.key_hash == last_.key_hash && any_ &&
                tagger_.same_tag(pair.record_offset, last_.record_offset);
@@ -79,8 +82,10 @@ void read_key_pairs(std::size_t key_field, const Recorded& recorded, Key_pairs& 
     }
 }
 
-// The name tells a reader which field the table is of, so that tables need no order of their own.
-// Pairs are aligned, and so can be taken eight bytes at a time where they lie.
+//     | key name | 0x00 | zeros up to a multiple of 8 | pairs
+//
+// A reader finds a table by its name, so that the tables may stand in any order. Pairs are aligned
+// so that a reader can load each number in one step.
 void write_key_name(std::u16string_view key_name, scl::Scl_ostream& out, scl::Scl_status& status) {
     std::string name;
     scl::scl_string_append(name, key_name);

@@ -9,11 +9,13 @@ namespace tla {
 
 namespace {
 
-// A record takes some 32 bytes of text. Wrong by a factor of ten, the guess costs little.
+// Estimates the number of records: a line of a customer table has about 32 bytes. The estimate only
+// chooses the number of sort buckets, so that a factor of ten more or less costs little time.
 constexpr std::uint64_t TEXT_BYTES_A_RECORD = 32;
 
-// No byte of text gives more bytes of record: one character is one token at most, of eight bytes,
-// and each field has a separator or line end to make up for its count and the record's end.
+// A record takes at most 8 bytes for each byte of its line. A character makes one token value of 8
+// bytes at most. A field has a count of 2 bytes and the record a closing byte; the separator or
+// line end after each field, which makes no token, pays for them.
 constexpr std::uint64_t MOST_GROWTH = 8;
 
 bool has_unknown_type(std::span<const Field_descriptor> fields) {

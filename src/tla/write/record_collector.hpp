@@ -12,22 +12,24 @@
 
 namespace tla {
 
-// Counts records and gathers the pairs of the first key while the records are made, so that the
-// scratch file need not be read for them. Where a record cannot be told from its bytes alone (a
-// column of unknown type, a count that wraps) it gives up, and the file is read as it is.
+// Counts the records and collects the pairs of the first key while the records are made, so that
+// the scratch file need not be read for them.
+//
+// It gives up when a reader would see other records than those that were written: with a column of
+// unknown type, or a count that wraps. The scratch file is then read as a reader would.
 class Record_collector final : public Tla_record_listener {
 public:
-    // `header` tells the fields and where the first record will stand in the file. `input_size`, in
-    // bytes, is the size of the text that the records are made of.
+    // `header` gives the fields and the offset of the first record in the file. `input_size` is the
+    // size of the input text in bytes.
     Record_collector(const Tla_header_writer& header, std::u16string_view first_key,
                      std::uint64_t input_size);
 
     void record_made(std::span<const std::byte> record) override;
 
-    // False when the scratch file has to be read after all.
+    // False when it gave up: the scratch file has to be read.
     [[nodiscard]] bool knows_all() const { return pairs_.has_value(); }
     [[nodiscard]] std::uint64_t record_count() const { return count_; }
-    // Of the first key. Only when it knows all.
+    // The pairs of the first key. Only when knows_all().
     [[nodiscard]] Key_pairs& pairs() { return *pairs_; }
 
 private:

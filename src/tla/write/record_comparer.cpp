@@ -8,12 +8,15 @@ namespace tla {
 
 namespace {
 
+// One page: most records are far smaller, and equal hashes lead to records all over the file, so
+// that reading further ahead would be wasted.
 constexpr std::size_t READ_AHEAD_BYTES = 4096;
 
 } // namespace
 
-// Two sums, the second one of the first, as in Fletcher's checksum: token values are spread evenly
-// themselves, so little work mixes them well enough. The last words may overlap.
+// Two sums, as in Fletcher's checksum: one of the words and one of the first sum's values, so that
+// the order of the words counts. Token values are CRCs and spread evenly already: no more mixing is
+// needed. When the size is no multiple of 8, the last word overlaps the one before it.
 std::uint64_t record_fingerprint(std::span<const std::byte> record) {
     constexpr std::uint64_t MULTIPLIER = 0x9E3779B97F4A7C15; // 2^64 / golden ratio, odd
     constexpr std::size_t WORD = sizeof(std::uint64_t);
@@ -38,7 +41,6 @@ Record_comparer::Record_comparer(const scl::Scl_buffer& records, std::size_t fie
       stream_b_(records, status),
       a_(stream_a_, field_count),
       b_(stream_b_, field_count) {
-    // Records far apart are compared as often as neighbours: read little around each.
     stream_a_.limit_read_ahead(READ_AHEAD_BYTES);
     stream_b_.limit_read_ahead(READ_AHEAD_BYTES);
 }
@@ -46,7 +48,7 @@ Record_comparer::Record_comparer(const scl::Scl_buffer& records, std::size_t fie
 bool Record_comparer::equal(std::uint64_t a, std::uint64_t b, scl::Scl_status& status) {
     stream_a_.set_position(a);
     stream_b_.set_position(b);
-    // The bytes tell where each field ends: equal bytes are equal fields.
+    // Each field begins with its count, so that equal bytes mean equal fields.
     const bool same = std::ranges::equal(a_.next(status), b_.next(status));
     return same && !status.has_failed();
 }

@@ -8,8 +8,8 @@
 
 namespace tla {
 
-// A hash over a record's bytes: records with different fingerprints differ. Its top bits are the
-// best, as they depend on all of the record.
+// A hash of a record's bytes: records with different fingerprints differ. Use the top bits; unlike
+// the low ones, they depend on every byte of the record.
 [[nodiscard]] std::uint64_t record_fingerprint(std::span<const std::byte> record);
 
 // Tells whether two records are equal in all fields.
@@ -19,8 +19,8 @@ public:
     Record_comparer(const scl::Scl_buffer& records, std::size_t field_count,
                     scl::Scl_status& status);
 
-    // Offsets from the start of the buffer. What lies near the records compared last is at hand.
-    // Leaves what reading leaves: SCL_STATUS_READ_FAILED, TLA_STATUS_RECORD_END.
+    // `a` and `b` are offsets from the start of the buffer. Records near those compared last are
+    // still in memory. Codes: SCL_STATUS_READ_FAILED, TLA_STATUS_RECORD_END.
     [[nodiscard]] bool equal(std::uint64_t a, std::uint64_t b, scl::Scl_status& status);
 
 private:

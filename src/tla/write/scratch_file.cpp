@@ -7,13 +7,13 @@ namespace tla {
 
 namespace {
 
-// With its slash: nothing would be left of the root folder's name without it.
+// Keeps the slash at the end: without it, the name of the root folder would be empty.
 std::string folder_of(const std::string& name) {
     const std::size_t slash = name.rfind('/');
     return slash == std::string::npos ? "." : name.substr(0, slash + 1);
 }
 
-// By identity: "./", "." and an absolute path are all the same folder.
+// Compares identities and not names: "./", "." and an absolute path may be the same folder.
 bool same_folder(const std::string& a, const std::string& b) {
     scl::Scl_file_identity identity_a;
     scl::Scl_file_identity identity_b;
@@ -30,8 +30,8 @@ void tla_open_scratch_file(scl::Scl_file_buffer& scratch, scl::Scl_status& statu
                  scl::SCL_FILE_SCRATCH, scl::SCL_FILE_FRONT_TO_BACK, status);
 }
 
-// Hard links lead there too, so identities are compared and not names. A "mid_buf" that is a link
-// itself is only replaced as an entry; what it leads to stays whole.
+// Compares identities, since a hard link of another name leads there, too. The scratch file's entry
+// is not followed when it is a link: only the link is replaced, its target stays whole.
 bool tla_leads_to_scratch(const std::string& input_name) {
     scl::Scl_file_identity input;
     scl::Scl_file_identity scratch;

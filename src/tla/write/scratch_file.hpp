@@ -7,15 +7,15 @@
 
 namespace tla {
 
-// The scratch file holds the records while a data set is made. It stands in the working directory,
-// replaces what has its name there, and goes when it is closed.
+// The scratch file holds the records while a data set is made. It is created in the working
+// directory, replaces an entry of its name, and is removed when it is closed.
 inline constexpr std::string_view TLA_SCRATCH_FILE_NAME = "mid_buf";
 
-// Failures are those of creating a file with SCL_FILE_SCRATCH: SCL_STATUS_CREATE_FAILED.
+// Pushes SCL_STATUS_CREATE_FAILED when the file cannot be created.
 void tla_open_scratch_file(scl::Scl_file_buffer& scratch, scl::Scl_status& status);
 
-// An input or output that is the scratch file itself would be lost; these tell in time. Names are
-// bytes as the system takes them.
+// An input or output that is the scratch file itself would be destroyed. These two find that out
+// before anything is opened. Names are bytes as the system takes them.
 
 // True when the input's name, links followed, is the scratch file's entry.
 [[nodiscard]] bool tla_leads_to_scratch(const std::string& input_name);

@@ -2,7 +2,7 @@
 
 #include "records/values/record_layout.hpp"
 
-#include <new>
+#include <utility>
 
 namespace tla {
 
@@ -13,18 +13,18 @@ constexpr std::size_t FAR_READ_AHEAD_BYTES = 512;
 
 } // namespace
 
-Entry_reader::Entry_reader(const scl::Scl_buffer& file, const Tla_data_set_header& header)
-    : file_(file), header_(header), stream_(file) {}
+Entry_reader::Entry_reader(std::shared_ptr<const Entry_source> source,
+                           const Tla_data_set_header& header)
+    : source_(std::move(source)), header_(header), stream_(*source_->file) {}
 
 std::unique_ptr<Tla_data_set_entry_file> Entry_reader::make(std::int64_t record_offset) const {
-    return std::unique_ptr<Tla_data_set_entry_file>(new (std::nothrow) Tla_data_set_entry_file(
-        header_.fields, header_.version().number, header_.data_start, record_offset, file_));
+    return std::unique_ptr<Tla_data_set_entry_file>(new Tla_data_set_entry_file(
+        source_, header_.version().number, header_.data_start, record_offset));
 }
 
 std::unique_ptr<Tla_data_set_entry_file> Entry_reader::read(std::int64_t record_offset,
                                                             scl::Scl_status& status) {
     auto entry = make(record_offset);
-    if (entry == nullptr) return nullptr;
     go_to(record_offset);
     entry->read_from(stream_, status);
     if (status.has_failed()) entry.reset();
@@ -34,7 +34,7 @@ std::unique_ptr<Tla_data_set_entry_file> Entry_reader::read(std::int64_t record_
 std::span<const std::byte> Entry_reader::buffered_record(std::int64_t record_offset,
                                                          scl::Scl_status& status) {
     go_to(record_offset);
-    const auto record = tla_whole_record(stream_.window(status), header_.fields.size());
+    const auto record = tla_whole_record(stream_.window(status), source_->fields->list().size());
     return record.empty() || tla_is_closed(record) ? record : record.first(0);
 }
 

@@ -2,6 +2,7 @@
 
 #include "scl/io/scl_buffered_istream.hpp"
 #include "tla/format/data_set_header.hpp"
+#include "tla/read/entries/entry_source.hpp"
 #include "tla/read/entries/tla_data_set_entry_file.hpp"
 
 #include <cstdint>
@@ -13,15 +14,16 @@ namespace tla {
 // and a record far away little more than its own bytes.
 class Entry_reader {
 public:
-    // Both must outlive the reader and its entries.
-    Entry_reader(const scl::Scl_buffer& file, const Tla_data_set_header& header);
+    // The entries share `source`; the header must outlive the reader. Memory exhausted is thrown
+    // (std::bad_alloc), here and below.
+    Entry_reader(std::shared_ptr<const Entry_source> source, const Tla_data_set_header& header);
 
     // The entry at an offset, in bytes from the start of the file. Null after a failure, with the
-    // codes of an entry, and when there is no memory, with the status as it was.
+    // codes of an entry.
     [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file> read(std::int64_t record_offset,
                                                                 scl::Scl_status& status);
 
-    // The same entry before it is read; null when there is no memory.
+    // The same entry before it is read.
     [[nodiscard]] std::unique_ptr<Tla_data_set_entry_file> make(std::int64_t record_offset) const;
     // The bytes of a record of version 2, valid until the next operation. Empty unless the whole
     // record is buffered and ends in 0x00; read() then reports why.
@@ -31,7 +33,7 @@ public:
 private:
     void go_to(std::int64_t record_offset);
 
-    const scl::Scl_buffer& file_;
+    std::shared_ptr<const Entry_source> source_;
     const Tla_data_set_header& header_;
     scl::Scl_buffered_istream stream_;
 };

@@ -6,14 +6,19 @@
 #include "scl/text/scl_string.hpp"
 #include "tla/format/data_set_layout.hpp"
 #include "tla/format/data_set_version.hpp"
+#include "tla/read/entries/entry_source.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace tla {
 
 namespace {
+
+// A few steps from count to count cost less than a place for each field.
+constexpr std::size_t NOTED_FIELDS = 64;
 
 std::uint64_t bytes_left(const scl::Scl_buffered_istream& in, scl::Scl_status& status) {
     const std::uint64_t size = in.size(status);
@@ -31,12 +36,10 @@ std::string_view next_text(std::string_view& rest) {
 
 } // namespace
 
-Tla_data_set_entry_file::Tla_data_set_entry_file(const std::vector<Field_descriptor>& fields,
+Tla_data_set_entry_file::Tla_data_set_entry_file(std::shared_ptr<const Entry_source> source,
                                                  std::uint8_t version, std::uint64_t data_start,
-                                                 std::int64_t record_offset,
-                                                 const scl::Scl_buffer& file)
-    : file_(file),
-      fields_(fields),
+                                                 std::int64_t record_offset)
+    : source_(std::move(source)),
       record_offset_(record_offset),
       data_start_(data_start),
       version_(version) {}
@@ -46,7 +49,7 @@ bool Tla_data_set_entry_file::token_values(std::u16string_view field_name,
                                            Formatter_type_id& type) const {
     const std::optional<std::size_t> field = find_field(field_name);
     if (!field) return false;
-    type = fields_[*field].type;
+    type = fields()[*field].type;
     return values_of(*field, values);
 }
 
@@ -54,7 +57,7 @@ bool Tla_data_set_entry_file::text_value(std::u16string_view field_name, std::u1
                                          Formatter_type_id& type) const {
     const std::optional<std::size_t> field = find_field(field_name);
     if (!field || !has_texts()) return false;
-    type = fields_[*field].type;
+    type = fields()[*field].type;
     scl::scl_stow(text_of(*field), text);
     return true;
 }
@@ -77,11 +80,11 @@ bool Tla_data_set_entry_file::holds(std::size_t field,
         std::vector<std::uint64_t> own;
         return values_of(field, own) && std::ranges::equal(own, values);
     }
-    return tla_field_holds(bytes(), field, values);
+    return tla_values_equal(field_bytes(field), values);
 }
 
 void Tla_data_set_entry_file::read(scl::Scl_status& status) {
-    scl::Scl_buffered_istream in(file_, status);
+    scl::Scl_buffered_istream in(*source_->file, status);
     read_from(in, status);
 }
 
@@ -95,12 +98,14 @@ void Tla_data_set_entry_file::read_from(scl::Scl_buffered_istream& in, scl::Scl_
     }
 }
 
-// Checks both bounds: a connector that was closed has no fields any more, one that opened another
-// file may have more than this record.
+const std::vector<Field_descriptor>& Tla_data_set_entry_file::fields() const {
+    return source_->fields->list();
+}
+
+// Not beyond the record's own fields: the connector may have loaded more since it was read.
 std::optional<std::size_t> Tla_data_set_entry_file::find_field(std::u16string_view name) const {
-    const auto found = std::ranges::find(fields_, name, &Field_descriptor::name);
-    const auto field = static_cast<std::size_t>(found - fields_.begin());
-    if (field >= std::min(fields_.size(), field_count_)) return std::nullopt;
+    const std::size_t field = source_->fields->find(name);
+    if (field >= field_count_) return std::nullopt;
     return field;
 }
 
@@ -113,11 +118,26 @@ bool Tla_data_set_entry_file::has_texts() const {
 }
 
 std::string_view Tla_data_set_entry_file::text_of(std::size_t field) const {
-    std::string_view rest = record_;
-    for (; field > 0; --field) {
-        (void)next_text(rest);
-    }
+    std::string_view rest = std::string_view(record_).substr(starts_[field]);
     return next_text(rest);
+}
+
+// The values of a field.
+std::span<const std::byte> Tla_data_set_entry_file::field_bytes(std::size_t field) const {
+    if (starts_.empty()) return tla_field_values(bytes(), field);
+    return tla_field_values(bytes().subspan(starts_[field / NOTED_FIELDS]), field % NOTED_FIELDS);
+}
+
+// Walking a long record from its front for each of its fields would take time in proportion to
+// their square.
+void Tla_data_set_entry_file::note_starts() {
+    if (field_count_ <= NOTED_FIELDS) return;
+    starts_.reserve(field_count_ / NOTED_FIELDS + 1);
+    std::size_t at = 0;
+    for (std::size_t field = 0; field < field_count_; ++field) {
+        if (field % NOTED_FIELDS == 0) starts_.push_back(at);
+        at += tla_field_size(&bytes()[at]);
+    }
 }
 
 // On demand: most entries are asked for one field, those of an upgrade for none, and making a
@@ -131,7 +151,7 @@ bool Tla_data_set_entry_file::values_of(std::size_t field,
         (void)txtdfc::txtdfc_token_values(text, values); // without text, none
         return true;
     }
-    const auto own = tla_field_values(bytes(), field);
+    const auto own = field_bytes(field);
     values.resize(own.size() / TLA_TOKEN_VALUE_BYTES);
     for (std::size_t i = 0; i < values.size(); ++i) {
         values[i] = tla_value_at(own, i);
@@ -141,26 +161,28 @@ bool Tla_data_set_entry_file::values_of(std::size_t field,
 
 // Most records are buffered whole.
 void Tla_data_set_entry_file::read_values(scl::Scl_buffered_istream& in, scl::Scl_status& status) {
-    const auto record = tla_whole_record(in.window(status), fields_.size());
+    const auto record = tla_whole_record(in.window(status), fields().size());
     if (record.empty()) return read_long_values(in, status);
-    if (file_.contents().empty()) {
+    if (source_->file->contents().empty()) {
         record_.assign(reinterpret_cast<const char*>(record.data()), record.size());
     } else {
         in_memory_ = record; // it stays where it is
     }
     in.skip(record.size());
-    field_count_ = fields_.size();
+    field_count_ = fields().size();
+    note_starts();
     if (!tla_is_closed(record)) status.push(TLA_STATUS_RECORD_END);
 }
 
 // Count by count: nothing tells a record's size in advance.
 void Tla_data_set_entry_file::read_long_values(scl::Scl_buffered_istream& in,
                                                scl::Scl_status& status) {
-    while (field_count_ != fields_.size() && take(TLA_COUNT_BYTES, in, status)) {
+    while (field_count_ != fields().size() && take(TLA_COUNT_BYTES, in, status)) {
         const std::size_t at = record_.size() - TLA_COUNT_BYTES;
         const std::size_t size = tla_field_size(bytes().subspan(at).data());
         if (take(size - TLA_COUNT_BYTES, in, status)) ++field_count_;
     }
+    note_starts();
     if (status.has_failed() || !take(TLA_RECORD_END_BYTES, in, status)) return;
     if (!tla_is_closed(bytes())) status.push(TLA_STATUS_RECORD_END);
 }
@@ -181,6 +203,8 @@ bool Tla_data_set_entry_file::take(std::uint64_t size, scl::Scl_buffered_istream
 
 // Up to the closing byte, however far away it is: only reading tells a record's length.
 void Tla_data_set_entry_file::read_texts(scl::Scl_buffered_istream& in, scl::Scl_status& status) {
+    starts_.reserve(std::min(fields().size(), NOTED_FIELDS) + 1);
+    starts_.push_back(0);
     bool ended = false;
     while (!ended && !status.has_failed()) {
         const std::span<const std::byte> window = in.window(status);
@@ -190,7 +214,7 @@ void Tla_data_set_entry_file::read_texts(scl::Scl_buffered_istream& in, scl::Scl
     }
     // A wrong number of texts is told rather than the end of the data; a read failure stays.
     const bool told = status.has_failed() && !(status == scl::SCL_STATUS_END_OF_DATA);
-    if (field_count_ != fields_.size() && !told) status = TLA_STATUS_VALUE_COUNT;
+    if (field_count_ != fields().size() && !told) status = TLA_STATUS_VALUE_COUNT;
     if (status.has_failed()) field_count_ = 0; // nobody knows which text belongs to which field
 }
 
@@ -202,8 +226,10 @@ std::size_t Tla_data_set_entry_file::take_texts(std::span<const std::byte> bytes
     for (bool ended = false; taken < bytes.size() && !ended; ++taken) {
         const char byte = tla_scrambled(std::to_integer<char>(bytes[taken]), position + taken);
         ended = byte == TLA_TEXT_RECORD_END;
-        if (ended || byte == TLA_TEXT_END) ++field_count_;
         record_ += byte;
+        if (!ended && byte != TLA_TEXT_END) continue;
+        ++field_count_;
+        starts_.push_back(record_.size());
     }
     return taken;
 }

@@ -4,6 +4,7 @@
 #include "tla/read/entries/tla_data_set_entry_base.hpp"
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <span>
 
@@ -12,21 +13,20 @@ class Scl_buffered_istream;
 } // namespace scl
 namespace tla {
 class Entry_reader;
+struct Entry_source;
 } // namespace tla
 
 #pragma GCC visibility push(default) // installed
 
-namespace scl {
-class Scl_buffer;
-} // namespace scl
-
 namespace tla {
 
-// A record read from a file of either version. Comes from a connector, which must outlive it, open.
+// A record read from a file of either version. Comes from a connector, and answers as it did, by
+// the names of its own file's fields, whatever the connector closes, opens or loads next.
 //
-// It keeps the record's bytes, or points to them in a file in memory. Version 1 stores texts, whose
-// token values are made when they are asked for: token_values(),
-// values_of() and holds() throw std::runtime_error for a text of more than 15,000,000 tokens.
+// It keeps the record's bytes, or shares a file in memory that holds them, which then stays there
+// as long as the entry. Finding a field takes a few steps, wherever it stands. Version 1 stores
+// texts, whose token values are made when they are asked for: token_values(), values_of() and
+// holds() throw std::runtime_error for a text of more than 15,000,000 tokens.
 class Tla_data_set_entry_file final : public Tla_data_set_entry_base {
 public:
     [[nodiscard]] bool token_values(std::u16string_view field_name,
@@ -58,16 +58,18 @@ private:
     friend class Entry_reader; // makes all entries
 
     // Offsets in bytes from the start of the file; `data_start` is that of the first record.
-    Tla_data_set_entry_file(const std::vector<Field_descriptor>& fields, std::uint8_t version,
-                            std::uint64_t data_start, std::int64_t record_offset,
-                            const scl::Scl_buffer& file);
+    Tla_data_set_entry_file(std::shared_ptr<const Entry_source> source, std::uint8_t version,
+                            std::uint64_t data_start, std::int64_t record_offset);
     // As read(), through a stream that is shared with other records; its position does not matter.
     void read_from(scl::Scl_buffered_istream& in, scl::Scl_status& status);
 
     [[nodiscard]] std::span<const std::byte> bytes() const;
     [[nodiscard]] std::optional<std::size_t> find_field(std::u16string_view name) const;
     [[nodiscard]] bool has_texts() const;
+    [[nodiscard]] const std::vector<Field_descriptor>& fields() const;
     [[nodiscard]] std::string_view text_of(std::size_t field) const;
+    [[nodiscard]] std::span<const std::byte> field_bytes(std::size_t field) const;
+    void note_starts();
     void read_values(scl::Scl_buffered_istream& in, scl::Scl_status& status);
     void read_long_values(scl::Scl_buffered_istream& in, scl::Scl_status& status);
     [[nodiscard]] bool take(std::uint64_t size, scl::Scl_buffered_istream& in,
@@ -75,13 +77,14 @@ private:
     void read_texts(scl::Scl_buffered_istream& in, scl::Scl_status& status);
     [[nodiscard]] std::size_t take_texts(std::span<const std::byte> bytes, std::uint64_t position);
 
-    const scl::Scl_buffer& file_;
-    const std::vector<Field_descriptor>& fields_;
+    std::shared_ptr<const Entry_source> source_;
     std::int64_t record_offset_;
     std::uint64_t data_start_;
     std::string record_;                   // its bytes, those of version 1 unscrambled
     std::span<const std::byte> in_memory_; // or where they lie in a file in memory
     std::size_t field_count_ = 0;          // whole fields in them
+    // Where texts begin in them: each; token values: each of so many fields, in a long record.
+    std::vector<std::size_t> starts_;
     std::uint8_t version_;
 };
 

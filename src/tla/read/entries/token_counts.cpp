@@ -11,7 +11,7 @@ namespace tla {
 std::vector<std::uint16_t> largest_token_counts(const scl::Scl_buffer& file,
                                                 const Tla_data_set_header& header,
                                                 scl::Scl_status& status) {
-    std::vector<std::uint16_t> largest(header.fields.size());
+    std::vector<std::uint16_t> largest(header.field_count);
     scl::Scl_buffered_istream in(file, status);
     in.set_position(header.data_start);
     // As many as the header says. Where a record was written differently from how it is read (a

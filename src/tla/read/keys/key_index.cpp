@@ -69,7 +69,6 @@ std::size_t Key_index::block_index_of(std::uint64_t hash) const {
 // Pairs of one hash can lie on both sides of a block's border: the block before the first that
 // begins with the hash may end with it.
 Block_range Key_index::blocks_with(std::uint64_t hash) const {
-    if (!samples_ascend) return {0, samples.size()};
     const auto first = std::ranges::lower_bound(samples, hash, {}, &Index_sample::first_hash);
     const auto behind = std::ranges::find_if(
         first, samples.end(), [hash](const Index_sample& next) { return next.first_hash > hash; });

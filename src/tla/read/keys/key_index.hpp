@@ -2,6 +2,7 @@
 
 #include "scl/io/scl_buffered_istream.hpp"
 
+#include <compare>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -44,6 +45,14 @@ static_assert(sizeof(Index_sample) == 16);
 // can have a right checksum and mixed pairs, and loading reads only the samples.
 enum class Block_order : std::uint8_t { unknown, ascending, mixed };
 
+// A pair's hash, and its index in the table. Ordered by hash, then by place.
+struct Hash_place {
+    std::uint64_t hash;
+    std::uint32_t place;
+
+    [[nodiscard]] auto operator<=>(const Hash_place&) const = default;
+};
+
 // A block of a key table.
 struct Key_block {
     std::uint64_t offset; // of its first pair, in bytes from the start of the file
@@ -65,13 +74,15 @@ struct Key_index {
     std::vector<Block_order> orders;   // one a block, as far as lookups have seen them
     std::uint32_t block_size = 0;      // in pairs
     std::uint32_t pair_count = 0;      // whole pairs, as far as the file has them
-    bool samples_ascend = true;        // false in a crafted file only
+    bool samples_ascend = true;        // false in a crafted file, mostly: see docs/reading.md
+    // Every pair, ordered, from the first lookup on that meets a block whose pairs do not ascend.
+    // As large as the table, which is then read no more than this once.
+    std::vector<Hash_place> by_hash;
 
     // The block that a lookup begins with: the first that begins with the hash or below it and
     // whose successor, if there is one, begins above it. The number of blocks when there is none.
     [[nodiscard]] std::size_t block_index_of(std::uint64_t hash) const;
-    // The blocks that can have pairs with the hash, judged by the samples; all of them where the
-    // samples do not ascend.
+    // The blocks that can have pairs with the hash, judged by the samples, which must ascend.
     [[nodiscard]] Block_range blocks_with(std::uint64_t hash) const;
     [[nodiscard]] Key_block block_at(std::size_t block_index) const;
 };

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <span>
+#include <utility>
 
 namespace tla {
 
@@ -70,14 +70,57 @@ Pair_reader::Pair_reader(const scl::Scl_buffer& file) : stream_(file) {
     stream_.limit_read_ahead(FEW_PAIRS * TLA_INDEX_PAIR_BYTES);
 }
 
-// Only where the hashes ascend does a search find the same pair as a scan from the front. Checking
-// that takes one scan of the block, once; later lookups in the block search.
-std::uint32_t Pair_reader::first_candidate(const Key_block& block, std::uint64_t hash,
-                                           Block_order& order, scl::Scl_status& status) {
+// One scan of the block, once: then every lookup in it knows whether it may search.
+bool Pair_reader::ascends(Key_index& index, std::size_t block_index, scl::Scl_status& status) {
+    Block_order& order = index.orders[block_index];
     if (order == Block_order::unknown) {
-        order = ascends(block, status) ? Block_order::ascending : Block_order::mixed;
+        const bool is_sorted = ascends(index.block_at(block_index), status);
+        if (status.has_failed()) return false;
+        order = is_sorted ? Block_order::ascending : Block_order::mixed;
     }
-    return order == Block_order::ascending ? first_with(block, hash, status) : 0;
+    return order == Block_order::ascending;
+}
+
+// Where hashes ascend, a search finds the same pair as a scan from the front. Where they do not,
+// the pair is looked up in an order of all pairs: a scan of the block for each lookup would let a
+// small crafted file keep a reader busy.
+std::uint32_t Pair_reader::first_with(Key_index& index, std::size_t block_index, std::uint64_t hash,
+                                      scl::Scl_status& status) {
+    const Key_block block = index.block_at(block_index);
+    if (ascends(index, block_index, status)) return search(block, hash, status);
+    order_pairs(index, status);
+    if (status.has_failed()) return 0;
+    const auto begin = static_cast<std::uint32_t>(block_index * index.block_size);
+    const auto found = std::ranges::lower_bound(index.by_hash, Hash_place{hash, begin});
+    const bool has_it = found != index.by_hash.end() && found->hash == hash &&
+                        found->place - begin < block.pair_count;
+    return has_it ? found->place - begin : block.pair_count;
+}
+
+std::span<const Hash_place> Pair_reader::all_with(Key_index& index, std::uint64_t hash,
+                                                  scl::Scl_status& status) {
+    order_pairs(index, status);
+    const auto found = std::ranges::equal_range(index.by_hash, hash, {}, &Hash_place::hash);
+    return {found.begin(), found.end()};
+}
+
+// Reads the whole table, once.
+void Pair_reader::order_pairs(Key_index& index, scl::Scl_status& status) {
+    if (!index.by_hash.empty() || index.samples.empty()) return;
+    std::vector<Hash_place> ordered;
+    ordered.reserve(index.pair_count); // pairs that the file has
+    go_to(index.samples.front().offset);
+    while (ordered.size() < index.pair_count && !status.has_failed()) {
+        const auto left = index.pair_count - static_cast<std::uint32_t>(ordered.size());
+        const auto pairs = whole_pairs(left, status);
+        if (pairs.empty()) break;
+        for (std::size_t i = 0; i < count_of(pairs); ++i) {
+            ordered.push_back({hash_at(pairs, i), static_cast<std::uint32_t>(ordered.size())});
+        }
+        stream_.skip(pairs.size());
+    }
+    std::ranges::sort(ordered);
+    if (!status.has_failed()) index.by_hash = std::move(ordered);
 }
 
 bool Pair_reader::ascends(const Key_block& block, scl::Scl_status& status) {
@@ -102,8 +145,8 @@ bool Pair_reader::ascends(const Key_block& block, scl::Scl_status& status) {
 // Lookup.FindsWhatTheRuleSaysInAnyTable.
 //
 // Invariant: pairs before `begin` have a lower hash, pairs from `end` on have not.
-std::uint32_t Pair_reader::first_with(const Key_block& block, std::uint64_t hash,
-                                      scl::Scl_status& status) {
+std::uint32_t Pair_reader::search(const Key_block& block, std::uint64_t hash,
+                                  scl::Scl_status& status) {
     std::uint32_t begin = 0;
     std::uint32_t end = block.pair_count;
     bool end_has_it = false; // the pair at `end` has the hash

@@ -4,6 +4,7 @@
 #include "tla/read/keys/key_index.hpp"
 
 #include <cstdint>
+#include <span>
 #include <vector>
 
 namespace tla {
@@ -23,11 +24,17 @@ public:
     // The file must outlive the reader.
     explicit Pair_reader(const scl::Scl_buffer& file);
 
-    // Index in the block of the first pair that can have the hash. Where the hashes ascend, it is
-    // the first pair that has the hash, or the pair count when none has. Where they do not, or
-    // after a failure, it is 0. Finds out an unknown `order` and stores it there.
-    [[nodiscard]] std::uint32_t first_candidate(const Key_block& block, std::uint64_t hash,
-                                                Block_order& order, scl::Scl_status& status);
+    // Whether the hashes of a block ascend. Reads the block the first time it is asked for, and
+    // keeps the answer in the index; false after a failure.
+    [[nodiscard]] bool ascends(Key_index& index, std::size_t block_index, scl::Scl_status& status);
+    // Index in the block of the first pair that has the hash, or the block's pair count when none
+    // has; 0 after a failure. Where the hashes do not ascend it is found in `index.by_hash`.
+    [[nodiscard]] std::uint32_t first_with(Key_index& index, std::size_t block_index,
+                                           std::uint64_t hash, scl::Scl_status& status);
+    // All pairs of the table that have the hash, in its order. Fills `index.by_hash`: for tables
+    // that are not sorted.
+    [[nodiscard]] std::span<const Hash_place> all_with(Key_index& index, std::uint64_t hash,
+                                                       scl::Scl_status& status);
     // Adds the record offsets of up to `count` pairs; the first pair is at `pair_offset` in the
     // file.
     void append_offsets(std::uint64_t pair_offset, std::uint32_t count,
@@ -46,8 +53,9 @@ public:
 
 private:
     [[nodiscard]] bool ascends(const Key_block& block, scl::Scl_status& status);
-    [[nodiscard]] std::uint32_t first_with(const Key_block& block, std::uint64_t hash,
-                                           scl::Scl_status& status);
+    [[nodiscard]] std::uint32_t search(const Key_block& block, std::uint64_t hash,
+                                       scl::Scl_status& status);
+    void order_pairs(Key_index& index, scl::Scl_status& status);
     [[nodiscard]] std::span<const std::byte> whole_pairs(std::uint32_t most,
                                                          scl::Scl_status& status);
 

@@ -1,0 +1,1 @@
+"""The text of mails, archives and documents, for programs that scan texts."""
