@@ -79,7 +79,7 @@ TEST_F(Dsscan, ShowsWhatCannotBePrinted) {
     expect("-k First --json out a*", 0,
            R"({"text":"a \"\\\u0001)"
            "\xEF\xBF\xBD"
-           R"(\u000A","line":1,"place":0,"length":3,)"
+           R"(\n","line":1,"place":0,"length":3,)"
            R"("key":"First","quote":"Zo)"
            "\xEF\xBF\xBD"
            R"(","fields":["First","Surname"],"of":3,"record":142})"

@@ -112,7 +112,7 @@ TEST(Unicode_tables, ClassesFollowCategoryAndWhiteSpace) {
                                                       : types.at(categories[c][0]);
         return scl::scl_code_point_type(c) == expected && scl::scl_is_white_space(c) == is_white &&
                scl::scl_is_decimal_digit(c) == (categories[c] == "Nd") &&
-               scl::scl_get_icu_char_type(c) == expected;
+               scl::impl::scl_get_icu_char_type(c) == expected;
     });
     EXPECT_EQ(scl::scl_code_point_type(LIMIT), Type::other);
     EXPECT_EQ(scl::scl_code_point_type(0xFFFFFFFF), Type::other);
