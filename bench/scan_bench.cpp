@@ -75,8 +75,10 @@ int run(int argc, char** argv) {
     bool prints = false;
     for (int option = 0; (option = getopt(argc, argv, "m:w:k:r:n:p")) != -1;) {
         if (option == 'm') options.least = std::strtoull(optarg, nullptr, 10);
-        if (option == 'w' && std::string_view(optarg) == "all") options.within.reset();
-        else if (option == 'w') options.within = std::strtoull(optarg, nullptr, 10);
+        if (option == 'w' && std::string_view(optarg) == "all")
+            options.within.reset();
+        else if (option == 'w')
+            options.within = std::strtoull(optarg, nullptr, 10);
         if (option == 'k') scl::scl_stow(optarg, keys.emplace_back());
         if (option == 'r') repeats = std::strtoull(optarg, nullptr, 10);
         if (option == 'n') pieces = std::strtoull(optarg, nullptr, 10);
@@ -110,8 +112,8 @@ int run(int argc, char** argv) {
                 scan.finish();
             }
             step("scan");
-            std::fprintf(stderr, "%lu found in %zu texts of %zu bytes\n", found.count,
-                         texts.size(), all.size());
+            std::fprintf(stderr, "%lu found in %zu texts of %zu bytes\n", found.count, texts.size(),
+                         all.size());
         }
     }
     return 0;

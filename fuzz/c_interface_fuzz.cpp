@@ -65,7 +65,7 @@ std::vector<std::int64_t> expected(const test::Small_reader& reader,
         std::ranges::find(reader.fields(), table.name, &test::Small_reader::Field::name);
     const auto index = static_cast<std::size_t>(field - reader.fields().begin());
     const std::string_view narrow = word;
-    const auto token = test::Small_reader::token({narrow.begin(), narrow.end()});
+    const auto token = test::Small_reader::token(std::u16string(narrow.begin(), narrow.end()));
     std::vector<std::int64_t> offsets;
     for (const auto& [hash, record] : table.pairs) {
         if (reader.values(record, index) == test::Small_reader::Values{token})

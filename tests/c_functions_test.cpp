@@ -27,7 +27,8 @@ class Dsmake_h : public testing::Test {
 protected:
     Dsmake_h() {
         place_.write("in", "Ann O'Neil\t4111 1111\tCork\nBob\t-\tKöln\nann o'neil\t5\tX\n");
-        EXPECT_EQ(place_.run(build_arguments(std::string(SCHEMA), {"Name", "Card"})).exit_status, 0);
+        EXPECT_EQ(place_.run(build_arguments(std::string(SCHEMA), {"Name", "Card"})).exit_status,
+                  0);
     }
 
     [[nodiscard]] Set open(unsigned flags = DSMAKE_HOLD_IN_MEMORY) const {

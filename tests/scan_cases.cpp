@@ -18,22 +18,44 @@ std::string one_of(const std::array<std::string_view, Size>& all, std::size_t at
 // Letters with case, marks apart and together, characters that grow or look at their neighbours,
 // scripts without blanks, what joins words and what does not, bytes that are no UTF-8.
 std::string Scan_case_maker::piece() {
-    static constexpr auto PIECES = std::to_array<std::string_view>(
-        {"a",      "b",        "A",       "B",       "s",       "ann",     "Ann",     "O",
-         "O'B",    "O’B",      "Σ",       "ς",       "σ",       "É",       "E\u0301", "e\u0301",
-         "İ",      "i\u0307",  "J\u030C", "王",      "李",      "か\u3099", "ｶﾞ",      "\u0344",
-         "한",     "\u1112\u1161", "1",   "2",       "12",      "4111",    "٣",       "９",
-         "𝟙",      "😀",       "1,2",     "1.a",     "a.b",     "a_b",     "-\u0301", "\x01",
-         "a a a",  "\xFF",     "\xC3",    "\xED\xA0\x80", "\u00AD", "\u200B", "\u200C", "\u2060",
-         "\uFEFF", "\u0301",   "+",       "(",       ")",       "/",       "𐐀",       "ᾼ"});
+    static constexpr auto PIECES = std::to_array<std::string_view>({"a",       "b",
+                                                                    "A",       "B",
+                                                                    "s",       "ann",
+                                                                    "Ann",     "O",
+                                                                    "O'B",     "O’B",
+                                                                    "Σ",       "ς",
+                                                                    "σ",       "É",
+                                                                    "E\u0301", "e\u0301",
+                                                                    "İ",       "i\u0307",
+                                                                    "J\u030C", "王",
+                                                                    "李",      "か\u3099",
+                                                                    "ｶﾞ",      "\u0344",
+                                                                    "한",      "\u1112\u1161",
+                                                                    "1",       "2",
+                                                                    "12",      "4111",
+                                                                    "٣",       "９",
+                                                                    "𝟙",       "😀",
+                                                                    "1,2",     "1.a",
+                                                                    "a.b",     "a_b",
+                                                                    "-\u0301", "\x01",
+                                                                    "a a a",   "\xFF",
+                                                                    "\xC3",    "\xED\xA0\x80",
+                                                                    "\u00AD",  "\u200B",
+                                                                    "\u200C",  "\u2060",
+                                                                    "\uFEFF",  "\u0301",
+                                                                    "+",       "(",
+                                                                    ")",       "/",
+                                                                    "𐐀",       "ᾼ"});
     return one_of(PIECES, below(PIECES.size()));
 }
 
 std::string Scan_case_maker::joint() {
     static constexpr auto JOINTS = std::to_array<std::string_view>(
-        {"",  "",  "",  " ", " ", " ", " ", "-",      "-",      "  ",     "\u00A0", "\n", "\r\n",
-         "'", "’", "`", ".", ",", ":", "_", "\u2010", "\u2212", "\u2003", "\u2028", "\t", "'s ",
-         "’s", "\u0020\u0301", "         "});
+        {"",         "",       "",       " ",      " ",   " ",    " ",
+         "-",        "-",      "  ",     "\u00A0", "\n",  "\r\n", "'",
+         "’",        "`",      ".",      ",",      ":",   "_",    "\u2010",
+         "\u2212",   "\u2003", "\u2028", "\t",     "'s ", "’s",   "\u0020\u0301",
+         "         "});
     return one_of(JOINTS, below(JOINTS.size()));
 }
 
@@ -46,9 +68,9 @@ std::string Scan_case_maker::value() {
 }
 
 std::string Scan_case_maker::number() {
-    static constexpr auto PARTS = std::to_array<std::string_view>(
-        {"1", "2", "41", "11", "123", "1234567890123456", "DE", "x", "ab", "٣", "9", "+", "(",
-         ")", "/", "A1", "b2"});
+    static constexpr auto PARTS =
+        std::to_array<std::string_view>({"1", "2", "41", "11", "123", "1234567890123456", "DE", "x",
+                                         "ab", "٣", "9", "+", "(", ")", "/", "A1", "b2"});
     static constexpr auto BETWEEN = std::to_array<std::string_view>({"", "", "-", " ", " "});
     std::string text = one_of(PARTS, below(PARTS.size()));
     for (std::size_t left = below(7); left > 0; --left) {
@@ -118,13 +140,22 @@ Scan_case Scan_case_maker::make() {
         if (field == 0 || below(2) == 0) keys.insert(keys.begin(), name);
     }
     Rows rows;
-    const std::size_t records = below(4) == 0 ? 60 : 1 + below(12);
+    const std::size_t records = below(3) == 0 ? 60 : 1 + below(12);
+    // Of some fields all records have one of two values, so that many share them.
+    std::vector<std::vector<std::string>> shared(fields);
+    for (std::size_t field = 0; field < fields; ++field) {
+        if (below(3) == 0)
+            shared[field] = {value_of_type(types[field]), value_of_type(types[field])};
+    }
     for (std::size_t record = 0; record < records; ++record) {
         const bool repeats = record > 0 && below(4) == 0;
         auto& row = rows.emplace_back();
         for (const std::string_view type : types) {
+            const auto& pool = shared[row.size()];
             const bool is_same = repeats && below(4) != 0;
-            row.push_back(is_same ? rows[record - 1][row.size()] : value_of_type(type));
+            row.push_back(is_same        ? rows[record - 1][row.size()]
+                          : pool.empty() ? value_of_type(type)
+                                         : pool[below(pool.size())]);
         }
     }
     Scan_case made{version2(schema, keys, rows), text(rows), {}, 1 + below(fields), {}, schema};

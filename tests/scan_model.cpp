@@ -45,13 +45,25 @@ const std::string& category(char32_t code) {
     static const Categories CATEGORIES;
     return CATEGORIES.of(code);
 }
-bool is_l(char32_t code) { return category(code)[0] == 'L'; }
-bool is_m(char32_t code) { return category(code)[0] == 'M'; }
-bool is_nd(char32_t code) { return category(code) == "Nd"; }
-bool is_plain_letter(char32_t c) { return (c >= U'A' && c <= U'Z') || (c >= U'a' && c <= U'z'); }
-bool is_surrogate(char32_t code) { return code >= 0xD800 && code <= 0xDFFF; }
+bool is_l(char32_t code) {
+    return category(code)[0] == 'L';
+}
+bool is_m(char32_t code) {
+    return category(code)[0] == 'M';
+}
+bool is_nd(char32_t code) {
+    return category(code) == "Nd";
+}
+bool is_plain_letter(char32_t c) {
+    return (c >= U'A' && c <= U'Z') || (c >= U'a' && c <= U'z');
+}
+bool is_surrogate(char32_t code) {
+    return code >= 0xD800 && code <= 0xDFFF;
+}
 
-bool is_one_of(char32_t code, std::u32string_view set) { return set.find(code) != set.npos; }
+bool is_one_of(char32_t code, std::u32string_view set) {
+    return set.find(code) != set.npos;
+}
 
 void append(std::u16string& text, char32_t code) {
     char16_t units[2];
@@ -120,9 +132,8 @@ void Scan_model::decode(std::string_view text) {
 }
 
 Scan_model::Reading Scan_model::loosened(Reading reading) {
-    std::erase_if(reading, [](const Read_char& c) {
-        return is_one_of(c.code, U"\u00AD\u2060\uFEFF");
-    });
+    std::erase_if(reading,
+                  [](const Read_char& c) { return is_one_of(c.code, U"\u00AD\u2060\uFEFF"); });
     for (Read_char& c : reading) {
         if (c.code == 0x200B) c.code = U' ';
         if (is_one_of(c.code, U"`\u00B4\u02BC\u2018\u2019\uFF07")) c.code = U'\'';
@@ -282,10 +293,10 @@ void Scan_model::add_stretches(const std::vector<Span>& words) {
             if (!is_group(word)) break;
             if (i > first) {
                 const std::size_t from = words[last].last + 1;
-                const auto line_ends = std::count_if(
-                    loose_.begin() + static_cast<std::ptrdiff_t>(from),
-                    loose_.begin() + static_cast<std::ptrdiff_t>(word.first),
-                    [](const Read_char& c) { return c.code == U'\n'; });
+                const auto line_ends =
+                    std::count_if(loose_.begin() + static_cast<std::ptrdiff_t>(from),
+                                  loose_.begin() + static_cast<std::ptrdiff_t>(word.first),
+                                  [](const Read_char& c) { return c.code == U'\n'; });
                 const std::size_t characters = word.first - from;
                 const bool joins = characters >= 1 && characters <= 8 && line_ends <= 1 &&
                                    is_gap(from, word.first);
@@ -337,10 +348,9 @@ std::vector<Scan_model::Span> Scan_model::occurrences(const Values& values,
     std::vector<Span> found;
     for (const std::vector<Token>& tokens : readings_.at(type)) {
         for (std::size_t i = 0; i + values.size() <= tokens.size(); ++i) {
-            const bool fits =
-                std::equal(values.begin(), values.end(),
-                           tokens.begin() + static_cast<std::ptrdiff_t>(i),
-                           [](std::uint64_t value, const Token& t) { return value == t.value; });
+            const bool fits = std::equal(
+                values.begin(), values.end(), tokens.begin() + static_cast<std::ptrdiff_t>(i),
+                [](std::uint64_t value, const Token& t) { return value == t.value; });
             if (fits) {
                 found.push_back({tokens[i].span.first, tokens[i + values.size() - 1].span.last});
             }

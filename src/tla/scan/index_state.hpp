@@ -29,6 +29,8 @@ public:
 
     // Checks the records and what the fields are; after keys.
     void take_records(scl::Scl_status& status);
+    // The most bytes that tables of pairs may take.
+    [[nodiscard]] std::uint64_t room_for_pairs() const;
     // Of all records; made when first asked for, by whichever thread comes first.
     [[nodiscard]] const Scan_tables& tables() const;
     // Null when they are not made yet.
@@ -36,10 +38,18 @@ public:
         return tables_at_hand_.load(std::memory_order_acquire);
     }
 
+    // Whether one more short text should do without them.
+    [[nodiscard]] bool does_without_tables() const {
+        constexpr unsigned FEW_TEXTS = 2;
+        return tables_at_hand() == nullptr &&
+               short_texts_.fetch_add(1, std::memory_order_relaxed) < FEW_TEXTS;
+    }
+
 private:
     mutable std::once_flag tables_flag_;
     mutable std::unique_ptr<const Scan_tables> tables_;
     mutable std::atomic<const Scan_tables*> tables_at_hand_ = nullptr;
+    mutable std::atomic<unsigned> short_texts_ = 0;
 };
 
 // Lets the room's own code see an index's state.

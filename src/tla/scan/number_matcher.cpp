@@ -107,12 +107,7 @@ void Number_matcher::read(const Chunk_words& words, const Chunk_place& place,
     place_ = &place;
     tables_ = &tables;
     take_ = &take;
-    const std::u16string_view text = words.number_text;
-    for (const Number_word& word : words.number_words) {
-        pass_gap(word.gap_characters, word.gap_line_ends, word.gap_is_clean);
-        read_word(word, text.substr(word.text.begin, word.text.end - word.text.begin));
-    }
-    pass_gap(words.tail_characters, words.tail_line_ends, words.tail_is_clean);
+    read_words(words);
     for (const Chunk_token& word : words.written_numbers) {
         const std::uint64_t hash = hashes_.extended(hashes_.start(Value_kind::number), word.value);
         if (!tables.ask(hash).is_value) continue;
@@ -120,6 +115,26 @@ void Number_matcher::read(const Chunk_words& words, const Chunk_place& place,
         take({hash, first, place.last_word_of(word.span), place.end_of(word.span),
               place.line_at(first.byte), Value_kind::number});
     }
+}
+
+void Number_matcher::gather(const Chunk_words& words, const Chunk_place& place,
+                            const Take_value& take) {
+    place_ = &place;
+    take_value_ = &take;
+    read_words(words);
+    take_value_ = nullptr;
+    for (const Chunk_token& word : words.written_numbers) {
+        take(word.value);
+    }
+}
+
+void Number_matcher::read_words(const Chunk_words& words) {
+    const std::u16string_view text = words.number_text;
+    for (const Number_word& word : words.number_words) {
+        pass_gap(word.gap_characters, word.gap_line_ends, word.gap_is_clean);
+        read_word(word, text.substr(word.text.begin, word.text.end - word.text.begin));
+    }
+    pass_gap(words.tail_characters, words.tail_line_ends, words.tail_is_clean);
 }
 
 void Number_matcher::read_word(const Number_word& word, std::u16string_view text) {
@@ -179,6 +194,7 @@ void Number_matcher::add_stretch(const Group& group, std::u16string& text) {
 // Has memory bring the filter's answer while others are worked out.
 void Number_matcher::add_item(Text_place first, std::uint64_t first_number, bool is_stretch,
                               std::uint64_t value) {
+    if (take_value_ != nullptr) return (*take_value_)(value);
     const std::uint64_t alone = hashes_.extended(hashes_.start(Value_kind::number), value);
     tables_->prefetch(alone);
     items_.push_back({first, first_number, is_stretch, value, alone});

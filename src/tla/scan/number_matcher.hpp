@@ -42,6 +42,10 @@ public:
     // A chunk of no interest that is one group of letters and may end none; while idle.
     void pass_group(std::string_view letters, Text_place place);
 
+    // Shows the token values of all items to `take`, whatever they begin.
+    using Take_value = std::function<void(std::uint64_t)>;
+    void gather(const Chunk_words& words, const Chunk_place& place, const Take_value& take);
+
     using Take = std::function<void(const Occurrence&)>;
     void read(const Chunk_words& words, const Chunk_place& place, const Scan_tables& tables,
               const Take& take);
@@ -78,6 +82,7 @@ private:
     void add_group(const Number_word& word, std::u16string_view text, Text_place first);
     void drop_groups();
     void drop_beginnings();
+    void read_words(const Chunk_words& words);
     void pass_gap(std::uint32_t characters, std::uint32_t line_ends, bool is_clean);
     void read_word(const Number_word& word, std::u16string_view text);
     void add_stretches();
@@ -103,6 +108,7 @@ private:
     const Chunk_place* place_ = nullptr;
     const Scan_tables* tables_ = nullptr;
     const Take* take_ = nullptr;
+    const Take_value* take_value_ = nullptr; // while values are gathered, and nothing else is done
     Chunk_span span_{};
 };
 

@@ -24,6 +24,7 @@ Record_judge::Record_judge(const Index_state& index, std::size_t least,
 void Record_judge::start(const Scan_tables& tables) {
     reported_.clear();
     done_.clear();
+    done_here_.clear();
     checked_.clear();
     if (tables_ == &tables) return;
     tables_ = &tables;
@@ -140,7 +141,7 @@ void Record_judge::judge_pairs(const Occurrence& key, const Record_table& pairs,
         if (least_ > 2) {
             static_cast<void>(judge_pair(pair, key, pairs, window, found));
         } else if (!done_.contains(pair) && judge_pair(pair, key, pairs, window, found)) {
-            done_.insert(pair);
+            done_here_.push_back(pair);
         }
     }
 }

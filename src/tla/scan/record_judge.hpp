@@ -46,6 +46,12 @@ public:
     // All occurrences within its reach are in the window.
     void judge(const Occurrence& key, const Occurrence_window& window,
                std::vector<Found_record>& found);
+    // All occurrences at one place are judged. Until then a pair is asked for once more where it
+    // stands the other way round, as the key that is named first is told.
+    void end_place() {
+        done_.insert(done_here_.begin(), done_here_.end());
+        done_here_.clear();
+    }
     void mark_reported(std::uint64_t place) { reported_.add(index_.records->number_of(place)); }
     [[nodiscard]] bool is_reported(std::uint64_t place) const {
         return reported_.holds(index_.records->number_of(place));
@@ -79,6 +85,7 @@ private:
     // field is enough, those of pairs, by the hash of both; and for a key's value how far the
     // window was gone through.
     std::unordered_set<std::uint64_t> done_;
+    std::vector<std::uint64_t> done_here_; // at the place that is judged
     std::unordered_map<std::uint64_t, std::uint64_t> checked_;
     std::vector<std::size_t> fields_; // of the record at hand
 };

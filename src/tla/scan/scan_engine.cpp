@@ -11,6 +11,17 @@ namespace {
 // Behind the buffer's text, for what is read in blocks.
 constexpr std::size_t PADDING = 64;
 
+// Of fewer records tables are made in no time.
+std::size_t short_text_of(const Index_state& index) {
+    constexpr std::uint64_t MANY_RECORDS = 100'000;
+    return index.records->count() < MANY_RECORDS ? 0 : std::size_t{32} << 10;
+}
+
+std::size_t least_of(const Index_state& index, const Tla_scan_options& options) {
+    const auto usual = std::min<std::size_t>(index.header.fields.size(), 2);
+    return std::max<std::size_t>(options.least.value_or(usual), 1);
+}
+
 std::array<bool, VALUE_KINDS> kinds_of(const Index_state& index) {
     std::array<bool, VALUE_KINDS> kinds{};
     for (std::size_t kind = 0; kind < VALUE_KINDS; ++kind) {
@@ -24,6 +35,8 @@ std::array<bool, VALUE_KINDS> kinds_of(const Index_state& index) {
 Tla_text_scan::Engine::Engine(const Index_state& index, const Tla_scan_options& options)
     : index_(index),
       is_converted_(options.is_converted),
+      least_(least_of(index, options)),
+      short_text_(options.short_text.value_or(short_text_of(index))),
       within_(options.within),
       window_bytes_(std::max<std::size_t>(options.window, 1)),
       has_numbers_(kinds_of(index)[static_cast<std::size_t>(Value_kind::number)]),
@@ -32,34 +45,62 @@ Tla_text_scan::Engine::Engine(const Index_state& index, const Tla_scan_options& 
       sequences_{Sequence_matcher(Value_kind::simple, index.hashes),
                  Sequence_matcher(Value_kind::lower, index.hashes)},
       numbers_(index.hashes),
-      judge_(index,
-             std::max<std::size_t>(
-                 options.least.value_or(std::min<std::size_t>(index.fields.size(), 2)), 1),
-             options.within),
+      judge_(index, least_, options.within),
       has_one_field_(index.records->kinds().size() == 1) {}
 
 void Tla_text_scan::Engine::start(Tla_scan_listener& listener) {
     is_over_ = true; // should what follows fail
+    gathered_ = nullptr;
     listener_ = &listener;
     decoder_.start(is_converted_);
     buffer_.clear();
     buffer_at_ = 0;
-    scanned_ = 0;
     uncut_ = 0;
+    start_reading();
+    window_.clear();
+    keys_.clear();
+    texts_.clear();
+    if (cached_of_ == small_tables_.get()) cached_of_ = nullptr;
+    small_tables_.reset();
+    tables_ = nullptr;
+    if (short_text_ == 0 || !index_.does_without_tables()) use(index_.tables());
+    is_over_ = false;
+}
+
+// Of a text, from its front.
+void Tla_text_scan::Engine::start_reading() {
+    scanned_ = 0;
     place_ = {};
     for (Sequence_matcher& matcher : sequences_) {
         matcher.start();
     }
     numbers_.start();
     lines_.start(0);
-    window_.clear();
-    keys_.clear();
-    texts_.clear();
-    const Scan_tables& tables = index_.tables();
-    if (tables_ != &tables) cache_.clear(); // what it holds was of others
+}
+
+// What is known of chunks was found in the tables before, if they were others.
+void Tla_text_scan::Engine::use(const Scan_tables& tables) {
+    if (cached_of_ != &tables) cache_.clear();
+    cached_of_ = &tables;
     tables_ = &tables;
     judge_.start(tables);
-    is_over_ = false;
+}
+
+// The text is in the buffer.
+void Tla_text_scan::Engine::make_small_tables() {
+    Value_set values(index_.hashes);
+    gathered_ = &values;
+    buffer_.append(PADDING, '\0');
+    scan_text(std::string_view(buffer_).substr(0, buffer_.size() - PADDING));
+    buffer_.resize(buffer_.size() - PADDING);
+    gathered_ = nullptr;
+    start_reading();
+    const auto places = records_with(values, *index_.records, index_.key_order, least_);
+    if (!places) return use(index_.tables());
+    small_tables_ = std::make_unique<const Scan_tables>(
+        *index_.records, index_.key_order, index_.hashes, index_.room_for_pairs(), *places);
+    cached_of_ = nullptr;
+    use(*small_tables_);
 }
 
 bool Tla_text_scan::Engine::feed(std::span<const std::byte> bytes) {
@@ -69,6 +110,7 @@ bool Tla_text_scan::Engine::feed(std::span<const std::byte> bytes) {
         is_over_ = true; // until this is done
         decoder_.decode(piece, buffer_);
         is_over_ = false;
+        if (tables_ == nullptr && buffer_.size() <= short_text_) continue;
         if (buffer_.size() - scanned_ >= window_bytes_) scan_buffer(false);
     }
     return !is_over_;
@@ -88,6 +130,13 @@ bool Tla_text_scan::Engine::finish() {
 
 // Where an exception leaves, the text is over.
 void Tla_text_scan::Engine::scan_buffer(bool is_end) try {
+    if (tables_ == nullptr) {
+        if (is_end && buffer_.size() <= short_text_) {
+            make_small_tables();
+        } else {
+            use(index_.tables());
+        }
+    }
     const std::size_t size = buffer_.size();
     const std::size_t end = is_end ? size : last_cut(buffer_, std::max(uncut_, scanned_));
     if (end > scanned_) {
@@ -146,6 +195,7 @@ void Tla_text_scan::Engine::scan_text(std::string_view text) {
 }
 
 void Tla_text_scan::Engine::scan_chunk(std::string_view chunk, bool is_ascii) {
+    if (gathered_ != nullptr) return gather_chunk(reader_.read(chunk, is_ascii));
     const bool is_short = chunk.size() <= Chunk_cache::MOST_BYTES;
     if (is_short && pass_known(chunk)) return;
     const Chunk_words& words = reader_.read(chunk, is_ascii);
@@ -224,6 +274,19 @@ void Tla_text_scan::Engine::read_chunk(const Chunk_words& words) {
                               *tables_, take_one);
     }
     if (has_numbers_) numbers_.read(words, place, *tables_, take_one);
+}
+
+void Tla_text_scan::Engine::gather_chunk(const Chunk_words& words) {
+    for (const auto& readings : words.forms) {
+        for (std::size_t i = 0; i < words.reading_count; ++i) {
+            for (const Chunk_token& token : readings[i].tokens) {
+                gathered_->add(token.value);
+            }
+        }
+    }
+    if (!has_numbers_) return;
+    const Chunk_place place(place_, words, lines_);
+    numbers_.gather(words, place, [this](std::uint64_t value) { gathered_->add(value); });
 }
 
 } // namespace tla

@@ -7,11 +7,13 @@
 #include "tla/scan/occurrence_window.hpp"
 #include "tla/scan/record_judge.hpp"
 #include "tla/scan/sequence_matcher.hpp"
+#include "tla/scan/small_text.hpp"
 #include "tla/scan/text_decoder.hpp"
 #include "tla/scan/tla_text_scan.hpp"
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -33,6 +35,9 @@ public:
     bool finish();
 
 private:
+    void use(const Scan_tables& tables);
+    void make_small_tables();
+    void start_reading();
     void scan_buffer(bool is_end);
     void scan_text(std::string_view text);
     void scan_chunk(std::string_view chunk, bool is_ascii);
@@ -42,6 +47,7 @@ private:
                                              const Chunk_words& words) const;
     [[nodiscard]] bool begins_value(Value_kind kind, std::uint64_t value) const;
     void read_chunk(const Chunk_words& words);
+    void gather_chunk(const Chunk_words& words);
     void drop_text();
 
     void take(const Occurrence& occurrence);
@@ -56,8 +62,12 @@ private:
     [[nodiscard]] std::string_view text_at(std::uint64_t byte, std::uint64_t end) const;
 
     const Index_state& index_;
-    const Scan_tables* tables_ = nullptr;
+    const Scan_tables* tables_ = nullptr;             // null while a short text waits for its end
+    std::unique_ptr<const Scan_tables> small_tables_; // of a short text
+    Value_set* gathered_ = nullptr;                   // while its values are gathered
     bool is_converted_;
+    std::size_t least_;
+    std::size_t short_text_; // bytes
     std::optional<std::uint64_t> within_;
     std::size_t window_bytes_;
     Tla_scan_listener* listener_ = nullptr;
@@ -72,6 +82,7 @@ private:
 
     bool has_numbers_;
     Chunk_cache cache_;
+    const Scan_tables* cached_of_ = nullptr; // the tables that it was asked of
     Chunk_reader reader_;
     std::array<Sequence_matcher, 2> sequences_;
     Number_matcher numbers_;

@@ -125,6 +125,7 @@ void Tla_text_scan::Engine::judge_batch() {
         const bool is_current = occurrence.first.byte == key.byte && occurrence.end == key.end;
         if (is_current) judge_.judge(occurrence, window_, found_);
     }
+    judge_.end_place();
     if (!found_.empty()) report(batch_.front().byte);
 }
 

@@ -47,15 +47,20 @@ void name_file(std::u16string_view name, scl::Scl_status& status) {
 
 } // namespace
 
+// All tables together may take half of the file's size and 64 MiB, of which some is left for scans.
+std::uint64_t Index_state::room_for_pairs() const {
+    constexpr std::uint64_t ALLOWANCE = std::uint64_t{48} << 20U;
+    const Value_totals& totals = records->totals();
+    const std::uint64_t others =
+        totals.sequences / 8 + Record_table::bytes_of(totals.key_values, records->size());
+    const std::uint64_t most = file.size() / 2 + ALLOWANCE;
+    return most > others ? most - others : 0;
+}
+
 const Scan_tables& Index_state::tables() const {
     std::call_once(tables_flag_, [this] {
-        constexpr std::uint64_t ALLOWANCE = std::uint64_t{48} << 20U;
-        const std::uint64_t others =
-            records->totals().sequences +
-            Record_table::bytes_of(records->totals().key_values, records->size());
-        const std::uint64_t most = file.size() / 2 + ALLOWANCE;
-        tables_ = std::make_unique<const Scan_tables>(*records, key_order, hashes,
-                                                      most > others ? most - others : 0);
+        tables_ =
+            std::make_unique<const Scan_tables>(*records, key_order, hashes, room_for_pairs());
         tables_at_hand_.store(tables_.get(), std::memory_order_release);
     });
     return *tables_;

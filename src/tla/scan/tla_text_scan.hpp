@@ -47,13 +47,17 @@ public:
 struct Tla_scan_options {
     // How many fields of a record must occur, the key among them. None: 2, or 1 where records have
     // one field. 0 counts as 1; more than there are fields is in no text.
-    std::optional<std::size_t> least;
+    std::optional<std::size_t> least = {};
     // How many words the other fields may be away from the key. None: no bound, which keeps what is
     // found until the text ends.
     std::optional<std::uint64_t> within = 100;
     // The text comes in UTF-8 from a converter: two bytes that look like a mark of UTF-16 are none,
     // and a mark that is left in front does not count for the places.
     bool is_converted = false;
+    // Up to how many bytes a text is scanned without tables of all records, where there are none
+    // yet: each such text takes a pass over the records, so that no more than the first two are
+    // scanned so. None: what pays for a data set of that many records.
+    std::optional<std::size_t> short_text = {};
     // About how many bytes of a text are gone through at a time. It makes no difference to what is
     // found.
     std::size_t window = std::size_t{256} << 10;

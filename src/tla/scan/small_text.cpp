@@ -1,0 +1,43 @@
+#include "tla/scan/small_text.hpp"
+
+#include <algorithm>
+
+namespace tla {
+
+namespace {
+
+constexpr std::uint64_t RECORDS_A_PLACE = 16;
+constexpr std::uint64_t FEW_PLACES = 1024;
+
+bool has_all(const Value_set& set, std::span<const std::byte> values) {
+    for (std::size_t i = 0; i < values.size() / TLA_TOKEN_VALUE_BYTES; ++i) {
+        if (!set.may_hold(tla_value_at(values, i))) return false;
+    }
+    return !values.empty();
+}
+
+} // namespace
+
+std::optional<std::vector<std::uint64_t>> records_with(const Value_set& values,
+                                                       const Data_set_records& records,
+                                                       const Key_order& key_order,
+                                                       std::size_t least) {
+    std::vector<std::uint64_t> places;
+    const std::uint64_t most = std::max(records.count() / RECORDS_A_PLACE, FEW_PLACES);
+    records.each_record([&](std::uint64_t place) {
+        std::size_t fields = 0;
+        bool has_key = false;
+        const std::uint64_t next =
+            records.each_field(place, [&](std::size_t field, std::span<const std::byte> own) {
+                if (!has_all(values, own)) return;
+                ++fields;
+                has_key |= key_order[field] != NO_KEY;
+            });
+        if (has_key && fields >= least && places.size() <= most) places.push_back(place);
+        return next;
+    });
+    if (places.size() > most) return {};
+    return places;
+}
+
+} // namespace tla
