@@ -18,7 +18,7 @@ std::size_t short_text_of(const Index_state& index) {
 }
 
 std::size_t least_of(const Index_state& index, const Tla_scan_options& options) {
-    const auto usual = std::min<std::size_t>(index.header.fields.size(), 2);
+    const auto usual = std::min<std::size_t>(index.fields.size(), 2);
     return std::max<std::size_t>(options.least.value_or(usual), 1);
 }
 
