@@ -6,10 +6,18 @@ set -eu
 here=$(cd "$(dirname "$(readlink -f "$0")")" && pwd)
 build=$here/build/run
 program=$build/src/driver/dsmake
-lookup=$build/examples/lookup/lookup
-scan=$build/examples/scan/scan
+dslookup=$build/src/dslookup/dslookup
+dsscan=$build/src/dsscan/dsscan
 
-is_built() { [ -x "$program" ] && [ -x "$lookup" ] && [ -x "$scan" ]; }
+# A path as a shell takes it, in quotation marks only where it needs them.
+quoted() {
+    case $1 in
+    *[!A-Za-z0-9_./+-]*) printf "'%s'" "$(printf %s "$1" | sed "s/'/'\\\\''/g")" ;;
+    *) printf %s "$1" ;;
+    esac
+}
+
+is_built() { [ -x "$program" ] && [ -x "$dslookup" ] && [ -x "$dsscan" ]; }
 
 # A checkout that is built and cannot be written is used as it is.
 if [ -w "$here" ] || ! is_built; then
@@ -18,7 +26,7 @@ if [ -w "$here" ] || ! is_built; then
         echo 'Compiling dsmake, which takes about a minute the first time.'
     log=$(mktemp)
     {
-        cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release -DDSMAKE_EXAMPLES=ON
+        cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release
         cmake --build "$build"
     } >"$log" 2>&1 || { cat "$log" >&2; rm -f "$log"; exit 1; }
     rm -f "$log"
@@ -36,8 +44,8 @@ echo "1. An index of the customers in examples/customers.tsv, who are all invent
 echo
 echo "  dsmake -k Surname -k CardNum -s \"$schema\" -i customers.tsv -o customers.ds"
 "$program" -k Surname -k CardNum -s "$schema" -i "$here/examples/customers.tsv" -o customers.ds
-echo '  lookup customers.ds'
-"$lookup" customers.ds | sed 's/^/    /'
+echo '  dslookup customers.ds'
+"$dslookup" customers.ds | sed 's/^/    /'
 echo
 echo "   It takes $(wc -c <customers.ds) bytes and holds none of their names, only what these come to as" \
     'numbers.'
@@ -45,15 +53,15 @@ echo "   It takes $(wc -c <customers.ds) bytes and holds none of their names, on
 echo
 echo "2. Is there a customer of this name? Capitals make no difference in a surname:"
 echo
-echo "  lookup customers.ds Surname \"o'brien\""
-"$lookup" customers.ds Surname "o'brien" | sed 's/^/    /'
+echo "  dslookup customers.ds Surname \"o'brien\""
+"$dslookup" customers.ds Surname "o'brien" | sed 's/^/    /'
 
 echo
 echo '3. Does this letter hold any of them?'
 echo
-echo '  scan customers.ds letter.txt'
+echo '  dsscan customers.ds letter.txt'
 cd "$here/examples"
-found=$("$scan" "$out/customers.ds" letter.txt)
+found=$("$dsscan" "$out/customers.ds" letter.txt)
 echo "$found" | sed 's/^/    /'
 cat <<END
 
@@ -63,10 +71,10 @@ cat <<END
    Wrighton, a Smith without a first name, and a card number with two digits exchanged, is left out.
 
 Try next:
-  less $here/examples/letter.txt
-  $scan -m 1 $out/customers.ds $here/examples/letter.txt
+  less $(quoted "$here/examples/letter.txt")
+  $(quoted "$dsscan") -m 1 $(quoted "$out/customers.ds") $(quoted "$here/examples/letter.txt")
       # also says who shares no more than the surname
-  echo 'Karl-Heinz Groß was here.' | $scan $out/customers.ds -
-  $here/run.sh -k Name -s 'Name,SimpleNC' -i YOURS.txt -o yours.ds
+  echo 'Karl-Heinz Groß was here.' | $(quoted "$dsscan") $(quoted "$out/customers.ds") -
+  $(quoted "$here/run.sh") -k Name -s 'Name,SimpleNC' -i YOURS.txt -o yours.ds
       # README.md says what may stand in such a file, docs/scanning.md what a scan finds
 END

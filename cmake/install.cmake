@@ -1,9 +1,10 @@
 # What is installed beside the program and the library, uninstalling, and Debian packages: dsmake
-# (the program) and libdsmake-dev (the library).
+# (the programs) and libdsmake-dev (the library).
 set(PROGRAM_DOCS ${CMAKE_INSTALL_DATADIR}/doc/dsmake)
 set(LIBRARY_DOCS ${CMAKE_INSTALL_DATADIR}/doc/libdsmake-dev)
 
-install(FILES docs/man/dsmake.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
+install(FILES docs/man/dsmake.1 docs/man/dslookup.1 docs/man/dsscan.1
+    DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT program)
 install(FILES docs/man/dsmake.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5 COMPONENT program)
 install(FILES README.md CHANGELOG.md docs/unicode-license.txt
     DESTINATION ${PROGRAM_DOCS} COMPONENT program)
@@ -30,8 +31,8 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "index of a table's values without its tex
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_NAME dsmake)
-set(CPACK_DEBIAN_PROGRAM_DESCRIPTION "This is the program that makes data set files from tables of text.
- A data set file tells whether a value, such as a name or card number, occurs
+set(CPACK_DEBIAN_PROGRAM_DESCRIPTION "These are the programs that make data set files from tables of text, look
+ values up in them and scan texts for their records. A data set file tells whether a value, such as a name or card number, occurs
  in a field of a table, and in which records, without holding the text.")
 set(CPACK_DEBIAN_PROGRAM_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME libdsmake-dev)

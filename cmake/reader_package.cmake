@@ -9,6 +9,8 @@ set(DSMAKE_READER_HEADERS
     src/tla/read/entries/tla_data_set_entry_file.hpp
     src/tla/scan/tla_scan_index.hpp
     src/tla/scan/tla_text_scan.hpp
+    src/tla/scan/tla_scan_index.hpp
+    src/tla/scan/tla_text_scan.hpp
     src/records/values/field_descriptor.hpp
     src/records/values/tla_padded_buffer.hpp
     src/records/values/tla_formatters.hpp

@@ -1,6 +1,6 @@
 #!/bin/sh
 # library_test.sh BUILD SOURCE SHARED: installs the build to a prefix of its own, moves that, and
-# uses the library from there in C++, C and, by the shared library SHARED, in Python.
+# uses the library from there in C++ and C; looks at what the shared library SHARED shows.
 set -eu
 build=$1
 source=$2
@@ -48,27 +48,3 @@ echo 'C programs use it'
 cc -std=c99 -pedantic -Wall -Wextra -Werror "$source/tests/c_interface_test.c" -o c_test \
     $(pkg-config --cflags --libs --static dsmake)
 LD_LIBRARY_PATH=$(pkg-config --variable=libdir dsmake) ./c_test data
-
-echo 'So does Python'
-DSMAKE_LIBRARY=$shared
-export DSMAKE_LIBRARY
-look_up() { # STATUS ARGUMENTS...
-    wanted=$1
-    shift
-    status=0
-    "$source/examples/python/lookup.py" "$@" >out 2>&1 || status=$?
-    test $status = "$wanted"
-}
-look_up 0 data Name ' a B7 '
-test "$(cat out)" = 'Name "a B7": 1 record (267)'
-look_up 1 data Name "$(printf 'x\001\377')"
-test "$(cat out)" = 'Name "x\x01\xFF": 0 records'
-look_up 2 data Place c
-test "$(cat out)" = 'data: no such key: Place'
-look_up 2 data.tsv Name x
-grep -q "^data.tsv: 0xC2012521: 'data.tsv' is no data set file" out
-look_up 2 none Name x
-grep -q '^none: 0xC2012515: ' out
-DSMAKE_LIBRARY=$place/none.so look_up 2 data Name x
-grep -q 'none.so' out
-look_up 2

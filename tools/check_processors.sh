@@ -1,6 +1,6 @@
 #!/bin/sh
 # check_processors.sh [RECORDS]: builds dsmake for processors of another width or byte order, runs it
-# in an emulator, and compares files, lookups and an upgrade with those of this machine, by default
+# in an emulator, and compares files, lookups, scans and an upgrade with those of this machine, by default
 # of 20,000 records of several scripts. Works under build/processors.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -9,13 +9,13 @@ work=$root/build/processors
 "$root/tools/setup.sh" g++ cmake ninja-build python3 libgtest-dev unicode-data bzip2 g++-aarch64-linux-gnu \
     g++-s390x-linux-gnu g++-i686-linux-gnu qemu-user:qemu-s390x
 
-# build NAME [OPTION ...]: dsmake and dslookup for it, optimised no more than the test needs.
+# build NAME [OPTION ...]: dsmake, dslookup and dsscan for it, optimised no more than the test needs.
 build() {
     name=$1
     shift
     cmake -G Ninja -S "$root" -B "$work/$name" -DCMAKE_BUILD_TYPE=None -DCMAKE_CXX_FLAGS=-O1 \
         "$@" >"$work/$name.log" &&
-        cmake --build "$work/$name" --target dsmake dslookup >>"$work/$name.log" || {
+        cmake --build "$work/$name" --target dsmake dslookup dsscan >>"$work/$name.log" || {
         cat "$work/$name.log"
         return 1
     }
@@ -37,6 +37,8 @@ answers() {
     for file in mixed.ds upgraded.ds; do
         "$@" "$programs/src/dslookup/dslookup" $file Surname <surnames >$file.found
     done
+    "$@" "$programs/src/dsscan/dsscan" -m 3 mixed.ds "$work/mixed.tsv" >finds
+    "$@" "$programs/src/dsscan/dsscan" customers.ds "$root/examples/letter.txt" >>finds
     cd "$root"
 }
 

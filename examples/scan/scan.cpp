@@ -1,94 +1,95 @@
-// Says which records of a data set file occur in texts.
+// Scans texts for the records of a data set file, each in a thread of its own.
 //
-//   scan [-m N] DATASET TEXT...
+//   scan DATASET TEXT...
 //
-// prints a line for each record and text in which a key field of the record and at least N fields
-// in all occur: 2 if not said, or 1 when records have one field. TEXT is a file of UTF-8, or - for
-// standard input. The exit status is 0 when a record was found, 1 when none was, 2 after a fault;
-// after a fault of one text, the others are scanned all the same. docs/scanning.md tells the rules.
+// prints what each text holds, in the order of the texts. The index is made once and shared; each
+// thread has a scan of its own. dsscan is the program for every day; this one shows the library.
 
-#include "report.hpp"
-#include "text_file.hpp"
+#include "scl/status/scl_status.hpp"
+#include "scl/status/scl_status_lookup.hpp"
+#include "scl/text/scl_string.hpp"
+#include "tla/scan/tla_scan_index.hpp"
+#include "tla/scan/tla_text_scan.hpp"
 
-#include <algorithm>
-#include <charconv>
-#include <cstdio>
-#include <limits>
-#include <new>
-#include <optional>
+#include <fstream>
+#include <future>
+#include <iostream>
+#include <memory>
 #include <span>
 #include <stdexcept>
-
-#include <unistd.h>
+#include <string>
+#include <vector>
 
 namespace {
 
-enum Exit_status { SOMETHING_FOUND = 0, NOTHING_FOUND = 1, FAULT = 2 };
-
-constexpr const char* USAGE = "usage: scan [-m N] DATASET TEXT...";
-
-// From 1 up; more than fit is more than there are fields.
-std::size_t least_from(std::string_view argument) {
-    std::size_t least = 0;
-    const char* const end = argument.data() + argument.size();
-    const auto [read, error] = std::from_chars(argument.data(), end, least);
-    if (read != end || least == 0) {
-        if (error != std::errc::result_out_of_range || read != end) {
-            throw std::invalid_argument(USAGE);
-        }
-        least = std::numeric_limits<std::size_t>::max();
-    }
-    return least;
+std::string narrow(std::u16string_view wide) {
+    std::string text;
+    scl::scl_wtos(wide, text, true);
+    return text;
 }
 
-void tell(const std::exception& fault) {
-    std::fprintf(stderr, "%s\n", fault.what());
+// Is told each find, and keeps a line of it. Only as long as it is told are the find's views valid.
+class Listener final : public tla::Tla_scan_listener {
+public:
+    explicit Listener(const tla::Tla_scan_index& index) : index_(index) {}
+
+    bool take(const tla::Tla_scan_find& find) override {
+        lines_ += "  line " + std::to_string(find.line) + ": " +
+                  narrow(index_.fields()[find.key].name) + " \"" + scl::scl_shown(find.text) +
+                  "\" and " + std::to_string(find.fields.size() - 1) + " other fields of record " +
+                  std::to_string(find.record) + '\n';
+        return true; // go on
+    }
+
+    [[nodiscard]] const std::string& lines() const { return lines_; }
+
+private:
+    const tla::Tla_scan_index& index_;
+    std::string lines_;
+};
+
+std::unique_ptr<const tla::Tla_scan_index> open_index(const std::string& name) {
+    std::u16string wide_name;
+    scl::scl_stow(name, wide_name);
+    scl::Scl_status status;
+    auto index = tla::Tla_scan_index::open(wide_name, {}, status); // by the file's own keys
+    if (!status.has_failed()) return index;
+    std::u16string text;
+    scl::Scl_status_lookup::to_string(status, text);
+    throw std::runtime_error(name + ": " + narrow(text));
 }
 
-// A fault of the text alone is told and does not end the scan.
-Exit_status scan_text(scan::Data_set& data_set, const std::string& name, std::size_t least) {
-    try {
-        const std::u16string text = scan::read_text(name);
-        try {
-            return scan::report_text(data_set, name, text, least) ? SOMETHING_FOUND : NOTHING_FOUND;
-        } catch (const std::length_error&) {
-            throw scan::File_fault(name, "more than 15,000,000 words and marks; split it");
-        } catch (const std::bad_alloc&) {
-            throw scan::File_fault(name, "there is not enough memory for it");
-        }
-    } catch (const scan::File_fault& fault) {
-        tell(fault);
-        return FAULT;
+std::string scan_text(const tla::Tla_scan_index& index, const std::string& name) {
+    std::ifstream file(name, std::ios::binary);
+    if (!file) return name + ": cannot be opened\n";
+    Listener listener(index);
+    tla::Tla_text_scan scan(index, {.least = 2, .within = 100});
+    scan.start(listener);
+    std::vector<char> piece(1U << 18U);
+    while (file) {
+        file.read(piece.data(), static_cast<std::streamsize>(piece.size()));
+        scan.feed(std::as_bytes(std::span(piece).first(static_cast<std::size_t>(file.gcount()))));
     }
-}
-
-Exit_status run(int argument_count, char** arguments) {
-    std::optional<std::size_t> least;
-    opterr = 0; // the usage says it
-    for (int option = 0; (option = getopt(argument_count, arguments, "m:")) != -1;) {
-        if (option != 'm') throw std::invalid_argument(USAGE);
-        least = least_from(optarg);
-    }
-    const std::span<char*> operands(arguments + optind, arguments + argument_count);
-    if (operands.size() < 2) throw std::invalid_argument(USAGE);
-    scan::Data_set data_set(operands.front());
-    const std::size_t usual = std::min<std::size_t>(data_set.fields().size(), 2);
-    Exit_status status = NOTHING_FOUND;
-    for (const char* name : operands.subspan(1)) {
-        const Exit_status of_text = scan_text(data_set, name, least.value_or(usual));
-        if (of_text == FAULT || status == NOTHING_FOUND) status = of_text;
-    }
-    scan::finish_output();
-    return status;
+    scan.finish();
+    return name + ":\n" + listener.lines();
 }
 
 } // namespace
 
 int main(int argument_count, char** arguments) {
     try {
-        return run(argument_count, arguments);
+        if (argument_count < 3) throw std::runtime_error("usage: scan DATASET TEXT...");
+        const auto index = open_index(arguments[1]);
+        std::vector<std::future<std::string>> results;
+        for (const char* const text : std::span(arguments + 2, arguments + argument_count)) {
+            results.push_back(std::async(std::launch::async, scan_text, std::cref(*index), text));
+        }
+        for (std::future<std::string>& result : results) {
+            std::cout << result.get();
+        }
+        return std::cout.flush() ? 0 : 2;
     } catch (const std::exception& fault) {
-        tell(fault);
-        return FAULT;
+        std::cerr << fault.what() << '\n';
+        return 2;
     }
 }

@@ -17,9 +17,12 @@ class Error(Exception):
     """A data set cannot be opened, looked up or scanned. Its text begins with the file's name."""
 
     def __init__(self, message: str, code: int, filename: str) -> None:
-        super().__init__(message)
+        super().__init__(message, code, filename)  # all three, so that it can be pickled
         self.code = code  # as dsmake.h has it: of the library's message, or a small number
         self.filename = filename
+
+    def __str__(self) -> str:
+        return str(self.args[0])
 
 
 @dataclass(frozen=True)

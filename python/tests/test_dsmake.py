@@ -2,6 +2,7 @@
 import gc
 import io
 import os
+import pickle
 import subprocess
 import tempfile
 import threading
@@ -120,6 +121,8 @@ class OnADataSet(unittest.TestCase):
             dsmake.DataSet(self.place / "in")
         self.assertEqual(caught.exception.code, 0xC2012521)
         self.assertEqual(caught.exception.filename, str(self.place / "in"))
+        again = pickle.loads(pickle.dumps(caught.exception))
+        self.assertEqual((str(again), again.code), (str(caught.exception), 0xC2012521))
         self.assertTrue(str(caught.exception).startswith(caught.exception.filename + ": 0xC2012521"))
 
     def test_threads_side_by_side(self):

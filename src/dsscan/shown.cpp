@@ -13,11 +13,11 @@ namespace {
 
 constexpr std::size_t MOST_CHARACTERS = 100;
 constexpr std::string_view REPLACEMENT = "\xEF\xBF\xBD"; // U+FFFD
-constexpr std::string_view MORE = "\xE2\x80\xA6"; // U+2026
+constexpr std::string_view MORE = "\xE2\x80\xA6";        // U+2026
 
-void append_hex(std::string& to, std::string_view prefix, unsigned char byte) {
-    constexpr std::string_view DIGITS = "0123456789ABCDEF";
-    to.append(prefix) += {DIGITS[byte >> 4U], DIGITS[byte & 0xFU]};
+void append_hex(std::string& to, std::string_view prefix, std::string_view digits,
+                unsigned char byte) {
+    to.append(prefix) += {digits[byte >> 4U], digits[byte & 0xFU]};
 }
 
 bool is_control(char32_t c) {
@@ -52,7 +52,7 @@ std::string shown(std::string_view text, std::size_t most, bool is_whole) {
             if (!after_space) line += ' ';
         } else if (is_control(c) || scl::scl_is_surrogate(c)) {
             for (const char byte : bytes) {
-                append_hex(line, "\\x", static_cast<unsigned char>(byte));
+                append_hex(line, "\\x", "0123456789ABCDEF", static_cast<unsigned char>(byte));
             }
         } else {
             if (c == U'"' || c == U'\\') line += '\\';
@@ -63,6 +63,17 @@ std::string shown(std::string_view text, std::size_t most, bool is_whole) {
     });
     if (!is_whole) line += MORE;
     return line;
+}
+
+// By the short form where JSON has one.
+void append_control(std::string& json, char c) {
+    constexpr std::string_view HAVE_LETTERS = "\b\t\n\f\r";
+    constexpr std::string_view LETTERS = "btnfr";
+    if (const std::size_t at = HAVE_LETTERS.find(c); at != std::string_view::npos) {
+        json += {'\\', LETTERS[at]};
+    } else {
+        append_hex(json, "\\u00", "0123456789abcdef", static_cast<unsigned char>(c));
+    }
 }
 
 } // namespace
@@ -79,7 +90,7 @@ std::string json_string(std::string_view text) {
     std::string json = "\"";
     each_character(text, [&json](char32_t c, std::string_view bytes) {
         if (c < 0x20) {
-            append_hex(json, "\\u00", static_cast<unsigned char>(c));
+            append_control(json, static_cast<char>(c));
         } else if (scl::scl_is_surrogate(c)) {
             json += REPLACEMENT;
         } else {
