@@ -21,8 +21,8 @@ public:
     // program, so that a run needs no file but its own: nothing is read, and nothing kept.
     [[nodiscard]] static bool initialise_message_list(std::span<const std::string> file_names);
 
-    // A code's message as its file has it, with %1 in its argument's place; empty for a code without
-    // one. Takes no memory, so that memory exhausted can be told of.
+    // A code's message as its file has it, with %1 in its argument's place; empty for a code
+    // without one. Takes no memory, so that memory exhausted can be told of.
     [[nodiscard]] static std::string_view message(Scl_status_code code);
 
     // Replaces `text` by one line per entry, the most recent first, without a line end after the
