@@ -92,11 +92,12 @@ void print_contents(Data_set& data_set) {
     data_set.check_records();
     print(data_set.name() + ": " + counted(data_set.record_count(), "record") + " of " +
           counted(data_set.fields().size(), "field") + "; the file checks out\n");
-    for (const tla::Field_descriptor& field : data_set.fields()) {
+    for (std::size_t i = 0; i < data_set.fields().size(); ++i) {
+        const tla::Field_descriptor& field = data_set.fields()[i];
         const std::string_view type = tla::tla_formatter_name_from_type_id(field.type);
         print("  " + shown(field.name) + ", " +
               std::string(type.empty() ? "of unknown type" : type) +
-              (data_set.is_key(field.name) ? ", key\n" : "\n"));
+              (data_set.is_key(i) ? ", key\n" : "\n"));
     }
 }
 

@@ -20,17 +20,19 @@ Data_set::Data_set(std::string_view name) : shown_name_(scl::scl_shown(name)) {
     if (!status.has_failed()) connector_.load(status, false);
     check(status);
     keys_ = connector_.key_names();
-    const bool all_there = std::ranges::all_of(keys_, [this](const std::u16string& key) {
-        return std::ranges::find(fields(), key, &tla::Field_descriptor::name) != fields().end();
-    });
+    is_key_.resize(fields().size() + 1);
+    for (const std::size_t field : connector_.key_fields()) {
+        is_key_[field] = true;
+    }
+    const bool all_there = !is_key_.back();
     if (!all_there || keys_.size() != connector_.key_count()) {
         fail("not all of its keys can be read. Remove lines that are equal in every field from its "
              "input, and build it again.");
     }
 }
 
-bool Data_set::is_key(std::u16string_view field) const {
-    return std::ranges::find(keys_, field) != keys_.end();
+bool Data_set::is_key(std::size_t field) const {
+    return is_key_[field];
 }
 
 void Data_set::check_records() {

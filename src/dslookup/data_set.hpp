@@ -22,7 +22,7 @@ public:
     [[nodiscard]] const std::vector<tla::Field_descriptor>& fields() const {
         return connector_.field_descriptors();
     }
-    [[nodiscard]] bool is_key(std::u16string_view field) const;
+    [[nodiscard]] bool is_key(std::size_t field) const;
 
     // Goes through all records, to see that each ends where it should.
     void check_records();
@@ -40,6 +40,7 @@ private:
     std::string shown_name_;
     tla::Tla_data_set_connector_file connector_;
     std::vector<std::u16string> keys_;
+    std::vector<bool> is_key_; // each field; the last, whether a key is no field
     std::vector<std::int64_t> offsets_;
 };
 
