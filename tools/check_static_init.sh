@@ -10,6 +10,6 @@ set -eu
 cd "$(dirname "$0")/.."
 build=${1:-build/debug}
 git ls-files 'src/*.cpp' | xargs -P "$(nproc)" -n 4 \
-    clang++ -std=c++20 -fsyntax-only -Isrc "-I$build/src/scl/status" \
+    clang++ -std=c++20 -fsyntax-only -Isrc "-I$build/src/scl/status" '-DDSMAKE_VERSION="0"' \
     -Werror -Wglobal-constructors -Wexit-time-destructors
 echo 'Nothing in src/ needs code before or after main.'

@@ -11,9 +11,9 @@
 
 #include <getopt.h>
 
-namespace {
+namespace dslookup {
 
-using namespace dslookup;
+namespace {
 
 enum Exit_status { ALL_FOUND = 0, NOT_FOUND = 1, FAULT = 2 };
 
@@ -78,13 +78,15 @@ Exit_status run(int argument_count, char** arguments) {
 
 } // namespace
 
+} // namespace dslookup
+
 int main(int argument_count, char** arguments) {
     try {
-        return run(argument_count, arguments);
+        return dslookup::run(argument_count, arguments);
     } catch (const std::bad_alloc&) {
         std::fputs("dslookup: There is not enough memory.\n", stderr);
     } catch (const std::exception& fault) {
         std::fprintf(stderr, "%s\n", fault.what());
     }
-    return FAULT;
+    return dslookup::FAULT;
 }

@@ -13,9 +13,9 @@
 #include <new>
 #include <stdexcept>
 
-namespace {
+namespace dsscan {
 
-using namespace dsscan;
+namespace {
 
 enum Exit_status { SOMETHING_FOUND = 0, NOTHING_FOUND = 1, FAULT = 2 };
 
@@ -79,13 +79,15 @@ Exit_status run(int argument_count, char** arguments) {
 
 } // namespace
 
+} // namespace dsscan
+
 int main(int argument_count, char** arguments) {
     try {
-        return run(argument_count, arguments);
+        return dsscan::run(argument_count, arguments);
     } catch (const std::bad_alloc&) {
         std::fputs("dsscan: There is not enough memory.\n", stderr);
     } catch (const std::exception& fault) {
         std::fprintf(stderr, "%s\n", fault.what());
     }
-    return FAULT;
+    return dsscan::FAULT;
 }

@@ -96,7 +96,7 @@ private:
 
 Tla_formatted_text::Tla_formatted_text(std::u16string_view original,
                                        const Formatter_type_id& type) {
-    const Tla_formatter_base* const formatter = tla_shared_formatter(type);
+    const auto formatter = tla_create_formatter(type);
     if (formatter == nullptr) return;
     formatter->format(original, text_, false);
     Comparison(original, *formatter, pieces_).run();

@@ -55,17 +55,17 @@ struct Formatter_type {
     std::string_view name;
     Formatter_type_id id;
     Formatter_pointer (*create)();
-    const Tla_formatter_base* shared;
+    Tla_wide_formatter format_wide;
     Tla_ascii_formatter format_ascii;
 };
 
 template <typename Formatter>
-constinit const Formatter SHARED{};
-
-template <typename Formatter>
 constexpr Formatter_type make_type() {
     return {Formatter::NAME, Formatter::TYPE_ID,
-            []() -> Formatter_pointer { return std::make_unique<Formatter>(); }, &SHARED<Formatter>,
+            []() -> Formatter_pointer { return std::make_unique<Formatter>(); },
+            [](std::u16string_view input, std::u16string& output, bool raw) {
+                Formatter().format(input, output, raw);
+            },
             Formatter::format_ascii};
 }
 
@@ -152,9 +152,9 @@ Formatter_pointer tla_create_formatter(const Formatter_type_id& id) {
     return type != nullptr ? type->create() : nullptr;
 }
 
-const Tla_formatter_base* tla_shared_formatter(const Formatter_type_id& id) {
+Tla_wide_formatter tla_wide_formatter(const Formatter_type_id& id) {
     const Formatter_type* const type = find_type(id);
-    return type != nullptr ? type->shared : nullptr;
+    return type != nullptr ? type->format_wide : nullptr;
 }
 
 Tla_ascii_formatter tla_ascii_formatter(const Formatter_type_id& id) {

@@ -15,7 +15,7 @@ namespace tla {
 // match become equal. Holds no state: one object serves any number of values.
 class Tla_formatter_base {
 public:
-    constexpr Tla_formatter_base() = default;
+    Tla_formatter_base() = default;
     Tla_formatter_base(const Tla_formatter_base&) = delete;
     Tla_formatter_base& operator=(const Tla_formatter_base&) = delete;
     virtual ~Tla_formatter_base() = default;
@@ -34,6 +34,8 @@ protected:
     [[nodiscard]] static bool copy_normalised(std::u16string_view input, std::u16string& output,
                                               bool raw);
 };
+
+using Tla_wide_formatter = void (*)(std::u16string_view input, std::u16string& output, bool raw);
 
 // The same for ASCII bytes, which are always in NFC. The result is the value itself, where nothing
 // changes, or in `buffer`. Tested by Formatter.FormatsBytesAsItFormatsUnits.
@@ -91,11 +93,11 @@ public:
 // Empty for an identifier that is none of the three.
 [[nodiscard]] std::string_view tla_formatter_name_from_type_id(const Formatter_type_id& id);
 
-// Null for an identifier that is none of the three. The second is the one object that serves the
-// whole program, so that it takes no memory.
+// Null for an identifier that is none of the three. The second does what the formatter's `format`
+// does, without an object.
 [[nodiscard]] std::unique_ptr<const Tla_formatter_base>
 tla_create_formatter(const Formatter_type_id& id);
-[[nodiscard]] const Tla_formatter_base* tla_shared_formatter(const Formatter_type_id& id);
+[[nodiscard]] Tla_wide_formatter tla_wide_formatter(const Formatter_type_id& id);
 [[nodiscard]] Tla_ascii_formatter tla_ascii_formatter(const Formatter_type_id& id);
 
 } // namespace tla

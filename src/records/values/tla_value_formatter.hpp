@@ -23,12 +23,12 @@ struct Tla_value_buffer {
 class Tla_value_formatter {
 public:
     explicit Tla_value_formatter(const Formatter_type_id& type)
-        : formatter_(tla_shared_formatter(type)),
+        : format_wide_(tla_wide_formatter(type)),
           format_ascii_(tla_ascii_formatter(type)),
           lowers_case_(type == Tla_simplenc_formatter::TYPE_ID) {}
 
     // False for a type that is none of the three; format() may not be called then.
-    [[nodiscard]] bool is_known() const { return formatter_ != nullptr; }
+    [[nodiscard]] bool is_known() const { return format_wide_ != nullptr; }
 
     // The formatted text: the value itself, where nothing changes, or in `buffer`.
     [[nodiscard]] scl::Scl_text_span<char> format(scl::Scl_text_span<char> ascii_value,
@@ -44,12 +44,12 @@ public:
     // The formatted text, in `buffer.wide`, of which `value` may view a part.
     [[nodiscard]] scl::Scl_text_span<char16_t> format(std::u16string_view value,
                                                       Tla_value_buffer& buffer) const {
-        formatter_->format(value, buffer.wide, false);
+        format_wide_(value, buffer.wide, false);
         return scl::scl_span_of(buffer.wide);
     }
 
 private:
-    const Tla_formatter_base* formatter_; // a constant of the program, or null
+    Tla_wide_formatter format_wide_;
     Tla_ascii_formatter format_ascii_;
     bool lowers_case_;
 };

@@ -38,7 +38,8 @@ class Scl_block {
     using Signed_lanes [[gnu::vector_size(SCL_BLOCK_BYTES)]] = Signed_lane;
 
 public:
-    // Reads a whole block; `from` need not be aligned.
+    // Reads a whole block; `from` need not be aligned. Of an empty text, which may be null, no
+    // block is read. NOLINTNEXTLINE(clang-analyzer-core.NonNullParamChecker)
     explicit Scl_block(const Unit* from) { std::memcpy(&lanes_, from, sizeof lanes_); }
 
     void store(Unit* to) const { std::memcpy(to, &lanes_, sizeof lanes_); }

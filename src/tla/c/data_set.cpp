@@ -3,6 +3,7 @@
 #include "tla/c/open_data_set.hpp"
 
 #include <algorithm>
+#include <span>
 
 namespace tla::c {
 
@@ -105,14 +106,14 @@ const char* dsmake_message(const dsmake_data_set* set) {
 
 namespace {
 
-const std::vector<Open_data_set::Field>& fields_of(const dsmake_data_set* set) {
-    static constinit const std::vector<Open_data_set::Field> NONE;
-    return set != nullptr && set->open != nullptr ? set->open->fields() : NONE;
+std::span<const Open_data_set::Field> fields_of(const dsmake_data_set* set) {
+    if (set == nullptr || set->open == nullptr) return {};
+    return set->open->fields();
 }
 
-const std::vector<Open_data_set::Key>& keys_of(const dsmake_data_set* set) {
-    static constinit const std::vector<Open_data_set::Key> NONE;
-    return set != nullptr && set->open != nullptr ? set->open->keys() : NONE;
+std::span<const Open_data_set::Key> keys_of(const dsmake_data_set* set) {
+    if (set == nullptr || set->open == nullptr) return {};
+    return set->open->keys();
 }
 
 } // namespace

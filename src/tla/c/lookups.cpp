@@ -5,7 +5,10 @@
 #include <algorithm>
 #include <span>
 
-using namespace tla::c;
+using tla::c::Caller_fault;
+using tla::c::guarded;
+using tla::c::Open_data_set;
+using tla::c::view_of;
 
 namespace {
 

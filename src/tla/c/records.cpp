@@ -2,7 +2,8 @@
 
 #include <new>
 
-using namespace tla::c;
+using tla::c::Caller_fault;
+using tla::c::guarded;
 
 namespace {
 

@@ -3,7 +3,10 @@
 
 #include <span>
 
-using namespace tla::c;
+using tla::c::Caller_fault;
+using tla::c::Open_data_set;
+using tla::c::Report;
+using tla::c::view_of;
 
 namespace {
 

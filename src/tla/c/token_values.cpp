@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-using namespace tla::c;
+using tla::c::view_of;
 
 // By the same steps as a build: marks off, columns apart, white space off, then by the type.
 // Tested beside a built file by Dsmake_h.TokenValuesOfLinesAreThoseOfRecords.

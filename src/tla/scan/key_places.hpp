@@ -14,6 +14,7 @@ struct Key_place {
     std::uint64_t byte; // of its first character
     std::uint64_t end;
     std::uint64_t number;
+    // NOLINTNEXTLINE(modernize-use-nullptr): no pointer
     auto operator<=>(const Key_place&) const = default;
 };
 

@@ -50,6 +50,7 @@ struct Hash_place {
     std::uint64_t hash;
     std::uint32_t place;
 
+    // NOLINTNEXTLINE(modernize-use-nullptr): no pointer
     [[nodiscard]] auto operator<=>(const Hash_place&) const = default;
 };
 
