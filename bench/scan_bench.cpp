@@ -67,23 +67,32 @@ int fail(const scl::Scl_status& status) {
     return 2;
 }
 
-int run(int argc, char** argv) {
+struct Job {
     tla::Tla_scan_options options;
     std::vector<std::u16string> keys;
     std::size_t repeats = 1;
     std::size_t pieces = 1;
     bool prints = false;
+};
+
+Job read_options(int argc, char** argv) {
+    Job job;
     for (int option = 0; (option = getopt(argc, argv, "m:w:k:r:n:p")) != -1;) {
-        if (option == 'm') options.least = std::strtoull(optarg, nullptr, 10);
+        if (option == 'm') job.options.least = std::strtoull(optarg, nullptr, 10);
         if (option == 'w' && std::string_view(optarg) == "all")
-            options.within.reset();
+            job.options.within.reset();
         else if (option == 'w')
-            options.within = std::strtoull(optarg, nullptr, 10);
-        if (option == 'k') scl::scl_stow(optarg, keys.emplace_back());
-        if (option == 'r') repeats = std::strtoull(optarg, nullptr, 10);
-        if (option == 'n') pieces = std::strtoull(optarg, nullptr, 10);
-        prints |= option == 'p';
+            job.options.within = std::strtoull(optarg, nullptr, 10);
+        if (option == 'k') scl::scl_stow(optarg, job.keys.emplace_back());
+        if (option == 'r') job.repeats = std::strtoull(optarg, nullptr, 10);
+        if (option == 'n') job.pieces = std::strtoull(optarg, nullptr, 10);
+        job.prints |= option == 'p';
     }
+    return job;
+}
+
+int run(int argc, char** argv) {
+    const auto [options, keys, repeats, pieces, prints] = read_options(argc, argv);
     std::u16string name;
     scl::scl_stow(argv[optind], name);
     double last = seconds();
