@@ -32,7 +32,7 @@ nm -D --defined-only -C "$shared" | cut -d ' ' -f 3- |
     sed -E 's/^(vtable|typeinfo|typeinfo name) for //' >symbols
 grep -q '^dsmake_find$' symbols
 while read -r symbol; do
-    name=$(echo "$symbol" | grep -oE '(^|[ *&])([a-z]+::)+[A-Za-z_0-9]+|^dsmake_[a-z]+' | head -n 1)
+    name=$(echo "$symbol" | grep -oE '(^|[ *&])([a-z]+::)+[A-Za-z_0-9]+|^dsmake_[a-z_]+' | head -n 1)
     echo "${name##*[: ]}"
 done <symbols | sort -u >names
 while read -r name; do
