@@ -45,7 +45,7 @@ public:
     }
 
     [[nodiscard]] std::size_t bucket_of(std::uint64_t hash) const {
-        return static_cast<std::size_t>(static_cast<Wide>(hash) * ends_.size() >> 64U);
+        return static_cast<std::size_t>(static_cast<Wide>(hash) * ends_.size() / (static_cast<Wide>(1ULL << 63U) * 2));
     }
     [[nodiscard]] std::size_t bucket_count() const { return ends_.size(); }
     // The entries that may be the hash's; those that may_be() says are with few exceptions.
@@ -63,7 +63,11 @@ public:
     }
 
 private:
+#if defined(__SIZEOF_INT128__)
     __extension__ using Wide = unsigned __int128;
+#else
+    using Wide = long double; // holds 64 bits, enough for an index
+#endif
     static constexpr std::uint64_t ENTRIES_A_BUCKET = 6;
 
     [[nodiscard]] static std::byte tag_of(std::uint64_t hash) {
