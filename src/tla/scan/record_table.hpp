@@ -2,6 +2,7 @@
 
 #include "scl/io/scl_endian.hpp"
 #include "tla/scan/large_array.hpp"
+#include "tla/scan/wide_product.hpp"
 
 #include <algorithm>
 #include <array>
@@ -45,7 +46,7 @@ public:
     }
 
     [[nodiscard]] std::size_t bucket_of(std::uint64_t hash) const {
-        return static_cast<std::size_t>(static_cast<Wide>(hash) * ends_.size() / (static_cast<Wide>(1ULL << 63U) * 2));
+        return static_cast<std::size_t>(index_of_hash(hash, ends_.size()));
     }
     [[nodiscard]] std::size_t bucket_count() const { return ends_.size(); }
     // The entries that may be the hash's; those that may_be() says are with few exceptions.
@@ -63,11 +64,6 @@ public:
     }
 
 private:
-#if defined(__SIZEOF_INT128__)
-    __extension__ using Wide = unsigned __int128;
-#else
-    using Wide = long double; // holds 64 bits, enough for an index
-#endif
     static constexpr std::uint64_t ENTRIES_A_BUCKET = 6;
 
     [[nodiscard]] static std::byte tag_of(std::uint64_t hash) {

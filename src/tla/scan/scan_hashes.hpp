@@ -1,6 +1,7 @@
 #pragma once
 
 #include "records/values/tla_formatters.hpp"
+#include "tla/scan/wide_product.hpp"
 
 #include <array>
 #include <cstddef>
@@ -41,23 +42,10 @@ public:
     }
 
 private:
-#if defined(__SIZEOF_INT128__)
-    __extension__ using Wide = unsigned __int128;
-#endif
-
-    // The two halves of the product, laid over each other. By parts where there are no 128 bits.
+    // The two halves of the product, laid over each other.
     [[nodiscard]] static std::uint64_t folded(std::uint64_t a, std::uint64_t b) {
-#if defined(__SIZEOF_INT128__)
-        const Wide product = static_cast<Wide>(a) * b;
-        return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64U);
-#else
-        constexpr std::uint64_t LOW = 0xFFFFFFFF;
-        const std::uint64_t low = (a & LOW) * (b & LOW);
-        const std::uint64_t cross = (a >> 32U) * (b & LOW) + (low >> 32U);
-        const std::uint64_t other = (a & LOW) * (b >> 32U) + (cross & LOW);
-        const std::uint64_t high = (a >> 32U) * (b >> 32U) + (cross >> 32U) + (other >> 32U);
-        return a * b ^ high;
-#endif
+        const Wide_product product = wide_product(a, b);
+        return product.low ^ product.high;
     }
 
     std::array<std::uint64_t, VALUE_KINDS> starts_{};

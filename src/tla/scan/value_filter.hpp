@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tla/scan/large_array.hpp"
-#include "tla/scan/scan_hashes.hpp"
+#include "tla/scan/wide_product.hpp"
 
 #include <algorithm>
 #include <cstddef>
@@ -40,11 +40,9 @@ private:
         return std::max(sequences / sizeof(std::uint64_t), std::min(sequences, LITTLE)) + 1;
     }
 
-    __extension__ using Wide = unsigned __int128;
-
     // By the upper bits of the hash; the bits in the word by lower ones.
     [[nodiscard]] std::size_t place_of(std::uint64_t hash) const {
-        return static_cast<std::size_t>(static_cast<Wide>(hash) * words_.size() >> 64U);
+        return static_cast<std::size_t>(index_of_hash(hash, words_.size()));
     }
     [[nodiscard]] static std::uint64_t three_bits(std::uint64_t from) {
         return std::uint64_t{1} << (from & 63U) | std::uint64_t{1} << (from >> 6U & 63U) |
