@@ -6,6 +6,7 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import warnings
 from pathlib import Path
 
 PROGRAM = Path(__file__).parents[2] / "examples/cluster/scan_corpus.py"
@@ -28,6 +29,7 @@ class ScanCorpus(unittest.TestCase):
         os.symlink("f1", self.place / "texts/link")
 
     def test_a_worker_is_lost(self):
+        warnings.simplefilter("ignore")  # those of distributed; unittest sets them back
         from distributed import Client, LocalCluster
         expected = subprocess.run([os.environ["DSSCAN"], "--json", "out", "texts"], cwd=self.place,
                                   check=True, capture_output=True, encoding="utf-8").stdout
