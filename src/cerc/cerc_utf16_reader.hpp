@@ -72,8 +72,8 @@ public:
 
     // The bytes from the position on that are in memory, possibly none. Valid until the next
     // operation but skip.
-    [[nodiscard]] std::span<const std::byte> at_hand() const { return {at_, end_}; }
-    // Steps over bytes at hand, up to where a character starts.
+    [[nodiscard]] std::span<const std::byte> buffered_bytes() const { return {at_, end_}; }
+    // Steps over buffered bytes, up to where a character starts.
     void skip(std::size_t bytes) { at_ += bytes; }
 
 private:

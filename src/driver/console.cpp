@@ -9,6 +9,7 @@
 
 namespace driver {
 
+// Fixed text: scripts compare it. A line an element, since each line is flushed by itself.
 inline constexpr std::string_view USAGE_TEXT[] = {
     "",
     "dsmake 22.08.00",
@@ -53,6 +54,8 @@ void end_line() {
 
 } // namespace
 
+// Text and line end go to different streams, and existing callers depend on it: with standard
+// output redirected, the messages of a run stand on one line of standard error.
 void print_message(const std::string& text) {
     // Not as the format itself: names in the text may contain '%'.
     std::fprintf(stderr, "%s", text.c_str());

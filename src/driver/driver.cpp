@@ -16,14 +16,17 @@ namespace driver {
 
 namespace {
 
+// A colon behind a letter: it takes an argument.
 constexpr std::string_view OPTION_LETTERS = "k:s:i:o:hu";
 
+// Names are UTF-16 inside, as the messages that carry them.
 std::u16string wide(std::string_view narrow) {
     std::u16string text;
     scl::scl_string_append(text, narrow);
     return text;
 }
 
+// Always false, so that a caller can tell and give up in one statement.
 bool fail_with_usage(const char* message) {
     print_message(message);
     print_usage();
@@ -37,6 +40,8 @@ Driver::~Driver() {
     if (output_given_ && std::uncaught_exceptions() > exceptions_before_) remove_output();
 }
 
+// Order of the checks: an upgrade first, since it names less; whatever is left over is a wrong
+// command line, however it came to be one.
 int Driver::run(int argument_count, const char* const* arguments) {
     if (argument_count < 2) {
         print_usage();
@@ -63,6 +68,7 @@ bool Driver::take_options(int argument_count, const char* const* arguments) {
 // Options act in their order: -o creates its file at once. So a fault in a later option leaves an
 // empty output file behind.
 bool Driver::take_option(char letter) {
+    // Letters in either case: -K is -k.
     switch (std::tolower(static_cast<unsigned char>(letter))) {
     case 'h':
         print_message("");
@@ -85,6 +91,7 @@ bool Driver::take_option(char letter) {
     }
 }
 
+// Checked against the scratch file before it is opened: opening that later would destroy the input.
 bool Driver::open_input(std::string_view name) {
     input_name_ = name;
     const bool usable = !tla::tla_leads_to_scratch(input_name_);
@@ -97,6 +104,7 @@ bool Driver::open_input(std::string_view name) {
     return true;
 }
 
+// As for the input: an output of the scratch file's name would be replaced by it.
 bool Driver::open_output(std::string_view name) {
     output_name_ = name;
     const bool usable = !tla::tla_would_be_scratch(output_name_);
@@ -115,12 +123,15 @@ void Driver::create_output(std::string_view name) {
     if (status_.ok()) remove_when_interrupted(output_name_);
 }
 
+// An empty list of fields means that no schema was given, so a second -s is only seen when the
+// first named a field.
 bool Driver::take_schema(std::string_view text) {
     if (!schema_.fields.empty()) return fail_with_usage("Multiple schemas detected.");
     if (parse_schema(text, schema_)) return true;
     return fail_with_usage("Invalid schema format, see usage.");
 }
 
+// Not checked here: the schema may come later on the command line.
 void Driver::take_key(std::string_view name) {
     key_names_.push_back(wide(name));
 }
@@ -140,6 +151,8 @@ int Driver::upgrade() {
     return EXIT_FAULT;
 }
 
+// The three results of reading end differently: a fault of the text is told with the usage, and the
+// output stays, empty. Whatever fails later removes it.
 int Driver::build() {
     scl::Scl_buffered_istream in(input_, status_);
     scl::Scl_file_buffer records;
@@ -175,6 +188,7 @@ tla::Tla_build_result Driver::build_from(scl::Scl_buffered_istream& in,
     return tla::build_data_set(plan, in, records, output_, status_);
 }
 
+// The checksum may be right and a warning pushed: then the file stays.
 int Driver::report_generation() {
     if (status_.ok()) {
         if (status_.is_warning()) {

@@ -33,6 +33,7 @@ sigset_t ending_signals() {
     return signals;
 }
 
+// Device and inode, since a name can be given to another file at any time.
 bool is_open_here(const struct stat& entry, int descriptor) {
     struct stat facts {};
     return ::fstat(descriptor, &facts) == 0 && facts.st_dev == entry.st_dev &&
@@ -69,6 +70,7 @@ extern "C" void clean_up_and_end(int signal) {
 } // namespace
 
 void prepare_for_signals() {
+    // Both would end the process before the failed write is told.
     std::signal(SIGXFSZ, SIG_IGN);
     std::signal(SIGPIPE, SIG_IGN);
     struct sigaction action {};
@@ -78,6 +80,7 @@ void prepare_for_signals() {
     for (const int signal : ENDING_SIGNALS) {
         struct sigaction before {};
         const bool ignored =
+            // Under nohup, SIGHUP is ignored: it must stay so.
             ::sigaction(signal, nullptr, &before) == 0 && before.sa_handler == SIG_IGN;
         if (!ignored) (void)::sigaction(signal, &action, nullptr);
     }
@@ -92,6 +95,7 @@ Signals_wait::~Signals_wait() {
     (void)::sigprocmask(SIG_SETMASK, &before_, nullptr);
 }
 
+// Cut off when it is too long: no such name could have been opened.
 void remove_when_interrupted(std::string_view output_name) {
     const std::string_view name = output_name.substr(0, sizeof output_to_remove - 1);
     *std::ranges::copy(name, output_to_remove).out = '\0';

@@ -60,6 +60,7 @@ int report_no_memory() {
     std::_Exit(report_no_memory());
 }
 
+// Caught one by one: memory has a status code and a text of its own.
 int run(std::span<char*> arguments) {
     try {
         return run_driver(decode_arguments(arguments));
@@ -76,6 +77,7 @@ int run(std::span<char*> arguments) {
 
 int main(int argument_count, char** arguments) {
     std::set_terminate(end_at_once);
+    // Before anything is opened, so that a run can be interrupted at any moment.
     driver::prepare_for_signals();
     std::exit(run({arguments, static_cast<std::size_t>(argument_count)}));
 }

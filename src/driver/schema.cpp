@@ -10,6 +10,8 @@ namespace driver {
 
 namespace {
 
+// Pieces come without the blanks around them, and empty ones not at all: a blank behind a semicolon
+// and a semicolon at the end do no harm.
 std::vector<std::u16string> split(std::u16string_view text, std::u16string_view separators) {
     scl::Scl_tokeniser tokeniser;
     tokeniser.separators(separators);
@@ -29,6 +31,7 @@ bool parse_field(std::u16string_view text, Schema& schema) {
     return true;
 }
 
+// Sizes first: names of different lengths are never the same.
 bool same_name(std::u16string_view a, std::u16string_view b) {
     return a.size() == b.size() && scl::scl_utf16_compare_nc(a, b) == 0;
 }
@@ -48,6 +51,8 @@ void resolve_keys(std::span<const tla::Field_descriptor> fields,
                   std::span<const std::u16string> key_names,
                   std::vector<std::uint64_t>& positions) {
     for (const std::u16string& key_name : key_names) {
+        // A name that no field has is passed over here. The generator tells of it, when all else is
+        // done.
         const auto found = std::ranges::find_if(
             fields, [&key_name](const auto& field) { return same_name(field.name, key_name); });
         if (found != fields.end()) {

@@ -17,8 +17,10 @@ namespace dslookup {
 
 namespace {
 
+// In UTF-8. Editors of some systems put it in front of a list.
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
+// Control characters and stray bytes as \xNN: a terminal would act on them.
 std::string shown(std::u16string_view text) {
     std::string narrow;
     scl::scl_wtos(scl::scl_shown(text), narrow, true);
@@ -29,12 +31,14 @@ std::string shown(std::u16string_view text) {
     throw std::runtime_error(std::string(stream) + ": " + std::strerror(errno));
 }
 
+// Every write is checked: a list that ends early must not look complete.
 void print(const std::string& text) {
     if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size()) {
         fail_of("standard output");
     }
 }
 
+// "1 record", "2 records".
 std::string counted(std::uint64_t count, std::string_view noun) {
     return std::to_string(count) + ' ' + std::string(noun) + (count == 1 ? "" : "s");
 }
@@ -75,6 +79,7 @@ private:
     std::size_t room_ = 0;
 };
 
+// Trimmed here and not in find(): the answer shows what was looked up.
 bool print_answer(Data_set& data_set, std::string_view key_name, std::size_t key,
                   std::string_view value) {
     std::u16string text;
@@ -89,6 +94,7 @@ bool print_answer(Data_set& data_set, std::string_view key_name, std::size_t key
 } // namespace
 
 void print_contents(Data_set& data_set) {
+    // First: counts and types mean nothing in a file whose records cannot be told apart.
     data_set.check_records();
     print(data_set.name() + ": " + counted(data_set.record_count(), "record") + " of " +
           counted(data_set.fields().size(), "field") + "; the file checks out\n");
@@ -106,20 +112,22 @@ bool print_answer(Data_set& data_set, std::string_view key, std::string_view val
 }
 
 bool print_answers_to_lines(Data_set& data_set, std::string_view key) {
-    const std::size_t place = data_set.key(key);
+    const std::size_t index = data_set.key(key);
     bool all_found = true;
     bool is_first = true;
     Lines lines;
     for (std::string_view value; lines.next(value); is_first = false) {
+        // Only here: further back it is a character like any other.
         if (is_first && value.starts_with(BYTE_ORDER_MARK)) {
             value.remove_prefix(BYTE_ORDER_MARK.size());
         }
-        all_found = print_answer(data_set, key, place, value) && all_found;
+        all_found = print_answer(data_set, key, index, value) && all_found;
     }
     return all_found;
 }
 
 void finish_output() {
+    // What is still in the C library's buffer may fail at the very end, on a full disk.
     if (std::fflush(stdout) != 0) fail_of("standard output");
 }
 

@@ -24,6 +24,7 @@ Data_set::Data_set(std::string_view name) : shown_name_(scl::scl_shown(name)) {
     for (const std::size_t field : connector_.key_fields()) {
         is_key_[field] = true;
     }
+    // field_of() gives the number of fields for a key name that is none: the last element.
     const bool all_there = !is_key_.back();
     if (!all_there || keys_.size() != connector_.key_count()) {
         fail("not all of its keys can be read. Remove lines that are equal in every field from its "
@@ -35,6 +36,8 @@ bool Data_set::is_key(std::size_t field) const {
     return is_key_[field];
 }
 
+// The largest count of any field takes a pass over all records, and reading them tells of each that
+// does not end well. The count itself is of no use here.
 void Data_set::check_records() {
     scl::Scl_status status;
     static_cast<void>(connector_.largest_token_count(0, status));
@@ -44,8 +47,8 @@ void Data_set::check_records() {
 std::size_t Data_set::key(std::string_view name) const {
     std::u16string wanted;
     scl::scl_stow(name, wanted);
-    const auto place = std::ranges::find(keys_, wanted);
-    if (place != keys_.end()) return static_cast<std::size_t>(place - keys_.begin());
+    const auto found = std::ranges::find(keys_, wanted);
+    if (found != keys_.end()) return static_cast<std::size_t>(found - keys_.begin());
     std::string names;
     for (const std::u16string& key : keys_) {
         names += names.empty() ? "" : ", ";
@@ -59,6 +62,7 @@ const std::vector<std::int64_t>& Data_set::find(std::u16string_view value, std::
     offsets_.clear();
     scl::Scl_status status;
     connector_.find_records(value, key, offsets_, status);
+    // A value without words is no fault of a lookup: no record has it.
     if (status != tla::TLA_STATUS_NO_TOKENS) check(status);
     return offsets_;
 }

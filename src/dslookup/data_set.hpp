@@ -27,7 +27,7 @@ public:
     // Goes through all records, to see that each ends where it should.
     void check_records();
 
-    // The key's place. The fault of a name that is none lists those there are.
+    // The key's index. The fault of a name that is none lists those there are.
     [[nodiscard]] std::size_t key(std::string_view name) const;
     // The offsets of the records that have the value there, ascending. White space around the
     // value must be off; of a value of which nothing is left there is no record.

@@ -15,6 +15,7 @@ namespace dslookup {
 
 namespace {
 
+// As grep's, which scripts know.
 enum Exit_status { ALL_FOUND = 0, NOT_FOUND = 1, FAULT = 2 };
 
 constexpr const char* USAGE = R"(usage: dslookup FILE [KEY [VALUE]]
@@ -56,6 +57,7 @@ Exit_status look_up(std::span<char*> operands) {
     Data_set data_set(operands[0]);
     bool all_found = true;
     if (operands.size() == 1) {
+        // Nothing is looked up, so nothing can be missing.
         print_contents(data_set);
     } else if (operands.size() == 2) {
         all_found = print_answers_to_lines(data_set, operands[1]);

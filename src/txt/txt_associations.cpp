@@ -18,6 +18,7 @@ std::size_t Associations::remove_all(const Txt_token& token) {
     return count;
 }
 
+// Copies: what is found stays right when associations come and go.
 std::vector<Txt_association> Associations::find(const Txt_token& token) const {
     std::vector<Txt_association> found;
     for (auto at = objects_.lower_bound({&token, FIRST_KIND});

@@ -60,6 +60,8 @@ void Txt_physical_token::trailer_text(std::u16string_view trailer) {
     trailer_ = view_->keep(trailer);
 }
 
+// A plain token has no content behind it that could be edited. Classes whose tokens do override
+// these.
 bool Txt_physical_token::redact(std::size_t /*skip*/, std::size_t /*count*/) {
     return false;
 }
@@ -83,6 +85,7 @@ bool Txt_physical_token::remove() {
     return false;
 }
 
+// A token is a run of one.
 const Txt_physical_token& Txt_physical_token::front() const {
     return *this;
 }

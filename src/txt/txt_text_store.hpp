@@ -67,7 +67,7 @@ private:
     char16_t first_[FIRST_UNITS]; // not read before it is written: most views need little of it
     char16_t* open_;
     char16_t* at_;
-    char16_t* limit_; // one unit before the end of the memory at hand, for the closing zero
+    char16_t* limit_; // one unit before the end of the memory, for the closing zero
     std::unique_ptr<Further> further_; // once the first memory is used up
 };
 

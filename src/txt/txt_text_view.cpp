@@ -60,6 +60,7 @@ std::uint32_t Txt_text_view::type() const {
     return type_;
 }
 
+// A caller that locks a view relies on its tokens: they may not be made anew under it.
 void Txt_text_view::check_not_locked() const {
     if (is_locked()) throw std::logic_error("Txt_text_view::start_content() - view is locked");
 }
@@ -68,12 +69,13 @@ bool Txt_text_view::is_locked() const {
     return extras_ != nullptr && extras_->locks != 0;
 }
 
+// Made when first needed. Most views only hold tokens, and making a view is part of every value.
 Txt_text_view::Extras& Txt_text_view::extras() {
     if (extras_ == nullptr) extras_ = std::make_unique<Extras>();
     return *extras_;
 }
 
-// With the last token at hand, so that an iterator past the end can walk back.
+// With the last token, so that an iterator past the end can walk back.
 Txt_token_iterator Txt_text_view::cbegin() const {
     return {front_, back_};
 }
@@ -223,6 +225,7 @@ void Txt_text_view::set_redaction_character(char32_t character) {
     extras().redaction_character = character;
 }
 
+// One 16-bit unit a character, whatever it takes the place of: lengths then tell nothing more.
 std::u16string Txt_text_view::redaction(std::size_t count) const {
     return std::u16string(count, static_cast<char16_t>(get_redaction_character()));
 }

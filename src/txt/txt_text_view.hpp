@@ -18,13 +18,12 @@
 
 namespace txt {
 
-// The tokens of a text in their order. The view destroys them in place; their memory belongs to
-// whoever made them and must outlive the view. It keeps their texts: in the table it was given, so
-// that views share them, or in itself.
+// The tokens of a text, as a linked list. The view calls their destructors; their memory belongs to
+// whoever made them and must outlive the view. The view keeps their texts, in the table that it was
+// given (several views can share one) or in memory of its own.
 //
-// Most views are made for one value, walked once, and dropped. So a view allocates nothing for its
-// tokens, and what only some callers want (virtual tokens, associations, locks) is made when first
-// asked for.
+// Most views are made for one value, walked once and dropped. So a view allocates nothing for its
+// tokens, and makes what few callers need (virtual tokens, associations, locks) on first use.
 class Txt_text_view {
 public:
     using Virtual_iterator = std::list<Txt_virtual_token>::iterator;
@@ -38,8 +37,8 @@ public:
 
     [[nodiscard]] virtual std::uint32_t type() const;
 
-    // Tokens are added, each at the back, between these two; a token added at another time throws
-    // std::logic_error, and so does starting in a locked view.
+    // add_content() appends a token, between start_content() and end_content(). Throws
+    // std::logic_error for a token added at another time, and for starting in a locked view.
     virtual void start_content();
     virtual void add_content(Txt_physical_token& token);
     virtual void end_content();
@@ -54,52 +53,52 @@ public:
     [[nodiscard]] virtual Txt_token_iterator cbegin() const;
     [[nodiscard]] virtual Txt_token_iterator cend() const;
 
-    // What callers attach to tokens, physical and virtual ones of this view: one association of
-    // each kind to a token, found in the order of the kinds. Adding is false when the token has one
-    // of the kind already, removing when it has none; removing all returns how many there were.
+    // Callers may attach associations to the view's tokens, one of each kind to a token. Adding
+    // returns false when the token has one of that kind already, removing when it has none.
+    // find_associations() returns them in the order of their kinds.
     virtual bool add_association(const Txt_token& token, const Txt_association& association);
     virtual bool remove_association(const Txt_token& token, const Txt_association_kind& kind);
     virtual std::size_t remove_associations(const Txt_token& token);
     [[nodiscard]] virtual std::vector<Txt_association>
     find_associations(const Txt_token& token) const;
 
-    // A new token over the run from `front` to `back`, after the virtual tokens there are. Throws
-    // std::invalid_argument when that is no run of this view. Its type is the caller's to choose.
+    // Adds a token over the run from `front` to `back`, behind the virtual tokens that there are.
+    // The caller chooses its type. Throws std::invalid_argument when that is no run of this view.
     virtual Txt_virtual_token& add_virtual_token(std::uint32_t type, Txt_physical_token& front,
                                                  Txt_physical_token& back);
 
-    // The virtual tokens in the order they were added, or linked again.
+    // The virtual tokens, in the order in which they were added or linked again.
     [[nodiscard]] virtual Const_virtual_iterator vbegin() const;
     [[nodiscard]] virtual Virtual_iterator vbegin();
     [[nodiscard]] virtual Const_virtual_iterator vend() const;
     [[nodiscard]] virtual Virtual_iterator vend();
 
-    // Drops all tokens, virtual ones, and associations, as the destructor does; texts stay. False,
-    // and nothing is done, when the view is locked or its content has not ended.
+    // Drops all tokens, virtual tokens and associations, as the destructor does; texts stay. False,
+    // with nothing done, when the view is locked or end_content() was not called.
     virtual bool purge();
 
-    // What takes the place of redacted characters: '*' unless set.
+    // The character that replaces redacted ones: '*' unless set.
     [[nodiscard]] virtual char32_t get_redaction_character() const;
     virtual void set_redaction_character(char32_t character);
-    // What takes the place of `count` characters. One unit each: of a redaction character beyond
-    // U+FFFF only the low 16 bits are used.
+    // The text that replaces `count` characters, one 16-bit unit each: of a redaction character
+    // beyond U+FFFF only the low 16 bits are used.
     [[nodiscard]] std::u16string redaction(std::size_t count) const;
 
-    // How many physical tokens of a type there are; counted when asked for, which takes a walk.
+    // How many physical tokens of a type there are. Each call walks over all tokens.
     [[nodiscard]] virtual std::size_t word_token_count() const;
     [[nodiscard]] virtual std::size_t number_token_count() const;
     [[nodiscard]] virtual std::size_t punctuation_token_count() const;
     [[nodiscard]] virtual std::size_t symbol_token_count() const;
 
-    // The kept text equal to `text`, copied if it is new; zero-terminated, as long-lived as the
-    // view.
+    // The view's own copy of the text, made if there is none yet; zero-terminated. It lives as long
+    // as the view, or as the table that the view was given.
     [[nodiscard]] virtual std::u16string_view insert_text(std::u16string_view text);
     // The same for trailers.
     [[nodiscard]] virtual std::u16string_view insert_whitespace(std::u16string_view text);
     // Zero-terminated too.
     [[nodiscard]] virtual const char16_t* empty_text() const;
-    // The text in the view's table equal to this one; its data is null when there is none. A text
-    // that keep() left in the store is in no table, and not found.
+    // The copy that the view's table has of this text; its data is null when there is none. Texts
+    // that keep() left in the store are in no table, and are not found.
     [[nodiscard]] virtual std::u16string_view lookup_text(std::u16string_view text) const;
     // The same; the length is in 16-bit units.
     [[nodiscard]] virtual std::u16string_view lookup_text(const char16_t* data,
@@ -107,9 +106,9 @@ public:
     // All tokens' texts and trailers in one.
     [[nodiscard]] virtual std::u16string create_string() const;
 
-    // While a view is locked its order of tokens stays: purge, link and unlink return false, and no
-    // content is started. Locks add up. Throws std::logic_error when content has been started and
-    // not ended, or when there is no lock to take off.
+    // A locked view keeps its order of tokens: purge, link and unlink return false, and
+    // start_content() throws. Each lock() needs its own unlock(). Throws std::logic_error between
+    // start_content() and end_content(), and for an unlock() without a lock().
     virtual void lock();
     virtual void unlock();
 
@@ -157,8 +156,7 @@ private:
     Txt_text_store store_;
 };
 
-// The following are inline for making a view and walking it: who has a final class of view, as the
-// codec has, then pays for no call.
+// Inline, so that making and walking a view of a final class, as the codec has, costs no calls.
 
 inline void Txt_text_view::start_content() {
     if (extras_ != nullptr) check_not_locked();

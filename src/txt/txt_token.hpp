@@ -14,11 +14,11 @@ namespace txt {
 class Txt_physical_token;
 class Txt_text_view;
 
-// A piece of text in a view: a physical token is one the tokeniser found, a virtual token a run of
-// those. Its texts are kept by the view and live as long as the view does.
+// A piece of text in a view. A physical token is one that the tokeniser found; a virtual token is a
+// run of physical ones. The view keeps a token's texts, and they live as long as the view.
 //
-// Tokens compare by their places in the view: that of a token is the positions from its front to
-// its back. Tokens of different views compare as false in every respect.
+// Tokens are compared by the positions that they cover in the view, from front to back. For tokens
+// of different views every comparison is false.
 class Txt_token {
 public:
     Txt_token(const Txt_token&) = delete;
@@ -39,17 +39,17 @@ public:
 
     [[nodiscard]] virtual Txt_text_view& view() const = 0;
 
-    // Of its front, counted from 0.
+    // The position of its front in the view, counted from 0.
     [[nodiscard]] virtual std::size_t position() const = 0;
     // Wholly before, or after, the other one.
     [[nodiscard]] virtual bool is_before(const Txt_token& other) const;
     [[nodiscard]] virtual bool is_after(const Txt_token& other) const;
-    // Whether all of the other one's place, or some of it, is this one's too.
+    // Whether this token covers all of the other one's positions, or some of them.
     [[nodiscard]] virtual bool contains(const Txt_token& other) const;
     [[nodiscard]] virtual bool overlaps(const Txt_token& other) const;
 
-    // The value of the text in that form (txt_token_value); in form `whole` it is what a data set
-    // file holds of the token.
+    // The CRC-64 of the text in that form (txt_token_value). Data set files hold that of form
+    // `whole`.
     [[nodiscard]] virtual std::uint64_t crc(Txt_text_form form) const;
 
     // Zero-terminated. A text may itself hold a zero: text_entry() knows where it really ends.
@@ -60,7 +60,7 @@ public:
     [[nodiscard]] virtual const char16_t* trailer_text() const;
     [[nodiscard]] virtual std::u16string_view trailer_entry() const = 0;
 
-    // In what the form counts: 16-bit units, or visible characters.
+    // In 16-bit units for form `whole`, in visible characters for form `visible`.
     [[nodiscard]] virtual std::size_t length(Txt_text_form form) const;
     // In 16-bit units.
     [[nodiscard]] virtual std::size_t trailer_length() const;
@@ -69,29 +69,28 @@ public:
     [[nodiscard]] virtual bool is_text() const;
     [[nodiscard]] virtual bool is_trailer() const;
 
-    // Edits of the content that the token is from, which show when that is composed. False when
-    // nothing, or not all, could be queued: the content may not be edited, or other edits are in
-    // the way. The token itself does not change.
+    // redact(), make_safe() and replace_text() queue edits of the content that the token comes
+    // from; the codec's compose() carries them out. The token itself does not change. False when
+    // the edit could not be queued as a whole: the content may not be edited, or it overlaps an
+    // earlier edit.
     //
-    // Overwrites `count` visible characters after the first `skip` with one redaction character of
-    // the view each; a count of 0 is as many as the token has. A character that attaches to the
-    // last one overwritten goes too. But only one does: where several attach, the others can still
-    // be read, and so can what attaches to the last one skipped. To hide a whole token use
-    // make_safe().
+    // redact() skips the first `skip` visible characters and overwrites the next `count` with the
+    // view's redaction character, one for one; a count of 0 means all. A mark that attaches to the
+    // last overwritten character goes too, but only one: further marks can still be read, and so
+    // can a mark on the last skipped character. To hide a whole token, use make_safe().
     [[nodiscard]] virtual bool redact(std::size_t skip, std::size_t count) = 0;
 
     // The text with its trailer, zero-terminated, and its length in 16-bit units.
     [[nodiscard]] virtual const char16_t* formatted_text() const;
     [[nodiscard]] virtual std::size_t formatted_text_length() const;
 
-    // An edit that leaves nothing of the text to be read. Every character of it that is visible by
-    // itself becomes a redaction character of the view; every other one, which are those that
-    // attach and lone surrogates, is taken out wherever it is. Of a text in which nothing is
-    // visible one redaction character remains. A token without text stays as it is.
+    // Hides the whole text: each visible character becomes a redaction character, and marks and
+    // lone surrogates are removed. A text without visible characters becomes one redaction
+    // character. A token without text stays as it is.
     [[nodiscard]] virtual bool make_safe() = 0;
 
-    // An edit: another text, and texts just before and after it; an empty one changes nothing.
-    // False when all three are empty.
+    // Replaces the text, and inserts `before` and `after` around it. An empty argument leaves that
+    // part as it is. False when all three are empty.
     [[nodiscard]] virtual bool replace_text(std::u16string_view text, std::u16string_view before,
                                             std::u16string_view after) = 0;
 
@@ -102,7 +101,7 @@ public:
 protected:
     Txt_token() = default;
 
-    // What make_safe() puts in the text's place.
+    // The text that make_safe() writes.
     [[nodiscard]] std::u16string safe_text() const;
 };
 

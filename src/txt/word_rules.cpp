@@ -22,6 +22,7 @@ struct Context {
     constexpr bool operator==(const Context&) const = default;
 };
 
+// The classes that several rules name, each as the annex names it.
 constexpr bool ends_line(Wb p) {
     return p == Wb::newline || p == Wb::cr || p == Wb::lf;
 }
@@ -38,18 +39,22 @@ constexpr bool is_ahletter(Wb p) {
     return p == Wb::aletter || p == Wb::aletter_pictographic || p == Wb::hebrew_letter;
 }
 
+// MidLetter and MidNumLetQ.
 constexpr bool is_mid_letter(Wb p) {
     return p == Wb::mid_letter || p == Wb::mid_num_let || p == Wb::single_quote;
 }
 
+// MidNum and MidNumLetQ.
 constexpr bool is_mid_num(Wb p) {
     return p == Wb::mid_num || p == Wb::mid_num_let || p == Wb::single_quote;
 }
 
+// WB13a: what a connector such as `_` may follow.
 constexpr bool takes_connector(Wb p) {
     return is_ahletter(p) || p == Wb::numeric || p == Wb::katakana || p == Wb::extend_num_let;
 }
 
+// WB13b: what may follow a connector.
 constexpr bool follows_connector(Wb p) {
     return is_ahletter(p) || p == Wb::numeric || p == Wb::katakana;
 }
@@ -102,6 +107,7 @@ constexpr Wb merged(Wb p) {
     return asked ? p : Wb::other;
 }
 
+// The context after one character with nothing that matters before it.
 constexpr Context first(Wb p) {
     return {merged(p), Wb::other, p == Wb::zwj, false};
 }
@@ -150,21 +156,24 @@ constexpr std::size_t FIRST_TAKE_ROW = 2;
 constexpr std::size_t FIRST_CONTEXT_ROW = FIRST_TAKE_ROW + AWAITING;
 static_assert(WORD_ROWS == FIRST_CONTEXT_ROW + 2 * CONTEXTS.size());
 
-constexpr std::size_t place_of(Context c) {
+// The index of a context among those above, whether a ZWJ is before it or not.
+constexpr std::size_t context_index(Context c) {
     c.after_joiner = false;
     return static_cast<std::size_t>(std::find(CONTEXTS.begin(), CONTEXTS.end(), c) -
                                     CONTEXTS.begin());
 }
 
 constexpr std::uint8_t row_of(const Context& c) {
-    return static_cast<std::uint8_t>(FIRST_CONTEXT_ROW + 2 * place_of(c) +
+    return static_cast<std::uint8_t>(FIRST_CONTEXT_ROW + 2 * context_index(c) +
                                      (c.after_joiner ? 1 : 0));
 }
 
 constexpr std::uint8_t take_row_of(const Context& c) {
-    return static_cast<std::uint8_t>(FIRST_TAKE_ROW + place_of(c) - FIRST_AWAITING);
+    return static_cast<std::uint8_t>(FIRST_TAKE_ROW + context_index(c) - FIRST_AWAITING);
 }
 
+// Rolling back cuts before the mid character: it was looked at for nothing, and is read again as
+// the first of its own segment.
 constexpr Word_step step_from(const Context& c, Wb after) {
     using enum Word_action;
     if (c.awaiting && !is_skipped(after) && !completes(c, after)) {
@@ -180,6 +189,7 @@ constexpr Word_step step_from(const Context& c, Wb after) {
     }
 }
 
+// At the end of the text, a mid character that still waits is cut off as well.
 constexpr void fill_context_rows(Word_steps& steps) {
     for (Context c : CONTEXTS) {
         for (const bool after_joiner : {false, true}) {
@@ -208,6 +218,8 @@ constexpr Word_steps make_steps() {
     return steps;
 }
 
+// Whether letters and digits that follow a row never end the segment: a run of them can then be
+// taken in one step. Tested by Word_break.RandomTextsAsTheSlowModel.
 constexpr bool always_joins(const std::array<Word_step, WORD_COLUMNS>& row) {
     return std::ranges::all_of(WORD_RUN_PROPERTIES, [&row](Wb p) {
         return row[static_cast<std::size_t>(p)].action == Word_action::join;

@@ -19,6 +19,7 @@ public:
         : line_end_(line_end), lines_(lines) {}
 
     void add(char16_t unit) {
+        // A CR that waits belongs to this line end, and goes with it.
         if (unit == u'\n') {
             end_line();
         } else if (cr_pending_) {
@@ -71,6 +72,7 @@ void Content_analyser::scan(const scl::Scl_buffer& content, scl::Scl_status& sta
     std::array<std::byte, CHUNK_BYTES> chunk; // NOLINT: not read before it is written
     std::uint64_t end = content.size(false, status);
     end -= end % UNIT_BYTES; // a last byte alone is no unit, and would shift all others
+    // From the back: the last line end decides, and it stands mostly in the last chunk.
     while (end != 0 && !status.has_failed()) {
         const std::size_t wanted = std::min<std::uint64_t>(end, chunk.size());
         end -= wanted;

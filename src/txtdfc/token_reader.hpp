@@ -75,7 +75,7 @@ void Token_reader<Tokeniser, Sink>::read_all(scl::Scl_status& status) {
 
 template <typename Tokeniser, typename Sink>
 inline void Token_reader<Tokeniser, Sink>::take_run() {
-    const std::size_t bytes = tokeniser_.run(reader_.at_hand(), text_, type_, operation_);
+    const std::size_t bytes = tokeniser_.run(reader_.buffered_bytes(), text_, type_, operation_);
     if (bytes == 0) return;
     if (operation_ == Operation::start) start(reader_.tell());
     reader_.skip(bytes);

@@ -114,6 +114,8 @@ void Txtdfc_format_codec::attach(const scl::Scl_buffer* content, scl::Scl_status
 void Txtdfc_format_codec::take_content(const scl::Scl_buffer* content, scl::Scl_status& status) {
     if (in_transaction_) rollback_transaction();
     patcher_.reset();
+    // The view before the extent that it was made from, the patcher first of all: its edits are
+    // offsets in the old content.
     view_.reset();
     extent_.reset();
     content_ = content;
@@ -148,6 +150,7 @@ void Txtdfc_format_codec::analyse_line_ends(scl::Scl_status& status) {
 }
 
 Txtdfc_text_view* Txtdfc_format_codec::text_view(int index, unsigned& cursor) {
+    // One content has one text, so there is one view, at index 0.
     const bool is_first = index == 0 && cursor == 0;
     cursor = dfc::DFC_CURSOR_END; // whatever comes of it, there is no view after this one
     if (!is_first) return nullptr;
@@ -217,6 +220,7 @@ bool Txtdfc_format_codec::rollback_transaction() {
 }
 
 // Refused in a transaction, whose changes may still be rolled back.
+// The content itself stays as it is: edits are applied to a copy.
 std::unique_ptr<scl::Scl_buffer> Txtdfc_format_codec::compose(scl::Scl_status& status) {
     if (content_ == nullptr) {
         throw std::logic_error("Txtdfc_format_codec::compose() - no content attached");

@@ -18,39 +18,37 @@ namespace txtdfc {
 
 // The codec of plain UTF-16 text (little-endian; a byte order mark at the front is not part of the
 // text). One codec serves any number of values, attached one after the other. The content may be
-// written to between two uses of the codec, not during one; what is queued stays at its offset.
+// written to between two calls of the codec; queued edits keep their offsets.
 //
-// Misuse throws: std::logic_error what needs content without any, and composing in a transaction;
-// std::invalid_argument an odd length in bytes. Only attach() never throws.
+// Throws std::logic_error when there is no content and a function needs it, and for compose() in a
+// transaction; std::invalid_argument for a length in bytes that is odd. attach() never throws.
 class Txtdfc_format_codec final : public dfc::Dfc_format_codec,
                                   private dff::Dff_text_facet,
                                   private dff::Dff_annotation_facet {
 public:
     // `requested` names the facets to grant; null grants all. `table`, which may be null, keeps the
-    // texts of the tokens. `pool` gives the tokens' memory: without one the codec makes its own.
-    // Neither is owned, and both must outlive the codec. With `view_of_empty` content without text
-    // has a view, without tokens; else it has none.
+    // tokens' texts. `pool` gives the tokens' memory; when it is null, the codec makes its own.
+    // Neither is owned, and both must outlive the codec. With `view_of_empty`, content without text
+    // has a view without tokens; else it has no view.
     Txtdfc_format_codec(const dfc::Dfc_facet_set* requested, txt::Txt_text_table* table,
                         Txtdfc_token_pool* pool, bool view_of_empty);
     ~Txtdfc_format_codec() override;
 
     [[nodiscard]] dfc::Dfc_format_facet* query_facet(const dfc::Dfc_facet_id& id) override;
 
-    // Drops the view of what was attached before; null detaches. The status is cleared, then says
-    // how the content could be read: what its buffer reports (SCL_STATUS_READ_FAILED for a file),
-    // SCL_STATUS_NO_MEMORY, SCL_STATUS_EXCEPTION with the exception's message, or
-    // SCL_STATUS_UNKNOWN_EXCEPTION. After a failure the codec holds the new content, and nothing of
-    // the old one. When not even its size was found out, it has no text: no view, and inserts are
-    // refused.
+    // Replaces the content and drops the view of the old one; null detaches. The status is cleared
+    // first. After a failure it has what the content's buffer reports (SCL_STATUS_READ_FAILED for a
+    // file), SCL_STATUS_NO_MEMORY, SCL_STATUS_EXCEPTION with the exception's message, or
+    // SCL_STATUS_UNKNOWN_EXCEPTION, and the codec has the new content all the same. When not even
+    // the content's size could be read, it has no text: there is no view, and inserts are refused.
     //
-    // A pool counts the tokens of all values that were attached.
+    // The pool's limit counts for the tokens of all contents together.
     void attach(const scl::Scl_buffer* content, scl::Scl_status& status) override;
 
-    // The one view, at index 0 and cursor 0; null for any other, and when the content has no text.
-    // Made, of the content as it is then, when first asked for. Throws std::logic_error when
-    // nothing is attached (and a view of empty content was asked for), std::runtime_error when the
-    // content cannot be read or has more tokens than the pool can hold; then asking again tries
-    // again.
+    // The content's only view, at index 0 and cursor 0. Null for any other index or cursor, and
+    // when the content has no text. The first call makes it, from the content as it is then. Throws
+    // std::logic_error when nothing is attached (with `view_of_empty`), std::runtime_error when the
+    // content cannot be read or has more tokens than the pool can hold; the next call tries again.
     [[nodiscard]] Txtdfc_text_view* text_view(int index, unsigned& cursor) override;
 
     bool begin_transaction() override;
@@ -60,15 +58,15 @@ public:
     [[nodiscard]] bool modified() const override { return patcher_.committed(); }
     [[nodiscard]] bool reserved_query() const override { return false; }
     [[nodiscard]] std::u16string_view label() const override { return scl::W_EMPTY; }
-    // The status can hold the codes of ucl::Ucl_buffer_patcher::apply: what the content's buffer
-    // reports, SCL_STATUS_END_OF_DATA, and SCL_STATUS_OUT_OF_BOUNDS when the content has become
-    // shorter since, and a change is beyond its end. Memory exhausted throws std::bad_alloc.
+    // Codes are those of ucl::Ucl_buffer_patcher::apply: what the content's buffer reports,
+    // SCL_STATUS_END_OF_DATA, and SCL_STATUS_OUT_OF_BOUNDS when the content has become shorter and
+    // an edit lies beyond its end. Throws std::bad_alloc when memory runs out.
     [[nodiscard]] std::unique_ptr<scl::Scl_buffer> compose(scl::Scl_status& status) override;
 
-    // The text becomes lines of its own, with the line ends of the content: before its text, or at
-    // its end, both as they were when it was attached. False, and nothing queued, when the content
-    // may not be modified, the text is empty, the patcher refuses (an end that is no whole unit,
-    // for one), or attaching failed so early that the content's end is not known.
+    // Inserts the text as lines of its own, with the content's kind of line end, before its first
+    // or behind its last character at the time of attach(). False, with nothing queued, when the
+    // content may not be modified, the text is empty, the patcher refuses the edit (for example,
+    // when the content ends in half a unit), or attach() could not read the content's size.
     bool insert_content_front(std::u16string_view text) override;
     bool insert_content_back(std::u16string_view text) override;
     bool insert_content_front(const char16_t* data, std::size_t length) override;

@@ -47,6 +47,7 @@ private:
     std::size_t at_ = 0;
 };
 
+// Contents are UTF-16, and edits count in bytes.
 constexpr std::uint64_t UNIT_BYTES = sizeof(char16_t);
 
 // What of a text is overwritten, in 16-bit units from `begin` up to `end`, and the number of
@@ -98,6 +99,7 @@ bool Txtdfc_physical_token::replace_text(std::u16string_view text, std::u16strin
                                          std::u16string_view after) {
     if (!codec().modifiable() || (text.empty() && before.empty() && after.empty())) return false;
     ucl::Ucl_buffer_patcher& patcher = codec().patcher();
+    // Queued in the order of the text, since edits at one offset keep their order.
     return (before.empty() || patcher.add_insert(offset_, before)) &&
            (text.empty() || patcher.add_edit(offset_, text_bytes(), text)) &&
            (after.empty() || patcher.add_insert(content_end(), after));
@@ -107,6 +109,7 @@ bool Txtdfc_physical_token::redact(std::size_t skip, std::size_t count) {
     if (!codec().modifiable()) return false;
     const std::size_t wanted = count != 0 ? count : length(txt::Txt_text_form::visible);
     const Redaction found = find_redaction(text_entry(), skip, wanted);
+    // Nothing to overwrite is no failure.
     if (found.empty()) return true;
     return codec().patcher().add_edit(offset_ + found.begin * UNIT_BYTES,
                                       (found.end - found.begin) * UNIT_BYTES,

@@ -76,10 +76,10 @@ bool Ucl_buffer_patcher::add_edit(std::uint64_t offset, std::uint64_t length,
     if (!is_free(offset, length)) return false;
     if (length == 0 && text.empty()) return true; // or committed() would tell of no change
     make_room_on_trial();
-    const Place place{offset, length != 0};
+    const Edit_key key{offset, length != 0};
     const Edit edit{length, texts_.size(), text.size(), in_transaction_};
     texts_ += text;
-    const auto queued = edits_.emplace(place, edit);
+    const auto queued = edits_.emplace(key, edit);
     if (in_transaction_) on_trial_.push_back(queued);
     return true;
 }
@@ -100,8 +100,8 @@ bool Ucl_buffer_patcher::is_free(std::uint64_t offset, std::uint64_t length) con
     const auto next = edits_.upper_bound({offset, false});
     if (length != 0 && next != edits_.end() && next->first.offset < offset + length) return false;
     if (next == edits_.begin()) return true;
-    const auto& [place, edit] = *std::prev(next);
-    return place.offset + edit.length <= offset;
+    const auto& [key, edit] = *std::prev(next);
+    return key.offset + edit.length <= offset;
 }
 
 // The end of the last change that is not on trial. Changes do not overlap, so none ends behind it.
@@ -123,15 +123,15 @@ void Ucl_buffer_patcher::apply(const scl::Scl_buffer& content, scl::Scl_buffer& 
     if (last_end() > size) return status.push(scl::SCL_STATUS_OUT_OF_BOUNDS);
     scl::Scl_ostream out(output);
     std::uint64_t at = 0; // in the content; what is before it is copied or replaced
-    for (const auto& [place, edit] : edits_) {
+    for (const auto& [key, edit] : edits_) {
         if (status.has_failed()) return;
         if (edit.on_trial) continue;
-        copy(content, at, place.offset, out, status);
+        copy(content, at, key.offset, out, status);
         const std::u16string_view text = text_of(edit);
         for (const char16_t unit : text) {
             out.write_le(unit, status);
         }
-        at = place.offset + edit.length;
+        at = key.offset + edit.length;
     }
     copy(content, at, size, out, status);
     out.detach(status);

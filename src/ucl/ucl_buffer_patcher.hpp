@@ -18,7 +18,7 @@ namespace ucl {
 // Queues changes of a UTF-16 content and writes the content changed by them. All offsets and
 // lengths are bytes of the unchanged content, whatever else is queued.
 //
-// What is queued never contradicts itself: the first change of a place wins, and add_* refuses
+// What is queued never contradicts itself: the first change at an offset wins, and add_* refuses
 // (returns false, queues nothing) whatever does not agree with it:
 // - a range (an edit or a delete) that overlaps an earlier one, or repeats it; ranges may touch;
 // - an insert inside an earlier range, or a range around an earlier insert. An insert at a range's
@@ -79,10 +79,10 @@ public:
 private:
     // Where a change belongs. In the order of the members inserts come before the range at the same
     // offset, which is the order in which apply() writes them.
-    struct Place {
+    struct Edit_key {
         std::uint64_t offset;
         bool is_range;
-        auto operator<=>(const Place&) const = default; // NOLINT: not a null pointer
+        auto operator<=>(const Edit_key&) const = default; // NOLINT: not a null pointer
     };
     struct Edit {
         std::uint64_t length;    // bytes
@@ -90,9 +90,9 @@ private:
         std::size_t text_length; // units
         bool on_trial;
     };
-    // Sorted, for is_free() and apply(). Equal places stay in the order of queueing, and iterators
+    // Sorted, for is_free() and apply(). Equal keys stay in the order of queueing, and iterators
     // stay valid, which on_trial_ needs.
-    using Edits = std::multimap<Place, Edit>;
+    using Edits = std::multimap<Edit_key, Edit>;
 
     void drop_all();
     void make_room_on_trial();

@@ -75,6 +75,7 @@ Tla_record_processor::Tla_record_processor(std::span<const Field_descriptor> fie
         columns_.push_back({Tla_value_formatter(field.type), false});
     }
     for (const std::uint64_t position : key_positions) {
+        // Positions are a caller's: at() throws for one that is no column.
         columns_.at(position).is_key = true;
     }
 }

@@ -37,7 +37,7 @@ public:
     virtual ~Tla_record_listener() = default;
 
     // The whole record in the layout of record_layout.hpp, valid during the call; empty for one too
-    // large to be held in memory, which is written all the same.
+    // large to be put together in memory, which is written all the same.
     virtual void record_made(std::span<const std::byte> record) = 0;
 };
 

@@ -10,6 +10,7 @@ namespace tla {
 
 namespace {
 
+// Dropped wherever it stands in a field, as the rule for lines says.
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 std::string_view as_text(std::span<const std::byte> bytes) {
@@ -113,6 +114,7 @@ void Tla_record_reader::begin_line(const char* at) {
     is_ascii_ = true;
 }
 
+// Fields past the last column are only counted: their number is the fault.
 void Tla_record_reader::end_field(const char* at) {
     if (field_count_ < column_count_) fields_[field_count_] = {field_begin_, at};
     ++field_count_;

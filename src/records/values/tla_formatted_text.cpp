@@ -91,7 +91,7 @@ private:
     bool is_well_formed_;
     std::size_t original_offset_ = 0;
     std::size_t formatted_offset_ = 0;
-    std::u16string form_; // of the piece at hand
+    std::u16string form_; // of the current piece
 };
 
 Tla_formatted_text::Tla_formatted_text(std::u16string_view original,

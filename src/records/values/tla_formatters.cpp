@@ -73,6 +73,7 @@ constexpr std::array TYPES = {make_type<Tla_simple_formatter>(),
                               make_type<Tla_simplenc_formatter>(),
                               make_type<Tla_ccnum_formatter>()};
 
+// Three types: a search from the front beats any table.
 const Formatter_type* find_type(const Formatter_type_id& id) {
     const auto* const found = std::ranges::find(TYPES, id, &Formatter_type::id);
     return found == TYPES.end() ? nullptr : found;
@@ -89,6 +90,7 @@ bool Tla_formatter_base::copy_normalised(std::u16string_view input, std::u16stri
         scl::scl_normalize(input, output, status);
         if (!status.has_failed()) return true;
     }
+    // The caller formats in its own memory: nothing to copy, only an end to cut.
     if (output.data() == input.data()) {
         output.resize(input.size());
     } else {
@@ -133,6 +135,7 @@ Ascii Tla_ccnum_formatter::format_ascii(Ascii value, Tla_padded_buffer<char>& bu
     return end == nullptr ? value : Ascii{begin, end};
 }
 
+// Sizes first, since a name of a type has no letters that change their size with their case.
 Formatter_type_id tla_formatter_type_id_from_name(std::string_view name) {
     for (const Formatter_type& type : TYPES) {
         if (name.size() == type.name.size() && scl::scl_utf8_compare_nc(name, type.name) == 0) {

@@ -27,8 +27,8 @@ void Scl_buffered_istream::refill(std::size_t wanted, Scl_status& status) {
     }
     if (storage_ == nullptr) storage_ = std::make_unique_for_overwrite<std::byte[]>(WINDOW_BYTES);
     const std::span<std::byte> storage(storage_.get(), std::max(wanted, read_ahead_));
-    const std::size_t kept = at_hand();
-    if (kept != 0) std::memmove(storage.data(), bytes_at_hand().data(), kept);
+    const std::size_t kept = buffered_size();
+    if (kept != 0) std::memmove(storage.data(), buffered_bytes().data(), kept);
     const std::size_t more = buffer()->read_at(position + kept, storage.subspan(kept), status);
     set_window(storage.first(kept + more), position);
 }
@@ -43,7 +43,7 @@ std::size_t Scl_buffered_istream::read_beyond_window(std::span<std::byte> bytes,
     std::size_t done = 0;
     // Goes on after a failure: the window holds what was read before it, and is empty after that.
     while (done < bytes.size() && !window(status).empty()) {
-        const std::size_t count = std::min(bytes.size() - done, at_hand());
+        const std::size_t count = std::min(bytes.size() - done, buffered_size());
         std::copy_n(take(count), count, bytes.begin() + static_cast<std::ptrdiff_t>(done));
         done += count;
     }

@@ -33,7 +33,7 @@ public:
         return next != nullptr ? std::to_integer<unsigned char>(*next) : read_char_beyond_window();
     }
 
-    // The bytes at hand from the position on, read in first when there are none; empty only at the
+    // The buffered bytes from the position on, read in first when there are none; empty only at the
     // end, which is no error here, and after a failure (SCL_STATUS_READ_FAILED). Valid until the
     // next operation but skip.
     [[nodiscard]] std::span<const std::byte> window(Scl_status& status) {
@@ -42,12 +42,12 @@ public:
     // The same with at least `count` bytes, at most WINDOW_BYTES, or with all that are left.
     [[nodiscard]] std::span<const std::byte> window(std::size_t count, Scl_status& status) {
         assert(count <= WINDOW_BYTES);
-        if (at_hand() < count && !status.has_failed()) refill(count, status);
-        return bytes_at_hand();
+        if (buffered_size() < count && !status.has_failed()) refill(count, status);
+        return buffered_bytes();
     }
     // Steps over bytes of the window, at most as many as it has.
     void skip(std::size_t count) {
-        assert(count <= at_hand());
+        assert(count <= buffered_size());
         (void)take(count);
     }
 

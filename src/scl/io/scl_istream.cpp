@@ -23,7 +23,7 @@ void Scl_istream::detach() {
 std::size_t Scl_istream::read(std::size_t count, void* destination, Scl_status& status) {
     if (count == 0) return 0;
     const std::span<std::byte> bytes(static_cast<std::byte*>(destination), count);
-    const std::size_t from_window = std::min(count, at_hand());
+    const std::size_t from_window = std::min(count, buffered_size());
     // An empty window has no address, which memcpy may not be given even for nothing.
     if (from_window != 0) std::memcpy(bytes.data(), take(from_window), from_window);
     std::size_t done = from_window;

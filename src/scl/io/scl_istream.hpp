@@ -11,7 +11,7 @@ enum class Scl_seek : unsigned { relative = 1 };
 // A reader with a position over a buffer, which must outlive the attachment. Whatever is asked for
 // and is not there in full sets SCL_STATUS_END_OF_DATA, or SCL_STATUS_READ_FAILED when the buffer
 // cannot give it; an integer read then leaves its value alone. The data's size is taken when the
-// stream is attached. Part of the data, the window, may be at hand in memory: what lies in it costs
+// stream is attached. Part of the data, the window, may be in memory: what lies in it costs
 // no call.
 class Scl_istream {
 public:
@@ -39,7 +39,7 @@ public:
     }
 
     // In bytes from the start of the data.
-    [[nodiscard]] std::uint64_t tell() const { return window_end_offset_ - at_hand(); }
+    [[nodiscard]] std::uint64_t tell() const { return window_end_offset_ - buffered_size(); }
     // Never fails: a read from a position beyond the end does. Inside the window it costs nothing.
     void set_position(std::uint64_t position);
     // Steps `offset` bytes from the position. A target beyond the end sets SCL_STATUS_END_OF_DATA,
@@ -59,7 +59,7 @@ protected:
         attach(buffer, never_set);
     }
     [[nodiscard]] const Scl_buffer* buffer() const { return buffer_; }
-    [[nodiscard]] std::size_t at_hand() const {
+    [[nodiscard]] std::size_t buffered_size() const {
         return static_cast<std::size_t>(window_end_ - window_at_);
     }
 
@@ -70,14 +70,14 @@ protected:
     // returns how many bytes there were.
     virtual std::size_t read_beyond_window(std::span<std::byte> bytes, Scl_status& status) = 0;
 
-    // Steps over `count` bytes at hand and returns their start; null when the window has fewer.
+    // Steps over `count` buffered bytes and returns their start; null when the window has fewer.
     [[nodiscard]] const std::byte* take(std::size_t count) {
-        if (at_hand() < count) return nullptr;
+        if (buffered_size() < count) return nullptr;
         const std::byte* const start = window_at_;
         window_at_ += count;
         return start;
     }
-    [[nodiscard]] std::span<const std::byte> bytes_at_hand() const {
+    [[nodiscard]] std::span<const std::byte> buffered_bytes() const {
         return {window_at_, window_end_};
     }
 

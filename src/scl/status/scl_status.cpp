@@ -40,6 +40,7 @@ void Scl_status::push(Scl_status_code code, Scl_wstring_status_arg argument) {
     add(code, std::make_shared<const Scl_wstring_status_arg>(std::move(argument)));
 }
 
+// Its count is left out: what happened there many times happens here once.
 void Scl_status::push_top(const Scl_status& other) {
     if (other.entries().empty()) return;
     const Entry& top = other.entries().back();
@@ -66,6 +67,8 @@ void Scl_status::add(Scl_status_code code, std::shared_ptr<const Scl_status_arg>
     } else if (top->code == code && same_argument(top->argument.get(), argument.get())) {
         ++top->count;
     } else {
+        // One code is by far the most frequent, and needs no memory. The vector takes over from the
+        // second on.
         if (several_.empty()) several_.push_back(*only_);
         several_.push_back({code, std::move(argument), 1});
     }

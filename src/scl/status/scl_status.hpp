@@ -51,7 +51,7 @@ public:
 
     Scl_status() = default;
 
-    // Replaces everything held by this one entry. Allocates nothing, so that memory exhausted can
+    // Replaces all entries by this one. Allocates nothing, so that memory exhausted can
     // be told as well.
     Scl_status& operator=(Scl_status_code code);
     void assign(Scl_status_code code, Scl_wstring_status_arg argument);

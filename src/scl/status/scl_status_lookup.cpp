@@ -11,8 +11,9 @@ namespace scl {
 namespace {
 
 constexpr std::string_view HEX_DIGITS = "0123456789ABCDEF";
-constexpr std::string_view ARGUMENT_PLACE = "%1";
+constexpr std::string_view ARGUMENT_MARK = "%1"; // where a message shows its argument
 
+// Eight digits, as the message files have them.
 std::string hex(std::uint32_t code) {
     std::string text;
     for (int shift = 28; shift >= 0; shift -= 4) {
@@ -41,11 +42,11 @@ void append_entry(std::u16string& text, const Scl_status::Entry& entry) {
     const std::string_view message = find_message(code);
     if (!message.empty()) scl_string_append(text, ": ");
     // Only the message is searched for %1, never the argument, which may hold "%1" itself.
-    const std::size_t place = message.find(ARGUMENT_PLACE);
-    scl_string_append(text, message.substr(0, place));
-    if (place != std::string_view::npos) {
+    const std::size_t mark = message.find(ARGUMENT_MARK);
+    scl_string_append(text, message.substr(0, mark));
+    if (mark != std::string_view::npos) {
         if (entry.argument != nullptr) text += scl_shown(entry.argument->text());
-        scl_string_append(text, message.substr(place + ARGUMENT_PLACE.size()));
+        scl_string_append(text, message.substr(mark + ARGUMENT_MARK.size()));
     }
     if (entry.count > 1) {
         scl_string_append(text, " (" + std::to_string(entry.count) + " times)");
@@ -54,6 +55,7 @@ void append_entry(std::u16string& text, const Scl_status::Entry& entry) {
 
 } // namespace
 
+// The texts are part of the program, so that messages do not depend on files found at run time.
 bool Scl_status_lookup::initialise_message_list(std::span<const std::string> file_names) {
     return std::ranges::all_of(file_names, [](const std::string& name) {
         return std::ranges::find(impl::MESSAGE_FILES, name, &impl::Message_file::name) !=
@@ -68,6 +70,7 @@ std::string_view Scl_status_lookup::message(Scl_status_code code) {
 void Scl_status_lookup::to_string(const Scl_status& status, std::u16string& text) {
     text.clear();
     const std::span<const Scl_status::Entry> entries = status.entries();
+    // The newest first: it says what failed, those below it say why.
     for (std::size_t i = entries.size(); i-- > 0;) {
         append_entry(text, entries[i]);
         if (i != 0) text += u'\n';

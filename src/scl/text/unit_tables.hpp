@@ -16,17 +16,17 @@ namespace scl::impl {
 
 // Plain pointers and one statement a unit: compilers limit the steps of a constant expression.
 [[nodiscard]] constexpr Unit_traits make_unit_traits(std::span<const Properties> properties,
-                                                     const std::uint8_t* places,
+                                                     const std::uint8_t* indexes,
                                                      const std::uint16_t* blocks) {
-    std::uint8_t by_place[256] = {};
-    for (std::size_t place = 0; place < properties.size(); ++place) {
-        by_place[place] = traits_of(properties[place]);
+    std::uint8_t by_index[256] = {};
+    for (std::size_t index = 0; index < properties.size(); ++index) {
+        by_index[index] = traits_of(properties[index]);
     }
     Unit_traits traits{};
     std::uint8_t* const to = traits.data();
     for (std::size_t unit = 0; unit < traits.size(); ++unit) {
-        to[unit] = by_place[places[blocks[unit / PROPERTY_BLOCK] * PROPERTY_BLOCK +
-                                   unit % PROPERTY_BLOCK]];
+        to[unit] = by_index[indexes[blocks[unit / PROPERTY_BLOCK] * PROPERTY_BLOCK +
+                                    unit % PROPERTY_BLOCK]];
     }
     for (char32_t unit = SCL_FIRST_SURROGATE; scl_is_surrogate(unit); ++unit) {
         to[unit] = static_cast<std::uint8_t>(UNIT_TOUCHED | (scl_is_lead(unit) ? UNIT_LOWERS : 0));
@@ -36,13 +36,13 @@ namespace scl::impl {
 
 // U+0130 is left as it is: its small form has two units, so scl_lower() replaces it by itself.
 [[nodiscard]] constexpr Small_letters make_small_letters(std::span<const Properties> properties,
-                                                         const std::uint8_t* places,
+                                                         const std::uint8_t* indexes,
                                                          const std::uint16_t* blocks) {
     Small_letters small{};
     for (std::size_t unit = 0; unit < small.size(); ++unit) {
         const std::size_t block = blocks[unit / PROPERTY_BLOCK];
         const Properties& found =
-            properties[places[block * PROPERTY_BLOCK + unit % PROPERTY_BLOCK]];
+            properties[indexes[block * PROPERTY_BLOCK + unit % PROPERTY_BLOCK]];
         small[unit] = static_cast<char16_t>(static_cast<std::int32_t>(unit) + found.to_lower);
     }
     small[CAPITAL_I_WITH_DOT] = CAPITAL_I_WITH_DOT;

@@ -12,12 +12,14 @@ namespace tla {
 
 namespace {
 
+// What a byte of a list can be.
 enum class Step { part_of_name, end_of_name, end_of_field, end_of_list, malformed };
 
 // What each byte of a list is: its meaning depends on what came before it.
 class Field_list_form {
 public:
     [[nodiscard]] Step take(char byte) {
+        // Also when one came before in the same field: the last one counts.
         if (byte == TLA_FIELD_NAME_END) {
             name_pending_ = true;
             return Step::end_of_name;
@@ -26,6 +28,7 @@ public:
             after_field_ = false;
             return Step::part_of_name;
         }
+        // A zero where a name would begin: so the list ends, unless it would have no field at all.
         if (after_field_) return Step::end_of_list;
         if (!name_pending_) return Step::malformed;
         name_pending_ = false;
@@ -74,6 +77,7 @@ void tla_read_field_list(scl::Scl_buffered_istream& in, std::size_t count,
             return;
         }
         if (step == Step::end_of_name) {
+            // Bytes that are no UTF-8 stay what they are: a name is found again as it was written.
             scl::scl_stow(gathered, name);
         } else {
             fields.push_back({name, tla_formatter_type_id_from_name(gathered)});
@@ -87,6 +91,8 @@ std::string tla_field_list_of(std::span<const Field_descriptor> fields) {
     for (const Field_descriptor& field : fields) {
         scl::scl_string_append(list, field.name);
         list += TLA_FIELD_NAME_END;
+        // Empty for a type that nobody knows: the field can be read again, its values cannot be
+        // made.
         list += tla_formatter_name_from_type_id(field.type);
         list += TLA_NAME_END;
     }
@@ -106,6 +112,7 @@ std::vector<std::uint32_t> tla_order_by_name(std::span<const Field_descriptor> f
 
 bool tla_names_are_unique(std::span<const Field_descriptor> fields) {
     const std::vector<std::uint32_t> order = tla_order_by_name(fields);
+    // Neighbours in the order by name: n log n instead of a comparison of every two.
     const auto same = [fields](std::uint32_t a, std::uint32_t b) {
         return fields[a].name == fields[b].name;
     };

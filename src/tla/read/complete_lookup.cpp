@@ -13,6 +13,7 @@ void Complete_lookup::find(Key_index& index, std::vector<std::int64_t>& offsets,
                            scl::Scl_status& status) {
     const std::size_t before = offsets.size();
     if (is_sorted(index, status)) {
+        // Sorted means that a search and a scan give the same; see is_sorted().
         const Block_range blocks = index.blocks_with(wanted_.hash);
         for (std::size_t i = blocks.begin; i < blocks.end && !status.has_failed(); ++i) {
             scan(index, i, offsets, status);
@@ -54,12 +55,13 @@ void Complete_lookup::scan(Key_index& index, std::size_t block_index,
     }
 }
 
+// Every pair of the table with the hash, from the order of all pairs that is made once.
 void Complete_lookup::take_unsorted(Key_index& index, std::vector<std::int64_t>& offsets,
                                     scl::Scl_status& status) {
-    for (const Hash_place& pair : pairs_.all_with(index, wanted_.hash, status)) {
+    for (const Hash_index& pair : pairs_.all_with(index, wanted_.hash, status)) {
         std::uint64_t hash = 0;
         std::int64_t record_offset = 0;
-        pairs_.go_to(index.samples.front().offset + pair.place * TLA_INDEX_PAIR_BYTES);
+        pairs_.go_to(index.samples.front().offset + pair.index * TLA_INDEX_PAIR_BYTES);
         pairs_.read_hash(hash, status);
         pairs_.read_offset(record_offset, status);
         if (status.has_failed()) return;

@@ -20,6 +20,7 @@ void Rule_lookup::find(Key_index& index, std::uint32_t record_count, Entries& re
                        scl::Scl_status& status) {
     const std::size_t block_index = index.block_index_of(wanted_.hash);
     if (block_index == index.samples.size()) return;
+    // `end` is the block's size and not what the table has left: the rule, see scan().
     scan({.offset = index.samples[block_index].offset,
           .first = pairs_.first_with(index, block_index, wanted_.hash, status),
           .end = std::min(index.block_size, record_count),

@@ -57,10 +57,12 @@ void Tla_data_set_connector_file::hold_in_memory() {
 
 void Tla_data_set_connector_file::set_parameter(std::string_view name, std::u16string_view value,
                                                 scl::Scl_status& /*status*/) {
+    // Other parameters belong to other kinds of connectors, and are passed over.
     if (scl::scl_utf8_compare_nc(name, FILE_NAME_PARAMETER) == 0) state_->data_file_name = value;
 }
 
 void Tla_data_set_connector_file::open(scl::Scl_status& status) {
+    // An open file is let go first, even when the new one then fails to open.
     state_->source.reset();
     auto file = std::make_unique<scl::Scl_file_buffer>(
         state_->data_file_name, scl::Scl_file_open::existing, scl::Scl_file_access::read,
@@ -107,6 +109,7 @@ void Tla_data_set_connector_file::load(scl::Scl_status& status, bool accept_any_
         status = TLA_STATUS_NOT_OPEN;
         return;
     }
+    // The only place where memory runs out in proportion to the file: fields, samples, bytes.
     try {
         load_open_file(status, accept_any_version);
     } catch (const std::bad_alloc&) {
@@ -127,6 +130,7 @@ void Tla_data_set_connector_file::load_open_file(scl::Scl_status& status, bool a
         state_->entry_fields->index_names();
     }
     if (status.has_failed()) return;
+    // 0 when the pairs of all keys would not fit into the numbers that index them.
     state_->block_size = index_block_size(state_->header.record_count, state_->header.key_count);
     if (state_->block_size == 0) {
         status = TLA_STATUS_TOO_MANY_PAIRS;
@@ -138,6 +142,7 @@ void Tla_data_set_connector_file::load_open_file(scl::Scl_status& status, bool a
 // One pass over the file takes the checksum and, when asked to, keeps the bytes.
 void Tla_data_set_connector_file::read_body(scl::Scl_status& status) {
     const std::uint64_t size = file_size();
+    // Such a file ends inside its header, whatever that says.
     if (size <= TLA_CHECKED_FROM) {
         status.push(TLA_STATUS_NO_DATA_SET, scl::Scl_wstring_status_arg(state_->data_file_name));
         return;
@@ -155,6 +160,7 @@ void Tla_data_set_connector_file::read_body(scl::Scl_status& status) {
     }
 }
 
+// Table after table: only the end of one tells where the next begins.
 void Tla_data_set_connector_file::read_key_indexes(scl::Scl_status& status) {
     scl::Scl_buffered_istream in(state_->source->file(), status);
     in.limit_read_ahead(SAMPLE_READ_AHEAD_BYTES);
@@ -184,7 +190,8 @@ std::unique_ptr<Tla_data_set_connector_file> Tla_data_set_connector_file::share(
     return other;
 }
 
-std::span<const std::byte> Tla_data_set_connector_file::held_bytes() const {
+// Empty too for an open file that is not in memory: buffers of files have no contents.
+std::span<const std::byte> Tla_data_set_connector_file::bytes_in_memory() const {
     return is_open() ? state_->source->file().contents() : std::span<const std::byte>();
 }
 

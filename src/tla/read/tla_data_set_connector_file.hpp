@@ -75,8 +75,8 @@ public:
     // when nothing is loaded. Any number of threads may call it at a time, as long as nothing else
     // is done with this connector.
     [[nodiscard]] std::unique_ptr<Tla_data_set_connector_file> share() const;
-    // The file's bytes where they are held in memory, until close(); else empty.
-    [[nodiscard]] std::span<const std::byte> held_bytes() const;
+    // The file's bytes where it was loaded into memory, until close(); else empty.
+    [[nodiscard]] std::span<const std::byte> bytes_in_memory() const;
 
     // Adds the offsets of every record whose key field has these token values and that has a pair
     // in the key table, ascending and each once; unlike find_entries also those on both sides of

@@ -45,6 +45,7 @@ Tla_data_set_connector_file::record_offsets(scl::Scl_status& status) {
     if (state_->key_indexes.empty()) return state_->record_offsets;
     for (const Index_sample& sample : state_->key_indexes.front().samples) {
         if (status.has_failed()) break;
+        // Samples stand a block apart, so only the last block can be short.
         const auto collected = static_cast<std::int64_t>(state_->record_offsets.size() - before);
         const std::uint32_t missing = state_->header.record_count - checked_u32(collected);
         state_->source->pairs.append_offsets(sample.offset, std::min(state_->block_size, missing),

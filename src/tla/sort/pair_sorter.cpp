@@ -12,7 +12,7 @@ namespace {
 
 constexpr unsigned HASH_BITS = 64;
 
-// Each bucket is written at a place of its own. Of 256 buckets, the cache lines and the pages in
+// Each bucket grows in a page of its own. Of 256 buckets, the cache lines and the pages in
 // turn stay in the caches: sorting a million pairs takes less time than with 1024 buckets.
 // More are used only where 256 would each grow too large to be sorted in one piece.
 constexpr unsigned FEW_BUCKETS_BITS = 8;

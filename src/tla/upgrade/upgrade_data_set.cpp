@@ -18,6 +18,7 @@ namespace tla {
 
 namespace {
 
+// With any version: what an upgrade reads is never current.
 void load_old_file(std::u16string_view path, Tla_data_set_connector_file& old_file,
                    scl::Scl_status& status) {
     old_file.set_parameter("DataFileName", path, status);
@@ -25,6 +26,8 @@ void load_old_file(std::u16string_view path, Tla_data_set_connector_file& old_fi
     if (!status.has_failed()) old_file.load(status, true);
 }
 
+// The texts of a record, as the fields of a line. There are none in a file of a version below the
+// latest that nobody knows: it is read like the latest.
 void gather_texts(const Tla_data_set_entry_file& entry, const std::vector<Field_descriptor>& fields,
                   std::vector<std::string_view>& stored, Tla_field_copies& texts,
                   scl::Scl_status& status) {
@@ -43,6 +46,8 @@ void gather_texts(const Tla_data_set_entry_file& entry, const std::vector<Field_
 Tla_wrapped_records convert_records(std::u16string_view path, Tla_data_set_connector_file& old_file,
                                     scl::Scl_ostream& out, scl::Scl_status& status) {
     const std::vector<Field_descriptor>& fields = old_file.field_descriptors();
+    // Those in the first key table, with doubled ones: what that does not lead to is not taken
+    // over.
     std::vector<std::int64_t> offsets = old_file.record_offsets(status);
     std::ranges::sort(offsets);
     Tla_read_budget budget(old_file.file_size(), path);
@@ -54,6 +59,7 @@ Tla_wrapped_records convert_records(std::u16string_view path, Tla_data_set_conne
         const auto entry = old_file.read_entry(offset, status);
         if (entry == nullptr) break;
         gather_texts(*entry, fields, stored, texts, status);
+        // A crafted table may lead to one long record a million times.
         budget.take(entry->record_size(), status);
         if (status.has_failed()) break;
         processor.process({texts.fields()}, out, status);
@@ -80,6 +86,7 @@ void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
     scl::scl_string_append(path, input_path);
     Tla_data_set_connector_file old_file;
     load_old_file(path, old_file, status);
+    // A current file is no fault: nothing is done, and the output stays empty.
     if (status.has_failed() || old_file.version() >= TLA_LATEST_VERSION.number) return;
     // A new file may not have such names. Refused before the records are converted, which takes
     // memory for each field.

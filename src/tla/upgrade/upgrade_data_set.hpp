@@ -15,9 +15,9 @@ namespace tla {
 // TLA_STATUS_NO_TEXT with the field's name for a record that stores no text, TLA_STATUS_NO_DATA_SET
 // with the file's name for records that are together longer than their file, and for far more keys
 // than its size warrants; the warning TLA_STATUS_COUNT_WRAPPED for records with a value of more
-// than 65,535 tokens, by their places in the old file; the warning TLA_STATUS_RECORDS_LOST when the
-// new file has fewer records than the old one's header claims. Throws std::runtime_error for a text
-// of more than 15,000,000 tokens.
+// than 65,535 tokens, by their numbers in the old file; the warning TLA_STATUS_RECORDS_LOST when
+// the new file has fewer records than the old one's header claims. Throws std::runtime_error for a
+// text of more than 15,000,000 tokens.
 void upgrade_data_set(std::string_view input_path, scl::Scl_buffer& output,
                       scl::Scl_status& status);
 

@@ -25,6 +25,8 @@ Tla_build_result read_input(const Tla_build_plan& plan, scl::Scl_buffered_istrea
 
 } // namespace
 
+// One pass over the text makes the records, the pairs of the first key and, in the output, a copy
+// of the records; what follows only puts tables behind them.
 Tla_build_result build_data_set(const Tla_build_plan& plan, scl::Scl_buffered_istream& in,
                                 scl::Scl_buffer& scratch, scl::Scl_buffer& output,
                                 scl::Scl_status& status) {

@@ -10,7 +10,7 @@
 
 namespace tla {
 
-// What a data set is made by.
+// What a data set is made of, besides its records.
 struct Tla_build_plan {
     std::span<const Field_descriptor> fields;     // the columns of the input
     std::span<const std::u16string> key_names;    // at least one; written as the fields' names are
@@ -24,13 +24,13 @@ struct Tla_build_result {
     Tla_wrapped_records wrapped;    // by the numbers of those lines
 };
 
-// Makes a data set file of the lines of an input. `scratch`, empty and writable, holds the records
-// meanwhile. All are borrowed for the call and stay open; what is written may not have reached
-// `output`'s file before that is closed.
+// Makes a data set file of the lines of an input. `scratch`, empty and writable, gets the records
+// section first. Nothing is owned, and all buffers stay open: close `output` to know that its bytes
+// have reached the file.
 //
-// Codes are those of Tla_record_reader::read_records and of write_data_set_file; after an input
-// error, told by the result, nothing is written to `output`. Throws std::runtime_error for a value
-// of more tokens than there may be.
+// Codes are those of Tla_record_reader::read_records and of write_data_set_file. After an error in
+// the input, which the result tells, `output` is empty. Throws std::runtime_error for a value of
+// more than 15,000,000 tokens.
 [[nodiscard]] Tla_build_result build_data_set(const Tla_build_plan& plan,
                                               scl::Scl_buffered_istream& in,
                                               scl::Scl_buffer& scratch, scl::Scl_buffer& output,

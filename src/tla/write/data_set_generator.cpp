@@ -16,6 +16,7 @@ namespace tla {
 
 namespace {
 
+// In the order in which their tables are written.
 using Key_names = std::span<const std::u16string>;
 using Schema = std::span<const Field_descriptor>;
 
@@ -53,6 +54,7 @@ void write_key_table(std::u16string_view key_name, Schema schema, Key_pairs& pai
     if (!status.has_failed()) write_key_pairs(pairs, recorded, out, status);
 }
 
+// Without `made`, as in an upgrade, nothing was counted on the way.
 bool knows_all(const Records_made* made) {
     return made != nullptr && made->collector.knows_all();
 }
@@ -76,6 +78,7 @@ std::uint64_t count_checked(Key_names key_names, Schema schema, const scl::Scl_b
     }
     const std::uint64_t count = count_all(schema.size(), records, made, status);
     if (status.has_failed()) return 0;
+    // The header has 16 bits for keys and 32 for records.
     if (!Tla_header_counts::can_hold(key_names.size(), count)) status = TLA_STATUS_TOO_MANY_PAIRS;
     return count;
 }
@@ -114,6 +117,8 @@ void write_checksum(const scl::Scl_crc64& checksum, scl::Scl_buffer& output,
 
 } // namespace
 
+// The order of the file, front to back: one pass of writing, and the checksum grows with it. Only
+// the eight bytes of the checksum are written a second time.
 std::uint64_t write_data_set_file(Key_names key_names, const Tla_header_writer& header,
                                   const scl::Scl_buffer& records, const Records_made* made,
                                   scl::Scl_buffer& output, scl::Scl_status& status) {

@@ -15,17 +15,16 @@ class Record_collector;
 class Record_file;
 class Tla_header_writer;
 
-// What a build knows of its records when all are made.
+// What a build already knows when all records are made.
 struct Records_made {
     Record_collector& collector; // their number, and the pairs of the first key
     Record_file& file;           // the scratch file, and whether the output has the records, too
 };
 
-// Makes a data set file of version 2 from records in the layout of its records section. `records`
-// is copied as it is; key tables are made by reading it, one after the other, with 16 bytes of
-// memory a record. What `made` knows or has done is not done again; it is null when the records
-// come from elsewhere. Everything is borrowed for the call and stays open. Returns the record count
-// that the header has.
+// Writes a data set file of version 2. `records` has the records as the file will have them, and is
+// copied. Each key table takes a pass over it and 16 bytes of memory a record. With `made`, which
+// may be null, the copy and the first key's pass are not done again. Nothing is owned, and buffers
+// stay open. Returns the record count that stands in the header.
 //
 // Sets TLA_STATUS_FIELD_LIST when two fields share a name, TLA_STATUS_TOO_MANY_PAIRS for more keys
 // or records than a header can count, TLA_STATUS_KEY_NAME when a key name is no field's (capitals

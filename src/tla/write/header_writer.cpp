@@ -9,6 +9,7 @@ namespace tla {
 Tla_header_writer::Tla_header_writer(std::span<const Field_descriptor> fields)
     : fields_(fields), field_list_(tla_field_list_of(fields)) {}
 
+// Known before anything is written: record offsets in key tables count from the file's start.
 std::uint64_t Tla_header_writer::header_end() const {
     return tla_aligned(TLA_FIELD_LIST_OFFSET + field_list_.size());
 }
@@ -31,6 +32,7 @@ void Tla_header_writer::write(const Tla_header_counts& counts, scl::Scl_ostream&
 
 void tla_pad_to_eight(scl::Scl_ostream& out, scl::Scl_status& status) {
     constexpr std::uint8_t ZERO = 0;
+    // At most seven bytes, once a key: no need to write them in one go.
     while (out.tell() % TLA_ALIGNMENT != 0 && !status.has_failed()) {
         out.write_le(ZERO, status);
     }

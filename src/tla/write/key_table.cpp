@@ -58,7 +58,7 @@ private:
         any_ = true;
     }
 
-    Record_comparer comparer_; // one for all: it has what lies near the last records at hand
+    Record_comparer comparer_; // one for all: it still has what it read near the last records
     const Offset_tagger& tagger_;
     std::uint64_t header_end_;
     scl::Scl_ostream& out_;
@@ -69,6 +69,7 @@ private:
 
 } // namespace
 
+// One pass over the scratch file for each key but, mostly, the first.
 void read_key_pairs(std::size_t key_field, const Recorded& recorded, Key_pairs& pairs,
                     scl::Scl_status& status) {
     scl::Scl_buffered_istream in(recorded.records, status);
@@ -94,6 +95,7 @@ void write_key_name(std::u16string_view key_name, scl::Scl_ostream& out, scl::Sc
     tla_pad_to_eight(out, status);
 }
 
+// Draining sorts: pairs come out in the order of their hashes, then of their offsets.
 void write_key_pairs(Key_pairs& pairs, const Recorded& recorded, scl::Scl_ostream& out,
                      scl::Scl_status& status) {
     Key_table_writer writer(pairs.tagger(), recorded, out, status);

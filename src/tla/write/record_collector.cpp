@@ -31,6 +31,7 @@ Record_collector::Record_collector(const Tla_header_writer& header, std::u16stri
     : next_offset_(header.header_end()), largest_offset_(next_offset_ + MOST_GROWTH * input_size) {
     const auto fields = header.fields();
     const auto key = std::ranges::find(fields, first_key, &Field_descriptor::name);
+    // The generator tells of the unknown key. With an unknown type, records cannot be told apart.
     if (key == fields.end() || has_unknown_type(fields)) return;
     pairs_.emplace(input_size / TEXT_BYTES_A_RECORD, largest_offset_);
     pairs_->begin_key(static_cast<std::size_t>(key - fields.begin()));

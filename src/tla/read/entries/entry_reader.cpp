@@ -17,6 +17,7 @@ Entry_reader::Entry_reader(std::shared_ptr<const Entry_source> source,
                            const Tla_data_set_header& header)
     : source_(std::move(source)), header_(header), stream_(*source_->file) {}
 
+// The entry shares the source: it answers even when the connector has opened another file since.
 std::unique_ptr<Tla_data_set_entry_file> Entry_reader::make(std::int64_t record_offset) const {
     return std::unique_ptr<Tla_data_set_entry_file>(new Tla_data_set_entry_file(
         source_, header_.version().number, header_.data_start, record_offset));

@@ -27,12 +27,14 @@ std::size_t Entry_fields::find(std::u16string_view name) const {
     return found != by_name_.end() && name_of(*found) == name ? *found : fields.size();
 }
 
+// Not for few names, and not for more than an index of 32 bits can count.
 void Entry_fields::index_names() {
     const bool is_long =
         list_->size() > FEW_FIELDS && list_->size() <= std::numeric_limits<std::uint32_t>::max();
     by_name_ = is_long ? tla_order_by_name(*list_) : std::vector<std::uint32_t>();
 }
 
+// Swapped, not copied: it runs in a destructor, where nothing may throw.
 void Entry_fields::keep(std::vector<Field_descriptor>& list) noexcept {
     kept_.swap(list);
     list_ = &kept_;

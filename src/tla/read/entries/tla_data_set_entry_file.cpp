@@ -17,15 +17,18 @@ namespace tla {
 
 namespace {
 
-// A few steps from count to count cost less than a place for each field.
+// A few steps from count to count cost less than an offset for each field.
 constexpr std::size_t NOTED_FIELDS = 64;
 
+// A position may lie behind the end: offsets come from the file.
 std::uint64_t bytes_left(const scl::Scl_buffered_istream& in, scl::Scl_status& status) {
     const std::uint64_t size = in.size(status);
     return size - std::min(in.tell(), size);
 }
 
 // Removes the first text, and the byte that ends it, from the rest of a record.
+// Either byte ends a text, since a damaged record may end early. Past the last one comes an empty
+// text, as often as asked.
 std::string_view next_text(std::string_view& rest) {
     constexpr std::array ENDS = {TLA_TEXT_END, TLA_TEXT_RECORD_END};
     const std::string_view text =
@@ -44,6 +47,7 @@ Tla_data_set_entry_file::Tla_data_set_entry_file(std::shared_ptr<const Entry_sou
       data_start_(data_start),
       version_(version) {}
 
+// A field that the record does not have is no fault: false, and nothing is changed.
 bool Tla_data_set_entry_file::token_values(std::u16string_view field_name,
                                            std::vector<std::uint64_t>& values,
                                            Formatter_type_id& type) const {
@@ -73,6 +77,7 @@ bool Tla_data_set_entry_file::texts(std::vector<std::string_view>& texts) const 
     return true;
 }
 
+// Compared in the form in which the record has them: values as bytes, without a copy.
 bool Tla_data_set_entry_file::holds(std::size_t field,
                                     std::span<const std::uint64_t> values) const {
     if (field >= field_count_) return false;
@@ -132,6 +137,7 @@ std::span<const std::byte> Tla_data_set_entry_file::field_bytes(std::size_t fiel
 // their square.
 void Tla_data_set_entry_file::note_starts() {
     if (field_count_ <= NOTED_FIELDS) return;
+    // One offset for every 64 fields: a record of 200,000 fields takes 25 KB more, not 1.6 MB.
     starts_.reserve(field_count_ / NOTED_FIELDS + 1);
     std::size_t at = 0;
     for (std::size_t field = 0; field < field_count_; ++field) {
@@ -163,6 +169,7 @@ bool Tla_data_set_entry_file::values_of(std::size_t field,
 void Tla_data_set_entry_file::read_values(scl::Scl_buffered_istream& in, scl::Scl_status& status) {
     const auto record = tla_whole_record(in.window(status), fields().size());
     if (record.empty()) return read_long_values(in, status);
+    // A window of a file on disk is written over by the next read, so its bytes are copied.
     if (source_->file->contents().empty()) {
         record_.assign(reinterpret_cast<const char*>(record.data()), record.size());
     } else {

@@ -8,6 +8,7 @@
 
 namespace tla {
 
+// All fields in one pass: a caller that asks for one key mostly asks for the others as well.
 std::vector<std::uint16_t> largest_token_counts(const scl::Scl_buffer& file,
                                                 const Tla_data_set_header& header,
                                                 scl::Scl_status& status) {

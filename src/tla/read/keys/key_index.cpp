@@ -97,6 +97,7 @@ Key_index read_key_index(scl::Scl_buffered_istream& in, std::uint32_t record_cou
     read_samples(in, record_count, index, status);
     // Kept as long as the connector: without spare room.
     index.samples.shrink_to_fit();
+    // All unknown: each block is looked at when a lookup first comes to it.
     index.orders.resize(index.samples.size());
     index.samples_ascend = std::ranges::is_sorted(index.samples, {}, &Index_sample::first_hash);
     return index;

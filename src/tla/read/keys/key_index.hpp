@@ -45,13 +45,13 @@ static_assert(sizeof(Index_sample) == 16);
 // can have a right checksum and mixed pairs, and loading reads only the samples.
 enum class Block_order : std::uint8_t { unknown, ascending, mixed };
 
-// A pair's hash, and its index in the table. Ordered by hash, then by place.
-struct Hash_place {
+// A pair's hash, and its index in the table. Ordered by hash, then by index.
+struct Hash_index {
     std::uint64_t hash;
-    std::uint32_t place;
+    std::uint32_t index;
 
     // NOLINTNEXTLINE(modernize-use-nullptr): no pointer
-    [[nodiscard]] auto operator<=>(const Hash_place&) const = default;
+    [[nodiscard]] auto operator<=>(const Hash_index&) const = default;
 };
 
 // A block of a key table.
@@ -78,7 +78,7 @@ struct Key_index {
     bool samples_ascend = true;        // false in a crafted file, mostly: see docs/reading.md
     // Every pair, ordered, from the first lookup on that meets a block whose pairs do not ascend.
     // As large as the table, which is then read no more than this once.
-    std::vector<Hash_place> by_hash;
+    std::vector<Hash_index> by_hash;
 
     // The block that a lookup begins with: the first that begins with the hash or below it and
     // whose successor, if there is one, begins above it. The number of blocks when there is none.

@@ -16,6 +16,7 @@ constexpr std::uint32_t WINDOW_PAIRS =
 // More than most values have. A larger read would mostly copy bytes that nobody looks at.
 constexpr std::uint32_t FEW_PAIRS = 128;
 
+// The two halves of a pair, wherever the window of bytes begins: loads need no alignment.
 std::uint64_t hash_at(std::span<const std::byte> pairs, std::size_t index) {
     return scl::scl_load_le<std::uint64_t>(&pairs[index * TLA_INDEX_PAIR_BYTES]);
 }
@@ -91,25 +92,26 @@ std::uint32_t Pair_reader::first_with(Key_index& index, std::size_t block_index,
     order_pairs(index, status);
     if (status.has_failed()) return 0;
     const auto begin = static_cast<std::uint32_t>(block_index * index.block_size);
-    const auto found = std::ranges::lower_bound(index.by_hash, Hash_place{hash, begin});
+    const auto found = std::ranges::lower_bound(index.by_hash, Hash_index{hash, begin});
     const bool has_it = found != index.by_hash.end() && found->hash == hash &&
-                        found->place - begin < block.pair_count;
-    return has_it ? found->place - begin : block.pair_count;
+                        found->index - begin < block.pair_count;
+    return has_it ? found->index - begin : block.pair_count;
 }
 
-std::span<const Hash_place> Pair_reader::all_with(Key_index& index, std::uint64_t hash,
+std::span<const Hash_index> Pair_reader::all_with(Key_index& index, std::uint64_t hash,
                                                   scl::Scl_status& status) {
     order_pairs(index, status);
-    const std::span<const Hash_place> places = index.by_hash;
-    const auto begin = std::ranges::lower_bound(places, hash, {}, &Hash_place::hash);
-    const auto end = std::ranges::upper_bound(begin, places.end(), hash, {}, &Hash_place::hash);
+    // Sorted by hash first, so that all pairs of one hash are neighbours.
+    const std::span<const Hash_index> pairs = index.by_hash;
+    const auto begin = std::ranges::lower_bound(pairs, hash, {}, &Hash_index::hash);
+    const auto end = std::ranges::upper_bound(begin, pairs.end(), hash, {}, &Hash_index::hash);
     return {begin, end};
 }
 
 // Reads the whole table, once.
 void Pair_reader::order_pairs(Key_index& index, scl::Scl_status& status) {
     if (!index.by_hash.empty() || index.samples.empty()) return;
-    std::vector<Hash_place> ordered;
+    std::vector<Hash_index> ordered;
     ordered.reserve(index.pair_count); // pairs that the file has
     go_to(index.samples.front().offset);
     while (ordered.size() < index.pair_count && !status.has_failed()) {
@@ -127,6 +129,7 @@ void Pair_reader::order_pairs(Key_index& index, scl::Scl_status& status) {
 
 bool Pair_reader::ascends(const Key_block& block, scl::Scl_status& status) {
     go_to(block.offset);
+    // No hash is below it, so the first pair passes.
     std::uint64_t last = 0;
     for (std::uint32_t left = block.pair_count; left > 0;) {
         const auto pairs = whole_pairs(left, status);

@@ -33,7 +33,7 @@ public:
                                            std::uint64_t hash, scl::Scl_status& status);
     // All pairs of the table that have the hash, in its order. Fills `index.by_hash`: for tables
     // that are not sorted.
-    [[nodiscard]] std::span<const Hash_place> all_with(Key_index& index, std::uint64_t hash,
+    [[nodiscard]] std::span<const Hash_index> all_with(Key_index& index, std::uint64_t hash,
                                                        scl::Scl_status& status);
     // Adds the record offsets of up to `count` pairs; the first pair is at `pair_offset` in the
     // file.
