@@ -26,8 +26,8 @@ struct Txt_association {
     bool operator==(const Txt_association&) const = default;
 };
 
-// What callers attached to the tokens of a view, one association of each kind to a token. Few
-// tokens have any, so they are kept beside the tokens and not in them.
+// The associations of all tokens of a view, one of each kind to a token. Few tokens have any, so a
+// map beside the tokens takes less memory than a member of each.
 class Associations {
 public:
     // False when the token has one of this kind already.
@@ -38,11 +38,11 @@ public:
     bool remove(const Txt_token& token, const Txt_association_kind& kind) {
         return objects_.erase({&token, kind}) != 0;
     }
-    // All that the token has; returns how many.
+    // Removes all that the token has; returns how many there were.
     std::size_t remove_all(const Txt_token& token);
     void clear() { objects_.clear(); }
 
-    // All that the token has, ordered by kind.
+    // All associations of the token, ordered by kind.
     [[nodiscard]] std::vector<Txt_association> find(const Txt_token& token) const;
     [[nodiscard]] bool has(const Txt_token& token, const Txt_association_kind& kind) const {
         return objects_.contains({&token, kind});

@@ -14,10 +14,10 @@ namespace txt {
 
 class Txt_virtual_token;
 
-// A token that the tokeniser found in a content, with its place in its view's list. The view
-// destroys it, but does not own its memory.
+// A token that the tokeniser found in a content, and a node of its view's list. The view calls its
+// destructor, but does not own its memory.
 //
-// Tokens are many and short-lived, so a token is little more than its links and two views of text
+// Tokens are many and short-lived, so a token is little more than two links and two views of texts
 // that its view keeps.
 class Txt_physical_token : public Txt_token {
 public:
@@ -28,11 +28,11 @@ public:
     [[nodiscard]] std::uint32_t type() const override;
     [[nodiscard]] Txt_physical_token* previous() const override;
     [[nodiscard]] Txt_physical_token* next() const override;
-    // Back to where it was; false too when its former neighbours are no neighbours any more. So
-    // tokens are linked in the reverse order of unlinking.
+    // Puts the token back between its former neighbours; false also when these are not next to each
+    // other any more. So link tokens in the reverse order of unlinking.
     bool link() override;
-    // Its associations go, and the virtual tokens that begin or end with it. A token that is never
-    // linked again is not destroyed by the view.
+    // Drops the token's associations, and the virtual tokens that begin or end with it. The view
+    // does not destroy a token that is never linked again.
     bool unlink() override;
     [[nodiscard]] Txt_text_view& view() const override;
     [[nodiscard]] std::size_t position() const override;
@@ -40,36 +40,36 @@ public:
     [[nodiscard]] std::u16string_view text_entry() const override;
     [[nodiscard]] std::u16string_view trailer_entry() const override;
 
-    // A token of this class knows of no content, and so cannot edit any: all edits are false here.
-    // Those that know one override them, make_safe() through replace_run().
+    // A token of this class has no content behind it, so all edits return false. Classes that have
+    // one override them; make_safe() works through replace_run().
     [[nodiscard]] bool redact(std::size_t skip, std::size_t count) override;
     [[nodiscard]] bool make_safe() override;
     [[nodiscard]] bool replace_text(std::u16string_view text, std::u16string_view before,
                                     std::u16string_view after) override;
 
-    // Itself.
+    // Both are this token.
     [[nodiscard]] const Txt_physical_token& front() const override;
     [[nodiscard]] const Txt_physical_token& back() const override;
 
-    // For the view, which numbers its tokens.
+    // Called by the view when it numbers its tokens.
     virtual void position(std::size_t position);
 
     // Replaces the trailer, which the view then keeps.
     virtual void trailer_text(std::u16string_view trailer);
     using Txt_token::trailer_text;
 
-    // Whether it is text that a caller attached an association of this kind to.
+    // Whether it has text, and an association of this kind.
     [[nodiscard]] virtual bool is_text(const Txt_association_kind& kind) const;
     using Txt_token::is_text;
 
-    // The virtual tokens whose run this one is in.
+    // The virtual tokens that contain this one.
     [[nodiscard]] virtual std::vector<Txt_virtual_token*> vtokens() const;
 
-    // An edit as those of Txt_token: the text goes, the trailer stays.
+    // An edit like those of Txt_token: removes the text; the trailer stays.
     [[nodiscard]] virtual bool remove();
 
-    // An edit as well: `text` takes the place of everything from this token's text to that of
-    // `back`, both included, and so of the trailers between. `back` is this token or one after it.
+    // An edit: `text` replaces everything from this token's text to the text of `back`, both
+    // included, with the trailers between them. `back` is this token or a later one.
     [[nodiscard]] virtual bool replace_run(const Txt_physical_token& back,
                                            std::u16string_view text);
 
@@ -82,11 +82,11 @@ private:
     std::u16string_view text_;
     std::u16string_view trailer_;
     std::uint32_t type_;
-    std::uint32_t position_ = 0; // when the view has numbered its tokens
+    std::uint32_t position_ = 0; // valid once the view has numbered its tokens
 };
 
-// Walks the physical tokens of a view, both ways. Valid while the view's tokens stay as they are:
-// it holds the last token, from which it walks back when it is past the end.
+// Walks over the physical tokens of a view, both ways. Valid until a token is added, linked or
+// unlinked: it knows the last token, to walk back from behind the end.
 class Txt_token_iterator {
 public:
     using iterator_category = std::bidirectional_iterator_tag;
@@ -96,7 +96,7 @@ public:
     using reference = const Txt_physical_token&;
 
     Txt_token_iterator() = default;
-    // At `token`, or, null, past `last`, the view's last one.
+    // At `token`; null means behind `last`, the view's last token.
     Txt_token_iterator(pointer token, pointer last) : token_(token), last_(last) {}
 
     reference operator*() const { return *token_; }

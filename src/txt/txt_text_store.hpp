@@ -13,10 +13,14 @@
 
 namespace txt {
 
-// Keeps texts at addresses that stay, each with a zero unit after its end. One text, the newest, is
-// open: it grows at its end and can be cut back until keep() closes it. Texts live as long as the
-// store. Memory exhausted (std::bad_alloc) is the only failure. The first FIRST_UNITS cost no
-// allocation.
+// Keeps texts at addresses that do not change, each with a zero unit behind it:
+//
+//     | S m i t h 0 | J o h n 0 | M a r |  unused  |
+//       kept          kept        open    open_ .. at_ .. limit_
+//
+// The newest text is open: it grows at its end, and can be cut back, until keep() closes it. Texts
+// live as long as the store. The first FIRST_UNITS units need no allocation; growing beyond them
+// can throw std::bad_alloc.
 class Txt_text_store {
 public:
     static constexpr std::size_t FIRST_UNITS = 256;
@@ -45,9 +49,8 @@ public:
     [[nodiscard]] std::span<char16_t> room() { return {at_, limit_}; }
     void grown(std::size_t units) { at_ += units; }
 
-    // Closes the open text, which no longer moves, and opens the next one behind its zero. If the
-    // zero took the last unit of the memory, the next text has no room, and append() moves it
-    // before its first unit.
+    // Closes the open text, which never moves from then on, and opens the next one behind its zero.
+    // When the zero takes the memory's last unit, the next append() gets new memory first.
     [[nodiscard]] std::u16string_view keep() {
         const std::u16string_view text = open_text();
         *at_ = u'\0';
@@ -71,15 +74,15 @@ private:
     std::unique_ptr<Further> further_; // once the first memory is used up
 };
 
-// Holds each text once, whoever asks for it. Views that are given the same table share their texts;
-// it must outlive them.
+// Keeps each text once. Views that are given the same table share their texts; the table must
+// outlive them.
 class Txt_text_table {
 public:
-    // The kept text equal to `text`, which is copied if it is new. Zero-terminated; it lives as
-    // long as the table does.
+    // The table's copy of the text, made if there is none yet. Zero-terminated; it lives as long as
+    // the table.
     [[nodiscard]] std::u16string_view insert(std::u16string_view text);
 
-    // The kept text equal to `text`; its data is null when there is none.
+    // The table's copy of the text; its data is null when there is none.
     [[nodiscard]] std::u16string_view lookup(std::u16string_view text) const;
 
 private:

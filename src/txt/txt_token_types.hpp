@@ -11,13 +11,13 @@
 
 namespace txt {
 
-// Which text of a token is meant.
+// Which form of a token's text to use.
 enum class Txt_text_form : std::uint32_t {
     whole = 0,   // as it stands; its length counts 16-bit units
     visible = 1, // without the characters that are not visible by themselves; counts characters
 };
 
-// The type of a token goes by its first character that is visible by itself.
+// A token's type depends on its first character that is visible by itself.
 inline constexpr std::uint32_t TXT_TOKEN_UNCLASSIFIED = 0x1000001; // also the empty placeholder
 inline constexpr std::uint32_t TXT_TOKEN_WORD = 0x1000002;
 inline constexpr std::uint32_t TXT_TOKEN_NUMBER = 0x1000003;
@@ -37,14 +37,14 @@ static_assert(txt_token_type(scl::Scl_unicode_code_point_type::number) == TXT_TO
 static_assert(txt_token_type(scl::Scl_unicode_code_point_type::punctuation) ==
               TXT_TOKEN_PUNCTUATION);
 
-// What a data set file holds of a token with this text: CRC-64/XZ over the text's 16-bit units,
-// little-endian, without a terminator; 0 for the empty text.
+// The value that a data set file stores for a token with this text: the CRC-64/XZ of its 16-bit
+// units, little-endian, without a terminator; 0 for the empty text.
 [[nodiscard]] inline std::uint64_t txt_token_value(std::u16string_view text) {
     if (text.empty()) return 0;
     return scl::Scl_crc64::calculate_units(text);
 }
 
-// The same of a text of either unit; ASCII bytes count as the units that they become.
+// The same for a text of either unit; ASCII bytes are widened to 16-bit units.
 [[nodiscard]] inline std::uint64_t txt_token_value(scl::Scl_text_span<char16_t> text) {
     return txt_token_value(text.view());
 }

@@ -129,9 +129,9 @@ template <typename Unit>
     return impl::is_short_run(text);
 }
 
-// Hands the tokens of a text, ASCII bytes or UTF-16 units, to `take(begin, end)` in their order.
-// A text that begins with white space gives an empty token first, the one that this trailer belongs
-// to.
+// Calls `take(begin, end)` for each token of a text, in order; units are ASCII bytes or UTF-16.
+// White space at the front is a trailer, and a trailer belongs to a token: an empty one comes
+// first.
 //
 // Twins: Txt_tokeniser finds the same tokens, character by character and with its callers'
 // checkpoints. Both ask impl::Word_state. Tested by Token_values.AreThoseOfTheView, and for

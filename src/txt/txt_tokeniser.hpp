@@ -27,21 +27,20 @@ enum class Txt_parse_operation : std::uint32_t {
 // of Unicode Standard Annex #29. A segment that starts with white space is a trailer, and so are
 // those after it: together they are one. Every other segment is a token.
 //
-// The caller does after each character what the operation asks (Txt_parse_operation): the token's
-// text stands in the store's open text, and it keeps the checkpoints. Time is linear in the text.
+// The caller carries out the operation that comes back for each character (Txt_parse_operation),
+// and keeps the checkpoints. The token's text is the store's open text. Time is linear in the text.
 class Txt_tokeniser final {
 public:
-    // Text, type and operation are all updated.
+    // Updates text, type and operation.
     void process(char32_t character, Txt_text_store& text, std::uint32_t& type,
                  Txt_parse_operation& operation);
 
-    // At the end of the data; the same updates. After `roll_back` the caller goes on from the
-    // checkpoint.
+    // The same for the end of the data. After `roll_back`, the caller goes on from the checkpoint.
     void breakpoint(Txt_text_store& text, std::uint32_t& type, Txt_parse_operation& operation);
 
-    // Takes as many of the leading units (16-bit, little-endian) as can only extend the token, or,
-    // where none is open, as start one, and returns how many bytes they are. Not 0, then type and
-    // operation are updated: `start` or `go_on`. process() would do the same with each of them.
+    // Takes the leading units (16-bit, little-endian) that surely extend the open token, or start
+    // one, and returns their size in bytes. When it is not 0, type and operation (`start` or
+    // `go_on`) are updated. process() would do the same, unit by unit.
     [[nodiscard]] std::size_t run(std::span<const std::byte> units, Txt_text_store& text,
                                   std::uint32_t& type, Txt_parse_operation& operation) {
         if (!type_settled_ || !state_.takes_runs()) return 0;

@@ -10,12 +10,12 @@
 
 namespace txt {
 
-// A token over a run of a view's physical tokens, such as a name of several words. Its text is that
-// of the run with the trailers in it, its trailer that of the run's last token. The view owns it,
-// and drops it when an end of its run is unlinked.
+// A token over a run of physical tokens, such as a name of several words. Its text is the run's
+// text, with the trailers between its tokens; its trailer is that of the last token. The view owns
+// it, and drops it when the first or last token of the run is unlinked.
 class Txt_virtual_token final : public Txt_token {
 public:
-    // From `front` to `back`, in the order of the view; the type is the caller's.
+    // From `front` to `back`, in the order of the view. The caller chooses the type.
     Txt_virtual_token(std::uint32_t type, Txt_physical_token& front, Txt_physical_token& back)
         : front_(&front), back_(&back), type_(type) {}
 
@@ -30,16 +30,13 @@ public:
     [[nodiscard]] std::u16string_view text_entry() const override;
     [[nodiscard]] std::u16string_view trailer_entry() const override;
 
-    // Over the visible characters of all tokens of the run, one token after the other; trailers do
-    // not count and stay. The first refusal ends it, with what was queued before still queued; so
-    // for replace_text().
+    // Counts visible characters over all tokens of the run; trailers do not count, and stay. The
+    // first refused edit ends it, and earlier ones stay queued. The same holds for replace_text().
     [[nodiscard]] bool redact(std::size_t skip, std::size_t count) override;
-    // As the text of the token holds the trailers in it, these go too: their white space is
-    // overwritten, and what attaches to that is taken out. So does what was unlinked between the
-    // ends of the run. One edit, queued whole or not at all.
+    // One edit over the whole run: trailers between the tokens are overwritten too, with what
+    // attaches to them, and so is what was unlinked inside the run.
     [[nodiscard]] bool make_safe() override;
-    // The first token gets the new text, if any, and the others are removed then; trailers between
-    // them stay.
+    // The first token gets the new text, and the others are removed; the trailers between stay.
     [[nodiscard]] bool replace_text(std::u16string_view text, std::u16string_view before,
                                     std::u16string_view after) override;
 

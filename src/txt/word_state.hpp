@@ -16,10 +16,10 @@ class Word_state {
 public:
     using Class = scl::Scl_unicode_code_point_type;
 
-    // Takes a character, given by its byte of the bit table. After `part` and `look` it is not
-    // taken yet and must be given again; after `roll_back`, the one where `look` was answered must
-    // be. "e. g" answers: e start, stop look, stop join, blank roll_back; then from the stop on:
-    // stop part, stop start, blank part, ...
+    // Takes a character, given by its byte of the bit table. After `part` and `look`, pass the same
+    // character again; after `roll_back`, the one for which `look` came back. For "e. g" the
+    // answers are: e start, stop look, stop join, blank roll_back; and then, from the stop on, stop
+    // part, stop start, blank part, ...
     //
     // One tailoring: a segment that starts with white space joins the trailer before it.
     Word_action take(std::uint8_t bits) {
@@ -43,8 +43,8 @@ public:
 
     // Whether any letter, digit or connector would start a segment or join the open one.
     [[nodiscard]] bool takes_runs() const { return WORD_RUNS[row_]; }
-    // Takes a whole run, given by its last unit: what follows only needs to know that one. Only
-    // while takes_runs() is true.
+    // Takes a whole run, of which only the last unit matters to what follows. Only while
+    // takes_runs() is true.
     void take_run(std::uint8_t last_bits) {
         if (!is_open()) in_trailer_ = false;
         row_ = WORD_STEPS[WORD_ROW_START][last_bits >> 3U].row;

@@ -17,7 +17,8 @@ using Dfc_facet_set = std::set<Dfc_facet_id>;
 // The cursor after the last item of an enumeration; the first one is 0.
 inline constexpr unsigned DFC_CURSOR_END = 0xFFFFFFFF;
 
-// One side of a codec, asked for by its identifier. A part of the codec: nobody else destroys it.
+// One way to use a codec, asked for by its identifier (Dfc_format_codec::query_facet). A facet is
+// part of its codec, and lives as long.
 class Dfc_format_facet {
 public:
     Dfc_format_facet(const Dfc_format_facet&) = delete;
@@ -33,7 +34,7 @@ protected:
 } // namespace dfc
 
 namespace txt {
-class Txt_text_view; // so that who handles facets only needs none of its headers
+class Txt_text_view; // declared only: callers that just add lines need not include it
 }
 
 namespace dff {
@@ -42,14 +43,14 @@ namespace dff {
 inline constexpr dfc::Dfc_facet_id DFF_TEXT_FACET_ID{
     0x54, 0x25, 0xA0, 0x7B, 0x5F, 0xA5, 0xFC, 0x42, 0xAA, 0xB9, 0x6A, 0xEF, 0x89, 0x55, 0xBD, 0x71};
 
-// Content seen as text.
+// Reads a content as text.
 class Dff_text_facet : public dfc::Dfc_format_facet {
 public:
     [[nodiscard]] const dfc::Dfc_facet_id& facet_id() const override { return DFF_TEXT_FACET_ID; }
     ~Dff_text_facet() override = default;
 
-    // The view with this index; null when there is none. The cursor, 0 to begin with, becomes the
-    // one to ask for the next view with, or dfc::DFC_CURSOR_END. The codec owns the view, which
+    // The view with this index; null when there is none. Begin with cursor 0; the call moves it to
+    // the next view, or to dfc::DFC_CURSOR_END behind the last. The codec owns the view, which
     // lives until other content is attached.
     [[nodiscard]] virtual txt::Txt_text_view* text_view(int index, unsigned& cursor) = 0;
 };
@@ -58,8 +59,8 @@ public:
 inline constexpr dfc::Dfc_facet_id DFF_ANNOTATION_FACET_ID{
     0x0C, 0x5F, 0xFA, 0xA3, 0x2C, 0x54, 0x41, 0x46, 0x9E, 0xD1, 0x8E, 0x6A, 0xE2, 0x4A, 0x2E, 0xF4};
 
-// Content that text can be added to, as lines of its own. The result tells whether the insert was
-// queued. Lengths are in bytes, and an odd one is misuse; the text is copied.
+// Adds lines to a content. True when the insert was queued. The text is copied. Lengths are in
+// bytes; an odd one throws std::invalid_argument.
 class Dff_annotation_facet : public dfc::Dfc_format_facet {
 public:
     [[nodiscard]] const dfc::Dfc_facet_id& facet_id() const override {

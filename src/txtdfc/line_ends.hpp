@@ -19,19 +19,18 @@ enum class Line_ending : std::uint32_t { lf = 2, crlf = 3 };
     return style == Line_ending::lf ? scl::W_LF : scl::W_CRLF;
 }
 
-// Appends the text as lines: each LF and CR LF in it becomes `line_end`, and one is added after the
-// last line if it has none. A lone CR stays, except as the very last unit, where it is taken for a
-// line end cut in two.
+// Appends the text as lines: each LF and CR LF becomes `line_end`, and the last line gets one if it
+// has none. A lone CR stays, except as the very last unit, where it counts as half a line end.
 void append_lines(std::u16string_view text, std::u16string_view line_end, std::u16string& lines);
 
-// Finds out how the lines of a content end. The last LF decides, so the scan goes backwards from
-// the end, no further than to the unit before that LF.
+// Finds out how the lines of a content end. The last LF decides, so the scan goes backwards, from
+// the end to the unit before that LF.
 class Content_analyser {
 public:
     static constexpr std::size_t CHUNK_BYTES = 512; // most last lines fit
 
-    // A chunk that cannot be read ends the scan. The status then holds what the buffer reported
-    // (SCL_STATUS_READ_FAILED for a file); the scan has no codes of its own.
+    // A chunk that cannot be read ends the scan, with the code of the buffer in the status
+    // (SCL_STATUS_READ_FAILED for a file).
     void scan(const scl::Scl_buffer& content, scl::Scl_status& status);
 
     // LF if the last LF has no CR before it; CR LF otherwise, and without any LF.

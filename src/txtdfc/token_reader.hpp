@@ -11,8 +11,9 @@
 
 namespace txtdfc {
 
-// Reads the tokens of a text: gives its characters to a tokeniser, does what that asks, and hands
-// each token and each trailer to a sink. Offsets are bytes in the content. The sink has
+// Reads the tokens of a text: passes its characters to a tokeniser, carries out the operations that
+// come back, and passes each token and trailer to a sink. Offsets are bytes in the content. A sink
+// has
 //
 //     void add_token(std::u16string_view text, std::uint32_t type, std::uint64_t offset,
 //                    std::uint64_t length);
@@ -26,9 +27,9 @@ public:
                  Sink& sink)
         : reader_(reader), tokeniser_(tokeniser), text_(text), sink_(sink) {}
 
-    // Reads from where the reader stands to the end, or until the status, which must be the one
-    // the reader reports in, has failed. Throws std::logic_error when the tokeniser breaks its
-    // contract.
+    // Reads from the reader's position to the end, or until the status has failed; it must be the
+    // status that the reader reports to. Throws std::logic_error when the tokeniser answers with an
+    // operation that does not fit.
     void read_all(scl::Scl_status& status);
 
 private:
@@ -73,6 +74,7 @@ void Token_reader<Tokeniser, Sink>::read_all(scl::Scl_status& status) {
     }
 }
 
+// A run of letters or digits in one step: nearly all words are one.
 template <typename Tokeniser, typename Sink>
 inline void Token_reader<Tokeniser, Sink>::take_run() {
     const std::size_t bytes = tokeniser_.run(reader_.buffered_bytes(), text_, type_, operation_);
@@ -137,6 +139,7 @@ inline void Token_reader<Tokeniser, Sink>::start(std::uint64_t offset) {
     checkpointed_ = false;
 }
 
+// Notes the token as it is before a character that may not belong to it, as the stop in "e.g".
 template <typename Tokeniser, typename Sink>
 inline void Token_reader<Tokeniser, Sink>::set_checkpoint(std::uint64_t offset) {
     checkpoint_length_ = text_.open_length();
@@ -145,6 +148,7 @@ inline void Token_reader<Tokeniser, Sink>::set_checkpoint(std::uint64_t offset) 
     checkpointed_ = true;
 }
 
+// Goes back to the checkpoint. The characters behind it are read again, as part of what follows.
 template <typename Tokeniser, typename Sink>
 void Token_reader<Tokeniser, Sink>::roll_back(scl::Scl_status& status) {
     if (!checkpointed_) {

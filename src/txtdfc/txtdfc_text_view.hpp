@@ -10,7 +10,7 @@ namespace txtdfc {
 
 class Txtdfc_format_codec;
 
-// The view that a codec gives of its content.
+// A codec's view of its content.
 class Txtdfc_text_view final : public txt::Txt_text_view {
 public:
     static constexpr std::uint32_t TYPE = 0;
@@ -19,16 +19,16 @@ public:
         : Txt_text_view(TYPE, table), codec_(&codec) {}
     ~Txtdfc_text_view() override;
 
-    // Not owned; owns this view.
+    // The codec owns this view.
     [[nodiscard]] Txtdfc_format_codec& codec() const { return *codec_; }
 
 private:
     Txtdfc_format_codec* codec_;
 };
 
-// A token that knows where in the content its text lies. Its edits go into the codec's queue, by
-// the rules of ucl::Ucl_buffer_patcher, which may refuse them; they are false as well, and nothing
-// is queued, unless the codec is modifiable.
+// A token that knows the offset of its text in the content. Its edits go to the codec's queue, by
+// the rules of ucl::Ucl_buffer_patcher. An edit returns false, and queues nothing, when the codec
+// is not modifiable or the patcher refuses it.
 class Txtdfc_physical_token final : public txt::Txt_physical_token {
 public:
     // The view must have kept the text. Offset and length are in bytes.
@@ -38,21 +38,20 @@ public:
           offset_(offset),
           length_(static_cast<std::uint16_t>(length)) {}
 
-    // One edit. When the last character skipped has several characters that attach to it, only the
-    // first of these stays; likewise only one goes with the last character overwritten. make_safe()
-    // leaves none.
+    // One edit. Of several marks on the last skipped character only the first stays; of several on
+    // the last overwritten one only the first goes. make_safe() leaves no mark.
     [[nodiscard]] bool redact(std::size_t skip, std::size_t count) override;
-    // Up to three edits: before the text, of it, and after it. When one is refused, those before it
-    // stay queued; a transaction can take them back.
+    // Up to three edits: before the text, of the text, and behind it. When one is refused, earlier
+    // ones stay queued; a transaction can roll them back.
     [[nodiscard]] bool replace_text(std::u16string_view text, std::u16string_view before,
                                     std::u16string_view after) override;
     [[nodiscard]] bool replace_run(const Txt_physical_token& back,
                                    std::u16string_view text) override;
     [[nodiscard]] bool remove() override;
 
-    // In bytes, both.
+    // Both in bytes.
     [[nodiscard]] std::uint64_t content_offset() const { return offset_; }
-    // Of a longer span only the low 16 bits: a token has no room for more. Edits go by the text.
+    // Only the low 16 bits, to keep tokens small. Edits use the length of the text instead.
     [[nodiscard]] std::uint16_t content_length() const { return length_; }
 
 private:

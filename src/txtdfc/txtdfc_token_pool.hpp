@@ -12,15 +12,17 @@
 
 namespace txtdfc {
 
-// How many tokens a text may have.
+// The largest number of tokens that a text may have.
 inline constexpr std::size_t TXTDFC_MAX_TOKENS = 15000000;
 
-// std::runtime_error, whose message names the limit.
+// Throws std::runtime_error; the message names the limit.
 [[noreturn]] void throw_too_many_tokens(std::size_t limit);
 
-// Memory for tokens, in slots of one size that never move. Tokens are made and destroyed in them
-// one by one, with one allocation for BLOCK_SLOTS tokens, and none for a short text: the first
-// block is part of the pool.
+// Memory for tokens, in slots of one size that never move:
+//
+//     first_      | slot | slot | ... BLOCK_SLOTS |     part of the pool: short texts allocate
+//     further_[0] | slot | slot | ... BLOCK_SLOTS |     nothing
+//     ...
 //
 // Destroying a view does not give its slots back. So the limit counts all tokens ever made with the
 // pool, less the slots that were given back.
@@ -39,16 +41,16 @@ public:
     // The most tokens the pool can hold.
     [[nodiscard]] std::size_t limit() const { return (max_further_ + 1) * BLOCK_SLOTS; }
 
-    // Memory for one token: the slot that was given back last, if there is one, or else a fresh
-    // one. Throws std::bad_alloc when the pool is exhausted or memory is.
+    // Memory for one token: the slot that was given back last, or else a fresh one. Throws
+    // std::bad_alloc when the pool has reached its limit or memory runs out.
     [[nodiscard]] void* take() {
         if (free_ != nullptr) return take_free();
         if (next_ == BLOCK_SLOTS) add_block();
         return &current_->slots[next_++];
     }
 
-    // `slot` is one that take() of this pool gave, and no token is in it any more: it has been
-    // destroyed, and is in no view. The next take() gives the slot again.
+    // Takes a slot of this pool back. Its token must have been destroyed and be in no view. The
+    // next take() returns this slot.
     void give_back(void* slot) { free_ = ::new (slot) Free_slot{free_}; }
 
 private:

@@ -14,7 +14,7 @@
 
 namespace txtdfc {
 
-// A byte order mark at the front is no part of the text.
+// The text behind a byte order mark, which is not part of it.
 [[nodiscard]] inline scl::Scl_text_span<char16_t>
 txtdfc_without_mark(scl::Scl_text_span<char16_t> text) {
     constexpr char16_t BYTE_ORDER_MARK = 0xFEFF;
@@ -25,9 +25,9 @@ txtdfc_without_mark(scl::Scl_text_span<char16_t> text) {
     return text; // ASCII holds none
 }
 
-// Hands the values of a text's tokens to `take`, in text order, without making a view. A text of a
-// byte order mark alone has none. Allocates nothing. Throws std::runtime_error after
-// TXTDFC_MAX_TOKENS tokens if the text has more.
+// Calls `take` with the value of each token of the text, in order, without making a view. A text
+// that is just a byte order mark has no tokens. Allocates nothing. Throws std::runtime_error behind
+// TXTDFC_MAX_TOKENS tokens when the text has more.
 //
 // Twins: a codec's view has the same tokens, with the same values (Txt_token::crc of the whole
 // text). Tested by Token_values.AreThoseOfTheView.
@@ -41,8 +41,8 @@ void txtdfc_each_token_value(scl::Scl_text_span<Unit> text, Take&& take) {
     });
 }
 
-// Replaces `values` by those of the text's tokens. False when there is no text, that is, nothing or
-// a byte order mark alone. Throws as above.
+// Replaces `values` by the values of the text's tokens. False when the text is empty or just a byte
+// order mark. Throws as above.
 [[nodiscard]] bool txtdfc_token_values(std::u16string_view text,
                                        std::vector<std::uint64_t>& values);
 
