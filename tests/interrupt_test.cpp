@@ -28,7 +28,7 @@ protected:
         std::filesystem::copy_file(DSMAKE_FAIL_NTH, place.path("fail_nth.so"));
         test::Rows rows;
         std::string lines;
-        for (int i = 0; i < 5000; ++i) {
+        for (int i = 0; i < 1000; ++i) {
             rows.push_back({"name" + std::to_string(i), "key" + std::to_string(i % 500)});
             lines += rows.back()[0] + "\t" + rows.back()[1] + "\n";
         }

@@ -10,14 +10,13 @@
 
 namespace tla {
 
-// What stands in a header besides the fields.
+// The numbers in a header.
 struct Tla_header_counts {
     std::uint16_t keys;
     std::uint32_t records;
     std::uint64_t records_size; // bytes of the records section
 
-    // With more of either the header would hold a wrapped number, and a reader would take the file
-    // for a small one.
+    // Larger numbers would wrap in the header, and readers would take the file for a small one.
     [[nodiscard]] static constexpr bool can_hold(std::uint64_t keys, std::uint64_t records) {
         return keys <= std::numeric_limits<std::uint16_t>::max() &&
                records <= std::numeric_limits<std::uint32_t>::max();
@@ -32,11 +31,11 @@ public:
 
     [[nodiscard]] std::span<const Field_descriptor> fields() const { return fields_; }
 
-    // Where the first record begins, in bytes. Known before any record is made, so that records
-    // can be noted with their offsets.
+    // The offset of the first record, in bytes. Known before any record is made, so that pairs can
+    // have the records' final offsets.
     [[nodiscard]] std::uint64_t header_end() const;
 
-    // With 0 for the checksum, which can only be known last. Codes are those of writing to `out`.
+    // Writes 0 for the checksum, which is known last. Codes are those of writing to `out`.
     void write(const Tla_header_counts& counts, scl::Scl_ostream& out,
                scl::Scl_status& status) const;
 
@@ -45,7 +44,7 @@ private:
     std::string field_list_;
 };
 
-// Zero bytes up to the next multiple of eight of the output position. Codes are those of writing.
+// Writes zero bytes until the output position is a multiple of eight. Codes are those of writing.
 void tla_pad_to_eight(scl::Scl_ostream& out, scl::Scl_status& status);
 
 } // namespace tla
