@@ -4,7 +4,7 @@
 set -eu
 build=$1
 source=$2
-for tool in dpkg-deb dpkg-shlibdeps file bash; do
+for tool in dpkg-deb dpkg-shlibdeps ar file bash; do
     command -v $tool >/dev/null || exit 77
 done
 grep -q '^CMAKE_INSTALL_PREFIX:PATH=/usr$' "$build/CMakeCache.txt" || exit 77
@@ -17,11 +17,14 @@ export SOURCE_DATE_EPOCH=1700000000
 (umask 077 && cpack -B "$place/first" >/dev/null)
 (umask 002 && cpack -B "$place/second" >/dev/null)
 cd "$place"
-ls first/*.deb | sed 's/.*\///; s/_.*//' | xargs >names
-test "$(cat names)" = 'dsmake libdsmake-dev libdsmake22 python3-dsmake'
 for package in first/*.deb; do
-    cmp "$package" "second/${package#first/}"
-done
+    dpkg-deb -f "$package" Package
+    for part in control.tar.gz data.tar.gz; do # the archive around these has the umask itself
+        ar p "$package" $part >one
+        ar p "second/${package#first/}" $part | cmp - one
+    done
+done | xargs >names
+test "$(cat names)" = 'dsmake libdsmake-dev libdsmake22 python3-dsmake'
 
 echo 'Each file is in its package'
 holds() { # PACKAGE FILE...
@@ -48,7 +51,7 @@ dpkg-deb -I first/libdsmake22_*.deb shlibs | grep -q '^libdsmake 22 libdsmake22 
 if command -v lintian >/dev/null; then
     echo 'No faults by the rules of Debian'
     lintian --tag-display-limit 0 first/*.deb >faults 2>/dev/null || true
-    ! grep '^E:' faults
+    if grep '^E:' faults; then exit 1; fi
 fi
 
 echo 'What README.md shows works with them'

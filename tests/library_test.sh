@@ -29,7 +29,7 @@ done
 
 echo 'Nothing but what they declare is visible outside'
 nm -D --defined-only -C "$shared" | cut -d ' ' -f 3- | grep -v '^DSMAKE_22$' >versioned
-! grep -v '@@DSMAKE_22$' versioned
+if grep -v '@@DSMAKE_22$' versioned; then exit 1; fi
 sed -E 's/@@.*//; s/^(vtable|typeinfo|typeinfo name) for //' versioned >symbols
 grep -q '^dsmake_find$' symbols
 while read -r symbol; do
