@@ -1,13 +1,11 @@
 #!/bin/sh
-# Sets up what is missing, builds dsmake (Release) and shows its use: makes a data set from the example
-# customers, looks a value up in it and scans a letter for the customers.
+# Sets up what is missing, builds the programs (Release), says how to put them on the PATH, and shows
+# their use: the way from a table of customers to those that a letter names.
 # With arguments, passes them to dsmake instead, in the current directory.
 set -eu
 here=$(cd "$(dirname "$(readlink -f "$0")")" && pwd)
 build=$here/build/run
-program=$build/src/driver/dsmake
-dslookup=$build/src/dslookup/dslookup
-dsscan=$build/src/dsscan/dsscan
+programs=$build/bin
 
 # A path as a shell takes it, in quotation marks only where it needs them.
 quoted() {
@@ -17,64 +15,82 @@ quoted() {
     esac
 }
 
-is_built() { [ -x "$program" ] && [ -x "$dslookup" ] && [ -x "$dsscan" ]; }
+is_built() {
+    for program in dsmake dslookup dsscan dsprepare dsextract; do
+        [ -x "$programs/$program" ] || return 1
+    done
+    [ -e "$build/libdsmake.so.22" ]
+}
+
+# Shows how far it is on standard error, as standard output may be that of dsmake.
+compile() {
+    log=$(mktemp)
+    cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release >"$log" 2>&1 ||
+        { cat "$log" >&2; rm -f "$log"; exit 1; }
+    rm -f "$log"
+    if ! cmake --build "$build" -- -n | grep -q 'no work to do'; then
+        echo 'Compiling dsmake, which takes about a minute the first time.' >&2
+        cmake --build "$build" >&2
+    fi
+    mkdir -p "$programs" # one folder for the PATH
+    ln -sf ../src/driver/dsmake ../src/dslookup/dslookup ../src/dsscan/dsscan \
+        ../../../python/dsprepare ../../../python/dsextract "$programs"
+}
 
 # A checkout that is built and cannot be written is used as it is.
 if [ -w "$here" ] || ! is_built; then
-    "$here/tools/setup.sh" g++:g++ cmake:cmake ninja-build:ninja
-    [ $# -gt 0 ] || is_built ||
-        echo 'Compiling dsmake, which takes about a minute the first time.'
-    log=$(mktemp)
-    {
-        cmake -S "$here" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Release
-        cmake --build "$build"
-    } >"$log" 2>&1 || { cat "$log" >&2; rm -f "$log"; exit 1; }
-    rm -f "$log"
+    "$here/tools/setup.sh" g++:g++ cmake:cmake ninja-build:ninja python3:python3
+    compile
 fi
 if [ $# -gt 0 ]; then
-    exec "$program" "$@"
+    exec "$programs/dsmake" "$@"
 fi
 
 out=$here/out
 mkdir -p "$out" 2>/dev/null && [ -w "$out" ] || out=$(mktemp -d)
-rm -f "$out/customers.ds"
 cd "$out"
-schema='FirstName,Simple;Surname,SimpleNC;City,SimpleNC;CardNum,CCNUMBER'
-echo "1. An index of the customers in examples/customers.tsv, who are all invented, made in $out:"
+rm -f customers.tsv customers.ds
+cp "$here/examples/customers.csv" "$here/examples/letter.txt" .
+PATH=$programs:$PATH
+indented() { sed 's/^/    /'; }
+
+echo "1. A table of customers, who are all invented, becomes what dsmake takes, in $out."
+echo '   Only the last line of this is on standard output: the command for the next step.'
 echo
-echo "  dsmake -k Surname -k CardNum -s \"$schema\" -i customers.tsv -o customers.ds"
-"$program" -k Surname -k CardNum -s "$schema" -i "$here/examples/customers.tsv" -o customers.ds
-echo '  dslookup customers.ds'
-"$dslookup" customers.ds | sed 's/^/    /'
+echo '  dsprepare customers.csv'
+command=$(dsprepare customers.csv 2>told)
+{ cat told; echo "$command"; } | indented
+rm -f told
+
+echo
+echo '2. That command makes an index of the customers:'
+echo
+echo "  $command"
+eval "$command"
 echo
 echo "   It takes $(wc -c <customers.ds) bytes and holds none of their names, only what these come to as" \
     'numbers.'
 
 echo
-echo "2. Is there a customer of this name? Capitals make no difference in a surname:"
-echo
-echo "  dslookup customers.ds Surname \"o'brien\""
-"$dslookup" customers.ds Surname "o'brien" | sed 's/^/    /'
-
-echo
-echo '3. Does this letter hold any of them?'
+echo '3. Does this letter name any of them?'
 echo
 echo '  dsscan customers.ds letter.txt'
-cd "$here/examples"
-found=$("$dsscan" "$out/customers.ds" letter.txt)
-echo "$found" | sed 's/^/    /'
+dsscan customers.ds letter.txt | indented
 cat <<END
 
-   It holds three, each with a surname and two fields more. The one in line 8 stands there in
+   It names three, each by a surname and two fields more. The one in line 8 stands there in
    capitals, the name in line 11 goes over a line's end and its card number is written in groups,
    and line 16 is Chinese, without blanks between the words. What only comes near, such as a Mr
    Wrighton, a Smith without a first name, and a card number with two digits exchanged, is left out.
 
+Put the programs on the PATH:
+  export PATH=$(quoted "$programs"):"\$PATH"
+
 Try next:
-  less $(quoted "$here/examples/letter.txt")
-  $(quoted "$dsscan") -m 1 $(quoted "$out/customers.ds") $(quoted "$here/examples/letter.txt")
-      # also says who shares no more than the surname
-  echo 'Karl-Heinz Groß was here.' | $(quoted "$dsscan") $(quoted "$out/customers.ds") -
-  $(quoted "$here/run.sh") -k Name -s 'Name,SimpleNC' -i YOURS.txt -o yours.ds
-      # README.md says what may stand in such a file, docs/scanning.md what a scan finds
+  cd $(quoted "$out")
+  less letter.txt
+  dsscan -m 1 customers.ds letter.txt    # also says who shares no more than the surname
+  dslookup customers.ds Surname "o'brien"
+  echo 'Karl-Heinz Groß was here.' | dsscan customers.ds -
+  dsprepare YOURS.csv                    # README.md says what stands in such a table best
 END

@@ -1,5 +1,6 @@
 # dsmake::reader, the installed library: what reads data set files, in one library, with the headers
-# that its callers include and no others. Static, unless BUILD_SHARED_LIBS is on.
+# that its callers include and no others. It is an archive, unless BUILD_SHARED_LIBS is on; then the
+# shared library stands beside it, for Python and for programs that wish so.
 set(DSMAKE_READER_ROOMS scl/text scl/status scl/io scl/crc txt cerc ucl txtdfc records/values tla/format
     tla/read/keys tla/read/entries tla/read tla/scan tla/c)
 set(DSMAKE_READER_HEADERS
@@ -7,8 +8,6 @@ set(DSMAKE_READER_HEADERS
     src/tla/read/tla_data_set_connector_file.hpp
     src/tla/read/entries/tla_data_set_entry_base.hpp
     src/tla/read/entries/tla_data_set_entry_file.hpp
-    src/tla/scan/tla_scan_index.hpp
-    src/tla/scan/tla_text_scan.hpp
     src/tla/scan/tla_scan_index.hpp
     src/tla/scan/tla_text_scan.hpp
     src/records/values/field_descriptor.hpp
@@ -72,6 +71,13 @@ function(dsmake_reader_library name)
 endfunction()
 
 dsmake_reader_library(dsmake_reader)
+if(BUILD_SHARED_LIBS)
+    add_library(dsmake_shared ALIAS dsmake_reader)
+elseif(NOT DSMAKE_SANITIZE) # sanitized objects would ask the same of whoever loads the library
+    dsmake_reader_library(dsmake_shared SHARED)
+    install(TARGETS dsmake_shared LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        COMPONENT library NAMELINK_COMPONENT development)
+endif()
 add_library(dsmake::reader ALIAS dsmake_reader)
 set_target_properties(dsmake_reader PROPERTIES EXPORT_NAME reader)
 target_compile_features(dsmake_reader PUBLIC cxx_std_20)
@@ -84,6 +90,7 @@ set(READER_PACKAGE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/dsmake)
 install(TARGETS dsmake_reader EXPORT dsmake
     ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR}
     LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        COMPONENT library NAMELINK_COMPONENT development
     FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dsmake)
 # The C interface, found as "dsmake.h".
 install(FILES src/tla/c/dsmake.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/dsmake)

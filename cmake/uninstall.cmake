@@ -1,5 +1,5 @@
 # Removes what `cmake --install` of the build in BUILD_DIR has put in place, by its list, and those
-# folders named after dsmake that hold nothing then. DESTDIR counts as it did at the installation.
+# folders named after dsmake that hold nothing then but what Python keeps there. DESTDIR counts as it did at the installation.
 # (The lists of single components are not looked at: packing writes them, too.)
 set(MANIFEST "${BUILD_DIR}/install_manifest.txt")
 if(NOT EXISTS "${MANIFEST}")
@@ -11,13 +11,14 @@ foreach(FILE IN LISTS INSTALLED)
     set(PLACE "$ENV{DESTDIR}${FILE}")
     message(STATUS "Removing ${PLACE}")
     file(REMOVE "${PLACE}")
-    if(PLACE MATCHES "^(.*/(lib)?dsmake(-dev)?)/")
+    if(PLACE MATCHES "^(.*/(python3-|lib)?dsmake(-dev|22|_tools)?)/")
         list(APPEND FOLDERS "${CMAKE_MATCH_1}")
     endif()
 endforeach()
 list(REMOVE_DUPLICATES FOLDERS)
 foreach(FOLDER IN LISTS FOLDERS)
     file(GLOB_RECURSE LEFT "${FOLDER}/*")
+    list(FILTER LEFT EXCLUDE REGEX "/__pycache__/")
     if(NOT LEFT)
         file(REMOVE_RECURSE "${FOLDER}")
     endif()

@@ -28,8 +28,9 @@ for compiler in g++ clang++; do
 done
 
 echo 'Nothing but what they declare is visible outside'
-nm -D --defined-only -C "$shared" | cut -d ' ' -f 3- |
-    sed -E 's/^(vtable|typeinfo|typeinfo name) for //' >symbols
+nm -D --defined-only -C "$shared" | cut -d ' ' -f 3- | grep -v '^DSMAKE_22$' >versioned
+if grep -v '@@DSMAKE_22$' versioned; then exit 1; fi
+sed -E 's/@@.*//; s/^(vtable|typeinfo|typeinfo name) for //' versioned >symbols
 grep -q '^dsmake_find$' symbols
 while read -r symbol; do
     name=$(echo "$symbol" | grep -oE '(^|[ *&])([a-z]+::)+[A-Za-z_0-9]+|^dsmake_[a-z_]+' | head -n 1)

@@ -57,8 +57,12 @@ exits 1 lookup data Name x
 test "$(scan data 'a text' data)" = 'a text:
   line 1: Name "A\x0D\x0A B7" and 1 other fields of record 267
 data:'
-exits 2 lookup data Place c 2>message
+exits 2 lookup data "$(printf 'Place\033[1m')" c 2>message
 exits 2 scan none 'a text' 2>>message
+
+printf 'a\n' >one
+dsmake -k "$(printf 'a\033[1m')" -s "$(printf 'a\033[1m,Simple')" -i one -o named
+test "$(lookup named "$(printf 'a\033[1m')" a)" = 'record 48: a\x1B[1m 1'
 
 echo 'Faults are told, each with its file, and other texts are scanned all the same'
 for command in 'dslookup data Place c' 'dslookup data Name' 'dslookup input' 'dslookup none Name x' \
@@ -69,7 +73,7 @@ for command in 'dslookup data Place c' 'dslookup data Name' 'dslookup input' 'ds
 done
 exits 2 dslookup data >/dev/full 2>>message
 cat >expected <<'END'
-no such key: Place
+no such key: Place\x1B[1m
 none: 0xC2012515: The data set file is not open or cannot be opened. Check its name and that you may read it.
 data: no such key: Place; its keys: Name
 standard input: Is a directory

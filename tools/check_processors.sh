@@ -28,7 +28,7 @@ answers() {
     cd "$work/$1.out"
     rm -f ./*.ds
     shift
-    "$@" "$programs/src/driver/dsmake" -k Surname -k CardNum -i "$root/examples/customers.tsv" \
+    "$@" "$programs/src/driver/dsmake" -k Surname -k CardNum -i "$work/customers.tsv" \
         -s 'FirstName,Simple;Surname,SimpleNC;City,SimpleNC;CardNum,CCNUMBER' -o customers.ds
     "$@" "$programs/src/driver/dsmake" -k Surname -k CardNum -i "$work/mixed.tsv" \
         -s 'FirstName,Simple;Surname,SimpleNC;CardNum,CCNUMBER' -o mixed.ds
@@ -44,6 +44,9 @@ answers() {
 
 mkdir -p "$work"
 [ -e "$work/mixed.tsv" ] || python3 "$root/bench/make_records.py" mixed "$records" "$work/mixed.tsv"
+python3 -c 'import csv, sys
+for row in list(csv.reader(sys.stdin))[1:]: print(*row, sep="\t")' \
+    <"$root/examples/customers.csv" >"$work/customers.tsv"
 build native -DDSMAKE_TESTS=ON
 cmake --build "$work/native" --target make_version1 >>"$work/native.log"
 "$work/native/tools/make_version1" -k Surname -i "$work/mixed.tsv" -o "$work/old.ds" \

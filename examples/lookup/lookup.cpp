@@ -33,12 +33,17 @@ std::string narrow(std::u16string_view wide) {
     return text;
 }
 
+// Names come from the file: what is shown of them must not steer the terminal.
+std::string shown(std::u16string_view name) {
+    return narrow(scl::scl_shown(name));
+}
+
 // Operations that can fail leave what went wrong in a status.
 void check(const scl::Scl_status& status) {
     if (!status.has_failed()) return;
     std::u16string text;
     scl::Scl_status_lookup::to_string(status, text);
-    throw std::runtime_error(narrow(text));
+    throw std::runtime_error(narrow(text)); // the arguments in it are shown so already
 }
 
 void load(tla::Tla_data_set_connector_file& connector, std::string_view name) {
@@ -56,7 +61,7 @@ void print_record(tla::Tla_data_set_connector_file& connector, std::int64_t offs
     std::cout << "record " << offset << ":";
     std::vector<std::uint64_t> values;
     for (std::size_t i = 0; entry->values_of(i, values); ++i) {
-        std::cout << ' ' << narrow(connector.field_descriptors()[i].name) << ' ' << values.size();
+        std::cout << ' ' << shown(connector.field_descriptors()[i].name) << ' ' << values.size();
     }
     std::cout << '\n';
 }
@@ -67,7 +72,7 @@ std::size_t look_up(std::string_view name, std::string_view key, std::string_vie
     load(connector, name);
     const std::vector<std::u16string> keys = connector.key_names();
     const auto place = std::ranges::find(keys, wide(key));
-    if (place == keys.end()) throw std::runtime_error("no such key: " + std::string(key));
+    if (place == keys.end()) throw std::runtime_error("no such key: " + scl::scl_shown(key));
     scl::Scl_status status;
     std::vector<std::int64_t> offsets;
     connector.find_records(scl::scl_trimmed(wide(value)),

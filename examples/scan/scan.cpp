@@ -35,9 +35,9 @@ public:
 
     bool take(const tla::Tla_scan_find& find) override {
         lines_ += "  line " + std::to_string(find.line) + ": " +
-                  narrow(index_.fields()[find.key].name) + " \"" + scl::scl_shown(find.text) +
-                  "\" and " + std::to_string(find.fields.size() - 1) + " other fields of record " +
-                  std::to_string(find.record) + '\n';
+                  narrow(scl::scl_shown(index_.fields()[find.key].name)) + " \"" +
+                  scl::scl_shown(find.text) + "\" and " + std::to_string(find.fields.size() - 1) +
+                  " other fields of record " + std::to_string(find.record) + '\n';
         return true; // go on
     }
 

@@ -8,8 +8,8 @@
             for find in customers.scan(letter, least=3):
                 print(find.line, find.key, find.quote)
 
-The shared library is the one that the environment variable DSMAKE_LIBRARY names, or else the
-system's libdsmake.so.22. Calls into it release the interpreter: threads of Python look up and scan
+The shared library is the one that the environment variable DSMAKE_LIBRARY names, or that stands
+under the same prefix or was built in the same checkout, or else the system's libdsmake.so.22. Calls into it release the interpreter: threads of Python look up and scan
 side by side on one open data set.
 """
 from ._data_set import DataSet, Error, Find, Text, version

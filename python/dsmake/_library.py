@@ -4,8 +4,10 @@ from __future__ import annotations
 import ctypes
 import functools
 import os
+import sysconfig
 from ctypes import POINTER, c_char_p, c_int, c_int64, c_size_t, c_uint, c_uint32, c_uint64, c_void_p
 
+NAME = "libdsmake.so.22"
 HOLD_IN_MEMORY = 1
 NO_MEMORY = 0xC2000001
 ANY_DISTANCE = 2**64 - 1
@@ -50,11 +52,31 @@ class FindInText(ctypes.Structure):
 LISTENER = ctypes.CFUNCTYPE(c_int, c_void_p, POINTER(FindInText))
 
 
+def _places() -> list[str]:
+    """Folders that may hold the library that belongs to this module: under the same prefix, or where
+    the checkout's run.sh builds. Nowhere else is looked, as other people may write there."""
+    above, folder = os.path.split(os.path.dirname(os.path.dirname(os.path.realpath(__file__))))
+    if folder == "python":
+        return [os.path.join(above, "build/run")]
+    if folder != "dist-packages":
+        return []
+    prefix = os.path.dirname(os.path.dirname(above))
+    return [os.path.join(prefix, name) for name in
+            ("lib", f"lib/{sysconfig.get_config_var('MULTIARCH')}", "lib64")]
+
+
+def load() -> ctypes.CDLL:
+    """The library that DSMAKE_LIBRARY names, the one that belongs to this module, or the system's.
+    An OSError when there is none."""
+    found = (path for place in _places() if os.path.exists(path := os.path.join(place, NAME)))
+    # CDLL lets other threads of Python go on while a function runs.
+    return ctypes.CDLL(os.environ.get("DSMAKE_LIBRARY") or next(found, NAME))
+
+
 @functools.lru_cache(maxsize=None)
 def library() -> ctypes.CDLL:
-    """The shared library, loaded when first asked for. An OSError when there is none."""
-    # CDLL lets other threads of Python go on while a function runs.
-    loaded = ctypes.CDLL(os.environ.get("DSMAKE_LIBRARY") or "libdsmake.so.22")
+    """The library with the types of its functions, loaded when first asked for."""
+    loaded = load()
     for name, (result, arguments) in _FUNCTIONS.items():
         function = getattr(loaded, name)
         function.restype = result

@@ -46,7 +46,8 @@ std::string counted(std::uint64_t count, std::string_view noun) {
 std::string listed(const std::vector<std::int64_t>& offsets) {
     std::string list;
     for (const std::int64_t offset : offsets) {
-        list += (list.empty() ? " (" : " ") + std::to_string(offset);
+        list += list.empty() ? " (" : " ";
+        list += std::to_string(offset);
     }
     return list.empty() ? list : list + ')';
 }

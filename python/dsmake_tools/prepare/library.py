@@ -1,17 +1,15 @@
 """Token values, as a build stores them, from the project's shared library."""
 import ctypes
-import os
 from array import array
+
+from dsmake import _library
 
 from . import Fault
 
-NAME = "libdsmake.so.22"
-
 
 def load():
-    name = os.environ.get("DSMAKE_LIBRARY") or NAME
     try:
-        library = ctypes.CDLL(name)
+        library = _library.load()
         library.dsmake_tokeniser_open.restype = ctypes.c_void_p
         library.dsmake_tokeniser_open.argtypes = [ctypes.POINTER(ctypes.c_char_p), ctypes.c_size_t]
         library.dsmake_tokeniser_close.restype = None
