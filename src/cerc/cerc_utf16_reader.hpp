@@ -21,10 +21,10 @@ public:
     static constexpr char16_t BYTE_ORDER_MARK = 0xFEFF;
 };
 
-// Reads little-endian UTF-16 code point by code point. A surrogate without its partner comes out as
-// the code point of its own value. A last byte that is no whole unit is no character: the data ends
-// before it. Offsets are in bytes. What lies in memory is read in place; a buffer that does not,
-// and may be larger than memory, is read through a window.
+// Reads little-endian UTF-16, code point by code point. A surrogate without its partner is the code
+// point of its own value. The data ends before a last byte that is half a unit. Offsets are in
+// bytes. A buffer in memory is read in place; any other, which may be larger than memory, through a
+// window.
 class Cerc_utf16_reader final : public Cerc_reader_base {
 public:
     // The position starts at the buffer's front: the last argument is false. Both must outlive the
@@ -105,7 +105,7 @@ private:
     [[nodiscard]] char32_t join_with_trail(char16_t lead);
     void seek_beyond_window(std::uint64_t offset, scl::Scl_status& status);
 
-    // The window, and the place in it of the next character. Null while there is none.
+    // The window, and the next character in it. Null while there is none.
     const std::byte* begin_ = nullptr;
     const std::byte* at_ = nullptr;
     const std::byte* end_ = nullptr;

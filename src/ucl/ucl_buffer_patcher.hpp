@@ -41,9 +41,9 @@ public:
     [[nodiscard]] virtual std::size_t size() const { return edits_.size(); }
     [[nodiscard]] virtual bool in_transaction() const { return in_transaction_; }
 
-    // Between begin() and commit() what is queued is on trial: rollback() takes it out again.
-    // Transactions do not nest: begin() in an open one returns false, as do commit() and
-    // rollback() without one, and changes nothing.
+    // Changes queued between begin() and commit() are on trial: rollback() drops them. Transactions
+    // do not nest: begin() inside one returns false and changes nothing, and so do commit() and
+    // rollback() outside of one.
     virtual bool begin();
     virtual bool commit();
     virtual bool rollback();
@@ -72,8 +72,8 @@ public:
         return add_edit(offset, length, {});
     }
 
-    // Whether anything is queued that is not on trial: all that was queued outside a transaction
-    // or in a committed one.
+    // Whether a change is queued that is not on trial: one from outside a transaction, or from a
+    // committed one.
     [[nodiscard]] bool committed() const { return edits_.size() != on_trial_.size(); }
 
 private:

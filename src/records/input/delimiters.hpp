@@ -11,8 +11,9 @@ inline constexpr char FIELD_SEPARATOR = '\t';
 inline constexpr char LINE_FEED = '\n';
 inline constexpr char CARRIAGE_RETURN = '\r';
 
-// What of 64 bytes the reader has to look at, a bit for each byte: what may end a field or a line,
-// and what is not ASCII. The other bytes are passed over together.
+// Marks, a bit for each of 64 bytes, those that the reader has to look at: those that may end a
+// field or a line, and those that are not ASCII. It steps over all others at once. Tested by
+// Delimiters.AreThoseThatABytewiseSearchFinds.
 struct Delimiters {
     static constexpr std::size_t BLOCK = 64;
 

@@ -28,7 +28,7 @@ struct Tla_wrapped_records {
     std::uint64_t first = 0; // its number among all records, from 1
 };
 
-// Is shown each record when it is made, so that what it says need not be read again.
+// Is called with each record as it is made, so that records need not be read again.
 class Tla_record_listener {
 public:
     Tla_record_listener() = default;
@@ -53,7 +53,7 @@ public:
                          Tla_record_listener* listener);
 
     [[nodiscard]] std::size_t column_count() const { return columns_.size(); }
-    // Of those that were written so far.
+    // Among the records written so far.
     [[nodiscard]] const Tla_wrapped_records& wrapped_records() const { return wrapped_; }
 
     // Does nothing when the number of fields is not that of the columns. Pushes

@@ -28,17 +28,18 @@ inline constexpr std::size_t TLA_TOKEN_VALUE_BYTES = sizeof(Tla_token_value);
 inline constexpr std::uint8_t TLA_RECORD_END = 0;
 inline constexpr std::size_t TLA_RECORD_END_BYTES = 1;
 
-// Of a field, by its count.
+// The size of a field with this count of tokens.
 [[nodiscard]] constexpr std::size_t tla_field_size(Tla_token_count count) {
     return TLA_COUNT_BYTES + TLA_TOKEN_VALUE_BYTES * count;
 }
 
-// Of a field, by its bytes. The caller has checked that the count is there.
+// The size of the field at the front of these bytes. The caller has checked that its count is
+// there.
 [[nodiscard]] inline std::size_t tla_field_size(const std::byte* field) {
     return tla_field_size(scl::scl_load_be<Tla_token_count>(field));
 }
 
-// How far a record reaches, as far as its bytes tell.
+// The size of a record, as far as the bytes show it.
 struct Tla_record_extent {
     std::size_t size;  // the closing byte included
     bool counts_known; // false when the bytes end before the last count; `size` is then too small

@@ -5,10 +5,10 @@
 
 namespace scl {
 
-// Passes writes on to another buffer and takes their checksum meanwhile, while the bytes are in the
-// cache; reading the file again for it would cost more than the checksum itself. For writing front
-// to back from offset 0: bytes that are written again, or behind a gap, do not count. Codes are
-// those of the target.
+// Passes writes on to another buffer and adds them to a checksum while they are in the cache;
+// reading the file again would cost more than the checksum itself. For writing front to back from
+// offset 0: bytes that are written twice, or behind a gap, do not count. Codes are those of the
+// target.
 class Scl_checksum_buffer final : public Scl_buffer {
 public:
     // Bytes before `begin` are left out of the checksum. The target must outlive this buffer.
@@ -24,7 +24,7 @@ public:
     void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
                   Scl_status& status) override {
         const std::uint64_t end = offset + bytes.size();
-        // Also when the write then fails: the file is of no use, and so nor is its checksum.
+        // Also counts when the write fails: the file is useless then, and so is its checksum.
         if (end > next_ && offset <= next_) {
             checksum_.update(bytes.subspan(next_ - offset));
             next_ = end;

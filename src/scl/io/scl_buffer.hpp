@@ -14,9 +14,9 @@ namespace scl {
 // the reader splits lines itself, `none` that the data has no lines.
 enum class Scl_eol : unsigned { text = 0, none = 3 };
 
-// Bytes that can be read, and in some kinds written, at any offset; offsets and sizes are in bytes.
-// A buffer has no position; each stream attached to it has its own. So several streams can read one
-// buffer, also in several threads while nobody writes to it.
+// Bytes that can be read, and in some classes written, at any offset. Offsets and sizes are in
+// bytes. A buffer has no position; each stream attached to it has its own. So several streams, also
+// of several threads, can read one buffer as long as nobody writes to it.
 class Scl_buffer {
 public:
     Scl_buffer() = default;
@@ -43,8 +43,8 @@ public:
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
     }
 
-    // Drops the bytes from `size` on, which is not beyond the end. A kind that cannot be cut sets
-    // SCL_STATUS_OUT_OF_BOUNDS; a file may fail with SCL_STATUS_WRITE_FAILED.
+    // Cuts the buffer to its first `size` bytes. Sets SCL_STATUS_OUT_OF_BOUNDS when `size` is
+    // beyond the end, or the class cannot be cut; a file may fail with SCL_STATUS_WRITE_FAILED.
     virtual void truncate(std::uint64_t /*size*/, Scl_status& status) {
         status.push(SCL_STATUS_OUT_OF_BOUNDS);
     }

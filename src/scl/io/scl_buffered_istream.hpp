@@ -20,8 +20,8 @@ public:
     Scl_buffered_istream(const Scl_buffer& buffer, Scl_status& status) {
         init(buffer, false, status, Scl_eol::none);
     }
-    // With all that can be said of an attachment: `at_end` is false, and both modes of line ends
-    // hand the bytes through unchanged.
+    // The same with further arguments that change nothing: `at_end` is false, and both modes of
+    // line ends pass bytes through unchanged.
     Scl_buffered_istream(const Scl_buffer& buffer, bool at_end, Scl_status& status, Scl_eol eol) {
         init(buffer, at_end, status, eol);
     }
@@ -33,9 +33,9 @@ public:
         return next != nullptr ? std::to_integer<unsigned char>(*next) : read_char_beyond_window();
     }
 
-    // The buffered bytes from the position on, read in first when there are none; empty only at the
-    // end, which is no error here, and after a failure (SCL_STATUS_READ_FAILED). Valid until the
-    // next operation but skip.
+    // The buffered bytes from the position on; reads more first when there are none. Empty only at
+    // the end, which is no error here, and after a failure (SCL_STATUS_READ_FAILED). Valid until
+    // the next operation other than skip().
     [[nodiscard]] std::span<const std::byte> window(Scl_status& status) {
         return window(1, status);
     }
@@ -51,9 +51,9 @@ public:
         (void)take(count);
     }
 
-    // Limits what a refill reads to so many bytes, or to what is asked for if that is more. For
-    // random access, where the rest of a large window would never be used. At most WINDOW_BYTES,
-    // which is also the limit at first.
+    // Limits each refill to so many bytes, or to the number asked for if that is larger. For random
+    // access, which never uses the rest of a large window. At most WINDOW_BYTES, which is the
+    // initial limit.
     void limit_read_ahead(std::size_t bytes) {
         assert(bytes <= WINDOW_BYTES);
         read_ahead_ = bytes;

@@ -14,8 +14,8 @@
 
 namespace scl {
 
-// What the kinds of buffer that lie in memory share: reading and size, from contents(). A read
-// leaves SCL_STATUS_OUT_OF_BOUNDS at most.
+// Base of the buffers in memory: reading and size, by contents(). A read can only leave
+// SCL_STATUS_OUT_OF_BOUNDS.
 class Scl_memory_buffer : public Scl_buffer {
 public:
     [[nodiscard]] std::uint64_t size(bool in_units, Scl_status& status) const final;
@@ -24,7 +24,8 @@ public:
     [[nodiscard]] std::span<const std::byte> contents() const override = 0;
 };
 
-// A growable buffer of its own bytes, empty at first. Memory exhausted is thrown (std::bad_alloc).
+// A buffer that owns its bytes and grows; empty at first. Throws std::bad_alloc when memory runs
+// out.
 class Scl_heap_buffer final : public Scl_memory_buffer {
 public:
     void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
@@ -41,8 +42,8 @@ private:
     std::vector<std::byte> bytes_;
 };
 
-// A read-only buffer over a wide string that somebody else holds and that must outlive it. Its
-// bytes are the string's 16-bit units, little-endian, without a terminator.
+// A read-only buffer over a wide string, which it does not own and which must outlive it. Its bytes
+// are the string's 16-bit units, little-endian, without a terminator.
 class Scl_wstring_buffer final : public Scl_memory_buffer {
 public:
     explicit Scl_wstring_buffer(std::u16string_view text) : text_(text) {

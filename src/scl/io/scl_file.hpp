@@ -7,9 +7,9 @@
 
 namespace scl {
 
-// Files, as the operating system offers them; no other source file calls it for them. Results are
-// the system's error numbers (errno), 0 for success. Callers make a status of them, which needs the
-// file's name. Names are bytes, as the system takes them.
+// All calls to the operating system for files are in this one source file. Results are its error
+// numbers (errno), 0 for success; callers turn them into a status with the file's name. Names are
+// bytes, as the system takes them.
 
 // Two directory entries with equal identities are the same file (hard links).
 struct Scl_file_identity {
@@ -44,10 +44,10 @@ public:
     // Writes everything or fails.
     [[nodiscard]] int write_at(std::uint64_t offset, std::span<const std::byte> bytes) const;
 
-    // Cuts the file to `size` bytes. Room that was reserved behind them is given back.
+    // Cuts the file to `size` bytes. Releases disk space that was reserved behind them.
     [[nodiscard]] int truncate(std::uint64_t size) const;
-    // Takes disk room for `count` bytes from `offset` on; the file's size stays. Not every system
-    // can, and room may be short: nothing but speed depends on it.
+    // Reserves disk space for `count` bytes from `offset` on, without changing the file's size.
+    // False when the system cannot, or has no space; only speed depends on it.
     [[nodiscard]] bool reserve(std::uint64_t offset, std::uint64_t count) const;
 
     // An error here means that an earlier write, reported as done, was lost. 0 when not open.

@@ -43,7 +43,7 @@ public:
     // Pushes SCL_STATUS_CLOSE_FAILED when the system reports a late write error here. Without
     // effect on a buffer that is not open.
     void close(Scl_status& status);
-    // Closes, and tells nobody of a failure: for what is thrown away. Takes no memory.
+    // Closes without reporting a failure: for files that are thrown away. Allocates nothing.
     void discard() noexcept;
 
     [[nodiscard]] bool is_open() const { return file_.is_open(); }
@@ -53,13 +53,13 @@ public:
                         Scl_status& status) const override;
     void write_at(std::uint64_t offset, std::span<const std::byte> bytes,
                   Scl_status& status) override;
-    // Gives back, too, what disk room was reserved behind the file's end.
+    // Also releases the disk space that was reserved behind the file's end.
     void truncate(std::uint64_t size, Scl_status& status) override;
 
 private:
-    // Disk room is reserved in steps of this size, ahead of what is written: the system then finds
-    // room once a step and not once a page, which saves a fifth of the time of writing. 16 MiB are
-    // no faster. A file that stays smaller reserves nothing.
+    // Disk space is reserved in steps of this size, ahead of the writes: the system then looks for
+    // free space once a step and not once a page, which saves a fifth of the time of writing. Steps
+    // of 16 MiB are no faster. A smaller file reserves nothing.
     static constexpr std::uint64_t RESERVE_STEP = std::uint64_t{4} << 20;
 
     void reserve_up_to(std::uint64_t end);

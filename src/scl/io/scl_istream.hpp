@@ -8,11 +8,10 @@ namespace scl {
 // What the offset of a seek counts from; only steps from the position are needed.
 enum class Scl_seek : unsigned { relative = 1 };
 
-// A reader with a position over a buffer, which must outlive the attachment. Whatever is asked for
-// and is not there in full sets SCL_STATUS_END_OF_DATA, or SCL_STATUS_READ_FAILED when the buffer
-// cannot give it; an integer read then leaves its value alone. The data's size is taken when the
-// stream is attached. Part of the data, the window, may be in memory: what lies in it costs
-// no call.
+// A reader with a position over a buffer, which must outlive the attachment. A read that finds
+// fewer bytes than it asks for sets SCL_STATUS_END_OF_DATA, or SCL_STATUS_READ_FAILED when the
+// buffer fails; an integer then keeps its value. The data's size is read once, at the attachment.
+// Part of the data, the window, is in memory: reading there takes no call.
 class Scl_istream {
 public:
     Scl_istream(const Scl_istream&) = delete;
@@ -40,7 +39,7 @@ public:
 
     // In bytes from the start of the data.
     [[nodiscard]] std::uint64_t tell() const { return window_end_offset_ - buffered_size(); }
-    // Never fails: a read from a position beyond the end does. Inside the window it costs nothing.
+    // Never fails; a read from a position beyond the end does. Costs nothing inside the window.
     void set_position(std::uint64_t position);
     // Steps `offset` bytes from the position. A target beyond the end sets SCL_STATUS_END_OF_DATA,
     // one before the start SCL_STATUS_OUT_OF_BOUNDS; the position then stays.
@@ -91,8 +90,8 @@ private:
         return read(N, raw.data(), status) == N;
     }
 
-    // The window, and the position in it. Reading moves window_at_ only: the position follows from
-    // it and the offset of the window's end.
+    // The window, and the position in it. Reading moves only window_at_; the position is computed
+    // from it and from the offset of the window's end.
     const std::byte* window_begin_ = nullptr;
     const std::byte* window_at_ = nullptr;
     const std::byte* window_end_ = nullptr;

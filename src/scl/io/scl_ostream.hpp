@@ -12,16 +12,16 @@
 
 namespace scl {
 
-// A buffered writer with a position over a buffer, which must outlive the attachment. What the
-// buffer reports when bytes reach it goes into the status of the call that sent them there, at the
-// latest into that of flush() or detach(): call one of them before trusting what was written.
-// Writing without a buffer attached sets SCL_STATUS_OUT_OF_BOUNDS.
+// A buffered writer with a position over a buffer, which must outlive the attachment. A failure is
+// reported by the call that passes the bytes on to the buffer, at the latest by flush() or
+// detach(): call one of them before relying on what was written. Writing without a buffer attached
+// sets SCL_STATUS_OUT_OF_BOUNDS.
 class Scl_ostream {
     // Large, since a system call costs as much as some hundred records.
     static constexpr std::size_t STORAGE_BYTES = std::size_t{256} << 10;
 
 public:
-    // What room() gives at the most.
+    // The most that room() can give.
     static constexpr std::size_t MOST_ROOM = STORAGE_BYTES;
 
     Scl_ostream() = default;
@@ -73,7 +73,7 @@ public:
 
 private:
     void attach(Scl_buffer& buffer);
-    // Where `count` bytes, few against STORAGE_BYTES, can be stored; null when not attached.
+    // Memory for `count` bytes, far fewer than STORAGE_BYTES; null when not attached.
     [[nodiscard]] std::byte* make_room(std::size_t count, Scl_status& status) {
         if (capacity_ - used_ < count && !flush_attached(status)) return nullptr;
         return storage_.get() + used_;

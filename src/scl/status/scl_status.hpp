@@ -38,9 +38,9 @@ private:
     std::u16string text_;
 };
 
-// The outcome of a run or of one step, handed down by reference as the last argument of every
-// operation that can fail. Entries stack up, the most recent on top; the status's value is the top
-// entry's code, 0 (success) when there is none.
+// The outcome of a run or of one step. Every operation that can fail takes one by reference, as its
+// last argument. It is a stack of entries; its value is the code of the top entry, the newest, or 0
+// (success) when there is none.
 class Scl_status {
 public:
     struct Entry {
@@ -70,9 +70,9 @@ public:
     [[nodiscard]] bool operator==(Scl_status_code code) const { return value_ == code; }
     [[nodiscard]] bool contains_value(Scl_status_code code) const;
 
-    // True when no entry is an error: what a run as a whole is judged by.
+    // True when no entry is an error. Decides whether a run as a whole has succeeded.
     [[nodiscard]] bool ok() const { return !holds_error_; }
-    // True when the value, the top entry alone, is an error; every loop's test.
+    // True when the top entry is an error. Loops test this.
     [[nodiscard]] bool has_failed() const { return scl_is_error(value_); }
     [[nodiscard]] bool is_warning() const { return scl_is_warning(value_); }
 

@@ -30,11 +30,12 @@ inline constexpr Scl_status_code SCL_STATUS_READ_FAILED = 0xC2000013;
 inline constexpr Scl_status_code SCL_STATUS_WRITE_FAILED = 0xC2000014;
 inline constexpr Scl_status_code SCL_STATUS_CLOSE_FAILED = 0xC2000015;
 inline constexpr Scl_status_code SCL_STATUS_NOT_REGULAR = 0xC2000016;
-// Of a buffer: an offset beyond its end, or one that cannot be used so. Of a stream: less data than
-// was asked for. Both are faults of the data when its own offsets and counts led there.
+// From a buffer: an offset beyond its end, or an operation that it does not offer. From a stream:
+// less data than was asked for. When offsets and counts in the data led there, the data is at
+// fault.
 inline constexpr Scl_status_code SCL_STATUS_OUT_OF_BOUNDS = 0xC2000019;
 inline constexpr Scl_status_code SCL_STATUS_END_OF_DATA = 0xC200002A;
-// What the codec makes of exceptions that reach it; the second carries the exception's message.
+// The codec turns exceptions into these; the second carries the exception's message.
 inline constexpr Scl_status_code SCL_STATUS_UNKNOWN_EXCEPTION = 0xC200006A;
 inline constexpr Scl_status_code SCL_STATUS_EXCEPTION = 0xC200006B;
 

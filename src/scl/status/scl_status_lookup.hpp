@@ -17,8 +17,8 @@ inline constexpr std::string_view SCL_UTIL_STATUS_FILE_NAME = "util_status.msg";
 // Turns a status into text for display.
 class Scl_status_lookup {
 public:
-    // False when there is no message file of one of the names. The texts are constants of the
-    // program, so that a run needs no file but its own: nothing is read, and nothing kept.
+    // False when there is no message file of one of the names. The texts are compiled into the
+    // program, so that nothing is read and nothing kept.
     [[nodiscard]] static bool initialise_message_list(std::span<const std::string> file_names);
 
     // A code's message as its file has it, with %1 in its argument's place; empty for a code

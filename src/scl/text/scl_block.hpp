@@ -82,7 +82,7 @@ public:
 #endif
     }
 
-    // How many lanes of a comparison hold, from the first on.
+    // In how many lanes, counted from the first, the comparison holds without a gap.
     [[nodiscard]] std::size_t leading_lanes() const {
         return static_cast<std::size_t>(std::countr_one(top_bits())) / sizeof(Unit);
     }

@@ -94,7 +94,7 @@ public:
     // failure.
     [[nodiscard]] std::uint32_t largest_token_count(std::size_t key, scl::Scl_status& status);
 
-    // What the file says of itself; known once loaded.
+    // From the file's header; known once loaded.
     [[nodiscard]] std::uint8_t version() const;
     // In bytes, as it was opened; 0 when closed.
     [[nodiscard]] std::uint64_t file_size() const;
@@ -103,7 +103,7 @@ public:
     [[nodiscard]] std::uint16_t key_count() const;
     // What the header claims: a key table may have fewer pairs.
     [[nodiscard]] std::uint32_t record_count() const;
-    // Of the key tables, in file order.
+    // The names of the key tables, in file order.
     [[nodiscard]] std::vector<std::u16string> key_names() const;
     // The field of each key table: the first of its name, as an index into field_descriptors(), or
     // their number when there is none, as in a file whose tables cannot be read rightly. Found by a

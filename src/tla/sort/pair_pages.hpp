@@ -10,7 +10,7 @@
 
 namespace tla {
 
-// An entry of a key table: where the records with a key hash stand.
+// An entry of a key table: a record's offset, and the hash of its key value.
 struct Index_pair {
     std::uint64_t key_hash;
     std::uint64_t record_offset; // in bytes from the start of the file

@@ -26,7 +26,7 @@ public:
     // The index of the first field of that name; the number of fields when there is none.
     [[nodiscard]] std::size_t find(std::u16string_view name) const;
 
-    // To be called when the list has grown: from then on a long one is searched, not gone through.
+    // Call it when the list has grown. A long list is searched by name from then on.
     void index_names();
     // Takes the list's fields over, and leaves it empty.
     void keep(std::vector<Field_descriptor>& list) noexcept;
@@ -37,7 +37,8 @@ private:
     std::vector<std::uint32_t> by_name_; // indexes, ordered by name; empty for a short list
 };
 
-// What a connector and its entries share, so that an entry answers whatever becomes of the others.
+// Shared by a connector and its entries, so that an entry still answers when the connector has
+// closed the file or is gone.
 struct Entry_source {
     Entry_source(std::shared_ptr<const scl::Scl_buffer> opened,
                  std::shared_ptr<const Entry_fields> names)
