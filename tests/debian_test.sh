@@ -1,6 +1,7 @@
 #!/bin/sh
 # debian_test.sh BUILD SOURCE: makes the Debian packages, twice, looks at what they hold, and does what
-# README.md shows with the programs in them. Left out (77) where Debian's tools are not there.
+# README.md shows with the programs in them. Left out (77) where Debian's tools are not there, and in
+# builds that are not meant for packages.
 set -eu
 build=$1
 source=$2
@@ -8,6 +9,7 @@ for tool in dpkg-deb dpkg-shlibdeps ar file bash; do
     command -v $tool >/dev/null || exit 77
 done
 grep -q '^CMAKE_INSTALL_PREFIX:PATH=/usr$' "$build/CMakeCache.txt" || exit 77
+if grep -q '^BUILD_SHARED_LIBS:.*=ON$' "$build/CMakeCache.txt"; then exit 77; fi
 place=$(mktemp -d)
 trap 'rm -rf "$place"' EXIT
 cd "$build"
