@@ -129,6 +129,13 @@ template <typename Unit>
     return impl::is_short_run(text);
 }
 
+// Whether the text is a run of letters, digits and connectors, and so one token. False says nothing:
+// a word of some scripts, or with marks, is no run.
+template <typename Unit>
+[[nodiscard]] bool txt_is_run(scl::Scl_text_span<Unit> text) {
+    return !text.empty() && impl::run_length(text, text.begin) == text.size();
+}
+
 // Hands the tokens of a text, ASCII bytes or UTF-16 units, to `take(begin, end)` in their order.
 // A text that begins with white space gives an empty token first, the one that this trailer belongs
 // to.

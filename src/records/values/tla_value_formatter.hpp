@@ -3,6 +3,7 @@
 #include "records/values/field_descriptor.hpp"
 #include "records/values/tla_formatters.hpp"
 #include "records/values/tla_padded_buffer.hpp"
+#include "scl/text/scl_case.hpp"
 #include "scl/text/scl_text_span.hpp"
 
 #include <string>
@@ -40,6 +41,13 @@ public:
     [[nodiscard]] scl::Scl_text_span<char> format_run(scl::Scl_text_span<char> run,
                                                       Tla_value_buffer& buffer) const {
         return lowers_case_ ? Tla_simplenc_formatter::format_ascii(run, buffer.ascii) : run;
+    }
+    // The same of a run (txt::txt_is_run) in `buffer.wide` whose characters normalisation leaves
+    // alone (scl::scl_is_plain). It stays one token. Tested by
+    // Value_tokens.OfALookupAreThoseOfARecord, as lookups go the long way.
+    [[nodiscard]] scl::Scl_text_span<char16_t> format_plain_run(Tla_value_buffer& buffer) const {
+        if (lowers_case_) scl::scl_lower_normalized(buffer.wide);
+        return scl::scl_span_of(buffer.wide);
     }
     // The formatted text, in `buffer.wide`, of which `value` may view a part.
     [[nodiscard]] scl::Scl_text_span<char16_t> format(std::u16string_view value,
