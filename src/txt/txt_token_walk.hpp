@@ -129,8 +129,8 @@ template <typename Unit>
     return impl::is_short_run(text);
 }
 
-// Whether the text is a run of letters, digits and connectors, and so one token. False says nothing:
-// a word of some scripts, or with marks, is no run.
+// Whether the text is a run of letters, digits and connectors, and so one token. False says
+// nothing: a word of some scripts, or with marks, is no run.
 template <typename Unit>
 [[nodiscard]] bool txt_is_run(scl::Scl_text_span<Unit> text) {
     return !text.empty() && impl::run_length(text, text.begin) == text.size();
