@@ -108,6 +108,29 @@ TEST(Value_tokens, OfALookupAreThoseOfARecord) {
     }
 }
 
+// In the midst of a word: a record takes most values by short ways, a lookup none.
+TEST(Value_tokens, OfEveryCharacterAreThoseOfALookup) {
+    tla::Tla_value_tokeniser tokeniser;
+    for (unsigned unit = 0x80; unit < 0x10000; ++unit) {
+        const auto& type = unit % 3 == 0   ? tla::Tla_simple_formatter::TYPE_ID
+                           : unit % 3 == 1 ? tla::Tla_ccnum_formatter::TYPE_ID
+                                           : tla::Tla_simplenc_formatter::TYPE_ID;
+        for (const tla::Formatter_type_id& id : {type, tla::Tla_simplenc_formatter::TYPE_ID}) {
+            const auto character = static_cast<char16_t>(unit);
+            const std::u16string wide{u'\u00C4', character, unit % 2 == 0 ? u'x' : u'\u0416'};
+            std::string value;
+            scl::scl_wtos(wide, value, true);
+            Values values;
+            scl::Scl_status status;
+            std::u16string read; // a lone surrogate has become another character
+            scl::scl_stow(value, read);
+            tokeniser.tokenise(read, id, values, status);
+            const std::string record = stored(value, id);
+            ASSERT_TRUE(tla::tla_field_holds(std::as_bytes(std::span(record)), 0, values)) << unit;
+        }
+    }
+}
+
 TEST(Token_values, OfATextEndAtFifteenMillion) {
     constexpr std::size_t MOST = 15000000;
     const std::string text(MOST + 1 + scl::SCL_BLOCK_BYTES, '!');

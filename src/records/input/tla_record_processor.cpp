@@ -3,7 +3,6 @@
 #include "records/values/record_layout.hpp"
 #include "records/values/tla_record_assembly.hpp"
 #include "records/values/tla_status_codes.hpp"
-#include "scl/text/scl_normalize.hpp"
 #include "scl/text/scl_string.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
@@ -132,16 +131,16 @@ bool Tla_record_processor::format_text(const Column& column, Tla_field_text fiel
                : format_wide(column, field, status, to);
 }
 
-// Most other values are one run, too, and of characters that normalisation leaves alone.
+// Apart, so that the ways of ASCII stay small enough to be inlined.
 template <typename Fields>
-bool Tla_record_processor::format_wide(const Column& column, Tla_field_text field,
-                                       scl::Scl_status& status, Fields& to) {
+[[gnu::noinline]] bool Tla_record_processor::format_wide(const Column& column, Tla_field_text field,
+                                                         scl::Scl_status& status, Fields& to) {
+    if (column.formatter.is_known()) {
+        const auto run = column.formatter.format_plain_run(field, buffer_);
+        if (!run.empty()) return to.add_run(run);
+    }
     scl::scl_stow(field.view(), buffer_.wide);
-    const bool is_run = column.formatter.is_known() &&
-                        txt::txt_is_run(scl::scl_span_of(buffer_.wide)) &&
-                        scl::scl_is_plain(buffer_.wide);
-    return is_run ? to.add_run(column.formatter.format_plain_run(buffer_))
-                  : format_value(column, scl::scl_trimmed(buffer_.wide), status, to);
+    return format_value(column, scl::scl_trimmed(buffer_.wide), status, to);
 }
 
 template <typename Value, typename Fields>

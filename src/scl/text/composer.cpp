@@ -100,7 +100,21 @@ std::size_t group_end(std::u16string_view text, std::size_t at) {
 
 } // namespace
 
+// A letter and one mark, as in most decomposed text, need no ordering. Tested by all cases of
+// Normalize.* with both, since a longer segment takes the general way.
+bool Composer::compose_two(std::u16string_view segment) {
+    if (segment.size() != 2) return false;
+    const Properties& first = properties_of(segment[0]);
+    const bool is_starter = first.combining_class == 0 && !first.decomposes;
+    if (!is_starter || properties_of(segment[1]).decomposes) return false;
+    const char32_t composed = compose_pair(segment[0], segment[1]);
+    if (composed == 0) return false;
+    append(composed);
+    return true;
+}
+
 void Composer::compose(std::u16string_view segment) {
+    if (compose_two(segment)) return;
     has_starter_ = false;
     for (std::size_t at = 0; at < segment.size();) {
         const std::size_t end = group_end(segment, at);

@@ -23,6 +23,7 @@ public:
     [[nodiscard]] static std::size_t most_units(std::u16string_view text);
 
 private:
+    [[nodiscard]] bool compose_two(std::u16string_view segment);
     void compose_group(std::u16string_view group);
     [[nodiscard]] std::uint8_t put_class(std::u16string_view group, std::uint8_t wanted);
     void put(char32_t code_point, std::uint8_t combining_class);
