@@ -1,5 +1,6 @@
 #include "txt/plain_runs.hpp"
 
+#include "scl/text/composer.hpp"
 #include "scl/text/unicode_tables.hpp"
 #include "txt/word_runs.hpp"
 
@@ -21,6 +22,29 @@ unsigned is_no_run(unsigned unit) {
     return static_cast<unsigned>(!impl::RUN_UNITS[scl::impl::SCL_UNICODE_BIT_TABLE[unit]]);
 }
 
+// The letter that a letter and a mark behind it become, when that is plain, too; else 0. A letter
+// that has a mark already is left to the general way, which puts marks in order.
+unsigned composed(unsigned letter, unsigned mark) {
+    if (scl::impl::properties_of(letter).decomposes) return 0;
+    const char32_t unit = scl::impl::compose_pair(letter, mark);
+    if (unit >= scl::impl::SMALL_LETTERS.size()) return 0;
+    return (is_special(unit) | is_no_run(unit)) == 0 ? static_cast<unsigned>(unit) : 0;
+}
+
+// Joins a mark with the last letter.
+bool join(unsigned mark, char16_t* units, std::size_t count) {
+    const unsigned letter = count == 0 ? 0 : composed(units[count - 1], mark);
+    if (letter != 0) units[count - 1] = static_cast<char16_t>(letter);
+    return letter != 0;
+}
+
+// At the end, since only a composed letter has its small form.
+void lower(char16_t* units, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        units[i] = scl::impl::SMALL_LETTERS[units[i]];
+    }
+}
+
 } // namespace
 
 // Computes with each character's length and faults. Branches would often be mispredicted, since
@@ -37,11 +61,17 @@ std::size_t txt_convert_plain_run(scl::Scl_text_span<char> text, bool lowers, ch
         const unsigned unit = lead ^ ((lead ^ pair) & (0U - is_pair));
         const unsigned is_malformed = static_cast<unsigned>(lead - 0xC2U >= 0xE0U - 0xC2U) |
                                       static_cast<unsigned>((next & 0xC0U) != 0x80);
-        if (((is_pair & is_malformed) | is_special(unit) | is_no_run(unit)) != 0) return 0;
-        to[count++] = lowers ? scl::impl::SMALL_LETTERS[unit] : static_cast<char16_t>(unit);
+        if ((is_pair & is_malformed) != 0) return 0;
+        if ((is_special(unit) | is_no_run(unit)) == 0) {
+            to[count++] = static_cast<char16_t>(unit);
+        } else if (!join(unit, to, count)) {
+            return 0;
+        }
         at += 1 + is_pair;
     }
-    return at == text.end ? count : 0; // else the last character is cut
+    if (at != text.end) return 0; // the last character is cut
+    if (lowers) lower(to, count);
+    return count;
 }
 
 } // namespace txt

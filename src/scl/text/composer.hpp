@@ -7,6 +7,9 @@
 
 namespace scl::impl {
 
+// The primary composite of two characters, or 0.
+[[nodiscard]] char32_t compose_pair(char32_t first, char32_t second);
+
 // Brings segments of text to Normalization Form C: decomposes them, orders their combining marks,
 // composes them again (Unicode Standard, section 3.11; Hangul by section 3.12). Takes no memory but
 // the string's.
