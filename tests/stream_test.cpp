@@ -211,7 +211,7 @@ TEST_F(Stream, ALargeFileTakesNoMoreRoomThanItsBytes) {
     struct stat facts {};
     ASSERT_EQ(::stat(path.c_str(), &facts), 0);
     EXPECT_EQ(facts.st_size, 8 * PIECE + 1);
-    EXPECT_LE(facts.st_blocks * DISK_BLOCK, 9 * PIECE);
+    EXPECT_LE(static_cast<std::uint64_t>(facts.st_blocks) * DISK_BLOCK, 9 * PIECE);
     std::filesystem::remove(path);
 }
 

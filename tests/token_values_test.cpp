@@ -5,6 +5,7 @@
 #include "records/values/tla_value_tokens.hpp"
 #include "scl/io/scl_buffers.hpp"
 #include "scl/text/scl_string.hpp"
+#include "txt/plain_runs.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
 #include <gtest/gtest.h>
@@ -79,6 +80,7 @@ TEST(Value_tokens, OfALookupAreThoseOfARecord) {
                                              "J\xCC\x8C",
                                              "\xCE\xA3",
                                              "\xFF",
+                                             "\xC3",
                                              "\xC2\xA0",
                                              "\xE6\x9D\x8E",
                                              ".",
@@ -134,6 +136,18 @@ TEST(Value_tokens, OfEveryCharacterAreThoseOfALookup) {
             ASSERT_TRUE(tla::tla_field_holds(std::as_bytes(std::span(record)), 0, values)) << unit;
         }
     }
+}
+
+// What is behind a text does not complete its last character.
+TEST(Plain_run, EndsWithItsLastCharacter) {
+    const std::string bytes = "ZO\xC3\x8B" + std::string(scl::SCL_BLOCK_BYTES, ' ');
+    std::u16string units(txt::TXT_PLAIN_RUN_BYTES, u' ');
+    const auto convert = [&](std::size_t size) {
+        return txt::txt_convert_plain_run({bytes.data(), bytes.data() + size}, true, units.data());
+    };
+    EXPECT_EQ(convert(3), 0U);
+    ASSERT_EQ(convert(4), 3U);
+    EXPECT_EQ(units.substr(0, 3), u"zo\u00EB");
 }
 
 TEST(Token_values, OfATextEndAtFifteenMillion) {

@@ -22,10 +22,9 @@ unsigned is_no_run(unsigned unit) {
     return static_cast<unsigned>(!impl::RUN_UNITS[scl::impl::SCL_UNICODE_BIT_TABLE[unit]]);
 }
 
-// The letter that a letter and a mark behind it become, when that is plain, too; else 0. A letter
-// that has a mark already is left to the general way, which puts marks in order.
+// The letter that a letter and a mark behind it become, when that is plain, too; else 0. Several
+// marks need no ordering here: each letter on the way is equivalent to all that it was made of.
 unsigned composed(unsigned letter, unsigned mark) {
-    if (scl::impl::properties_of(letter).decomposes) return 0;
     const char32_t unit = scl::impl::compose_pair(letter, mark);
     if (unit >= scl::impl::SMALL_LETTERS.size()) return 0;
     return (is_special(unit) | is_no_run(unit)) == 0 ? static_cast<unsigned>(unit) : 0;
