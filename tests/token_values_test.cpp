@@ -5,6 +5,7 @@
 #include "records/values/tla_value_tokens.hpp"
 #include "scl/io/scl_buffers.hpp"
 #include "scl/text/scl_string.hpp"
+#include "txt/plain_runs.hpp"
 #include "txtdfc/txtdfc_token_values.hpp"
 
 #include <gtest/gtest.h>
@@ -79,6 +80,7 @@ TEST(Value_tokens, OfALookupAreThoseOfARecord) {
                                              "J\xCC\x8C",
                                              "\xCE\xA3",
                                              "\xFF",
+                                             "\xC3",
                                              "\xC2\xA0",
                                              "\xE6\x9D\x8E",
                                              ".",
@@ -106,6 +108,46 @@ TEST(Value_tokens, OfALookupAreThoseOfARecord) {
         values[random() % values.size()] ^= 1;
         ASSERT_FALSE(tla::tla_field_holds(bytes, 0, values)) << testing::PrintToString(value);
     }
+}
+
+// Beside letters and marks: a record takes most values by short ways, a lookup none. All characters
+// of one and two bytes, and some others.
+TEST(Value_tokens, OfEveryCharacterAreThoseOfALookup) {
+    std::mt19937 random(22); // NOLINT: the same numbers each time
+    tla::Tla_value_tokeniser tokeniser;
+    for (unsigned unit = 0x80; unit < 0x10000; unit += unit < 0x900 ? 1 : 17) {
+        const auto& type = unit % 3 == 0   ? tla::Tla_simple_formatter::TYPE_ID
+                           : unit % 3 == 1 ? tla::Tla_ccnum_formatter::TYPE_ID
+                                           : tla::Tla_simplenc_formatter::TYPE_ID;
+        for (const tla::Formatter_type_id& id : {type, tla::Tla_simplenc_formatter::TYPE_ID}) {
+            const auto character = static_cast<char16_t>(unit);
+            std::u16string wide = u"x  x"; // not trimmed
+            wide[1] = random() % 2 == 0 ? character : u"aeOUIC\u0399\u0415"[random() % 8];
+            wide[2] = random() % 2 == 0 ? character : u"\u0301\u0308\u0307\u0323"[random() % 4];
+            wide[3] = u"x\u0416\u0323\u0304"[random() % 4];
+            std::string value;
+            scl::scl_wtos(wide, value, true);
+            Values values;
+            scl::Scl_status status;
+            std::u16string read; // a lone surrogate has become another character
+            scl::scl_stow(value, read);
+            tokeniser.tokenise(read, id, values, status);
+            const std::string record = stored(value, id);
+            ASSERT_TRUE(tla::tla_field_holds(std::as_bytes(std::span(record)), 0, values)) << unit;
+        }
+    }
+}
+
+// What is behind a text does not complete its last character.
+TEST(Plain_run, EndsWithItsLastCharacter) {
+    const std::string bytes = "ZO\xC3\x8B" + std::string(scl::SCL_BLOCK_BYTES, ' ');
+    std::u16string units(txt::TXT_PLAIN_RUN_BYTES, u' ');
+    const auto convert = [&](std::size_t size) {
+        return txt::txt_convert_plain_run({bytes.data(), bytes.data() + size}, true, units.data());
+    };
+    EXPECT_EQ(convert(3), 0U);
+    ASSERT_EQ(convert(4), 3U);
+    EXPECT_EQ(units.substr(0, 3), u"zo\u00EB");
 }
 
 TEST(Token_values, OfATextEndAtFifteenMillion) {

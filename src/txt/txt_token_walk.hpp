@@ -129,6 +129,13 @@ template <typename Unit>
     return impl::is_short_run(text);
 }
 
+// Whether the text is a run of letters, digits and connectors, and so one token. False says
+// nothing: a word of some scripts, or with marks, is no run.
+template <typename Unit>
+[[nodiscard]] bool txt_is_run(scl::Scl_text_span<Unit> text) {
+    return !text.empty() && impl::run_length(text, text.begin) == text.size();
+}
+
 // Calls `take(begin, end)` for each token of a text, in order; units are ASCII bytes or UTF-16.
 // White space at the front is a trailer, and a trailer belongs to a token: an empty one comes
 // first.

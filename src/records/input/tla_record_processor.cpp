@@ -13,8 +13,7 @@ namespace tla {
 namespace {
 
 // A record of up to this size is assembled in the output stream's memory, where a field's count can
-// be filled in behind its values. An eighth of that memory (256 KiB): so little is left unused when
-// it is written out, and hardly a record is larger.
+// be filled in behind its values. Hardly a record is larger.
 constexpr std::size_t ROOM_BYTES = std::size_t{32} << 10;
 
 // A key of an unknown type must not be empty either: the look at the key comes first.
@@ -36,7 +35,8 @@ struct Assembled_fields {
         assembly.add_field(text);
         return true;
     }
-    bool add_run(scl::Scl_text_span<char> run) {
+    template <typename Unit>
+    bool add_run(scl::Scl_text_span<Unit> run) {
         assembly.add_run(run);
         return true;
     }
@@ -57,7 +57,10 @@ struct Streamed_fields {
         wraps = wraps || count > MOST_TOKENS;
         return !status.has_failed();
     }
-    bool add_run(scl::Scl_text_span<char> run) { return add_text(run); }
+    template <typename Unit>
+    bool add_run(scl::Scl_text_span<Unit> run) {
+        return add_text(run);
+    }
 
     scl::Scl_ostream& out;
     scl::Scl_status& status;
@@ -126,13 +129,19 @@ bool Tla_record_processor::format_text(const Column& column, Tla_field_text fiel
                                        scl::Scl_status& status, Fields& to) {
     return is_ascii || scl::scl_is_ascii(field)
                ? format_value(column, scl::scl_trimmed(field), status, to)
-               : format_value(column, decoded(field), status, to);
+               : format_wide(column, field, status, to);
 }
 
-// The field's UTF-16 form, trimmed.
-std::u16string_view Tla_record_processor::decoded(const Tla_field_text& field) {
+// Apart, so that the ways of ASCII stay small enough to be inlined.
+template <typename Fields>
+[[gnu::noinline]] bool Tla_record_processor::format_wide(const Column& column, Tla_field_text field,
+                                                         scl::Scl_status& status, Fields& to) {
+    if (column.formatter.is_known()) {
+        const auto run = column.formatter.format_plain_run(field, buffer_);
+        if (!run.empty()) return to.add_run(run);
+    }
     scl::scl_stow(field.view(), buffer_.wide);
-    return scl::scl_trimmed(buffer_.wide);
+    return format_value(column, scl::scl_trimmed(buffer_.wide), status, to);
 }
 
 template <typename Value, typename Fields>

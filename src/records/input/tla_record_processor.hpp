@@ -74,10 +74,12 @@ private:
     template <typename Fields>
     [[nodiscard]] bool format_text(const Column& column, Tla_field_text field, bool is_ascii,
                                    scl::Scl_status& status, Fields& to);
+    template <typename Fields>
+    [[nodiscard]] bool format_wide(const Column& column, Tla_field_text field,
+                                   scl::Scl_status& status, Fields& to);
     template <typename Value, typename Fields>
     [[nodiscard]] bool format_value(const Column& column, Value trimmed, scl::Scl_status& status,
                                     Fields& to);
-    [[nodiscard]] std::u16string_view decoded(const Tla_field_text& field);
     [[nodiscard]] bool ends_with_byte() const { return columns_.back().formatter.is_known(); }
     void process_large(const Tla_record_text& record, scl::Scl_ostream& out,
                        scl::Scl_status& status);

@@ -80,59 +80,53 @@ void Tla_record_reader::check_returns(std::string_view text) {
     if (text[first + 1] != LINE_FEED) result_ = Tla_read_result::invalid_line_ending;
 }
 
-// Takes all whole lines of the text and returns their size in bytes.
+// Takes all whole lines of the text and returns their size in bytes. The line that is being read is
+// a local, so that the compiler keeps it in registers while fields are stored.
 std::size_t Tla_record_reader::take_lines(std::string_view text, scl::Scl_status& status) {
-    const char* done = text.data();
-    begin_line(done);
+    Line line{text.data()};
     for (std::size_t at = 0; at < text.size(); at += Delimiters::BLOCK) {
         Delimiters found = find_next_delimiters(text.substr(at));
         for (std::uint64_t ends = found.ends; ends != 0; ends &= ends - 1) {
             const char* const end = text.data() + at + std::countr_zero(ends);
             if (*end == FIELD_SEPARATOR) {
-                end_field(end);
+                end_field(line, end);
             } else if (*end == LINE_FEED) {
                 const std::uint64_t before = ~ends & (ends - 1);
-                is_ascii_ = is_ascii_ && (found.not_ascii & before) == 0;
+                line.is_ascii = line.is_ascii && (found.not_ascii & before) == 0;
                 found.not_ascii &= ~before; // the next line's
-                end_line(end, text.data(), status);
+                end_line(line, end, status);
                 if (!goes_on(status)) return 0;
-                done = end + 1;
-                begin_line(done);
+                line = Line{end + 1};
             } else if (end + 1 != text.data() + text.size() && end[1] != LINE_FEED) {
                 result_ = Tla_read_result::invalid_line_ending;
                 return 0;
             }
         }
-        is_ascii_ = is_ascii_ && found.not_ascii == 0;
+        line.is_ascii = line.is_ascii && found.not_ascii == 0;
     }
-    return static_cast<std::size_t>(done - text.data());
-}
-
-void Tla_record_reader::begin_line(const char* at) {
-    field_begin_ = at;
-    field_count_ = 0;
-    is_ascii_ = true;
+    return static_cast<std::size_t>(line.begin - text.data());
 }
 
 // Fields past the last column are only counted: their number is the fault.
-void Tla_record_reader::end_field(const char* at) {
-    if (field_count_ < column_count_) fields_[field_count_] = {field_begin_, at};
-    ++field_count_;
-    field_begin_ = at + 1;
+inline void Tla_record_reader::end_field(Line& line, const char* at) {
+    if (line.field_count < column_count_) fields_[line.field_count] = {line.field, at};
+    ++line.field_count;
+    line.field = at + 1;
 }
 
 // A CR before the LF is part of the line end. Other CRs were refused before.
-void Tla_record_reader::end_line(const char* at, const char* text, scl::Scl_status& status) {
-    const bool after_return = at != text && at[-1] == CARRIAGE_RETURN;
-    end_field(after_return ? at - 1 : at);
-    if (field_count_ != column_count_) {
+inline void Tla_record_reader::end_line(Line line, const char* at, scl::Scl_status& status) {
+    const bool after_return = at != line.begin && at[-1] == CARRIAGE_RETURN;
+    end_field(line, after_return ? at - 1 : at);
+    if (line.field_count != column_count_) {
         result_ = Tla_read_result::field_count_mismatch;
         return;
     }
-    const std::string_view line(fields_.front().begin,
-                                static_cast<std::size_t>(at - fields_.front().begin));
-    if (!is_ascii_ && line.find(BYTE_ORDER_MARK.front()) != std::string_view::npos) drop_marks();
-    processor_.process({fields_, is_ascii_}, out_, status);
+    const std::string_view bytes(line.begin, static_cast<std::size_t>(at - line.begin));
+    if (!line.is_ascii && bytes.find(BYTE_ORDER_MARK.front()) != std::string_view::npos) {
+        drop_marks();
+    }
+    processor_.process({fields_, line.is_ascii}, out_, status);
 }
 
 // Searches on behind each dropped mark, so that bytes which come together there are not taken for

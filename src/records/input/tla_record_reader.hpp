@@ -38,12 +38,19 @@ public:
                                                scl::Scl_status& status);
 
 private:
+    // A line whose end has not been found yet.
+    struct Line {
+        const char* begin;
+        const char* field = begin;   // where the next field begins
+        std::size_t field_count = 0; // fields beyond the last column are only counted
+        bool is_ascii = true;
+    };
+
     void take_window(std::string_view window, scl::Scl_status& status);
     [[nodiscard]] std::size_t complete_line(std::string_view window, scl::Scl_status& status);
     [[nodiscard]] std::size_t take_lines(std::string_view text, scl::Scl_status& status);
-    void begin_line(const char* at);
-    void end_field(const char* at);
-    void end_line(const char* at, const char* text, scl::Scl_status& status);
+    void end_field(Line& line, const char* at);
+    void end_line(Line line, const char* at, scl::Scl_status& status);
     void check_returns(std::string_view text);
     void drop_marks();
     [[nodiscard]] bool goes_on(const scl::Scl_status& status) const {
@@ -58,12 +65,8 @@ private:
     Padded_text open_line_;              // what earlier windows hold of the line that has not ended
     bool after_carriage_return_ = false; // the last window ended with one
 
-    // The line that is being read.
-    const char* field_begin_ = nullptr;
-    std::size_t field_count_ = 0;        // fields beyond the last column are only counted
-    std::vector<Tla_field_text> fields_; // one for each column
+    std::vector<Tla_field_text> fields_; // of the line that is being read, one for each column
     Padded_text unmarked_;               // fields that lost a byte order mark
-    bool is_ascii_ = true;
 };
 
 } // namespace tla

@@ -117,11 +117,6 @@ void Tla_simplenc_formatter::format(std::u16string_view input, std::u16string& o
     }
 }
 
-Ascii Tla_simplenc_formatter::format_ascii(Ascii value, Tla_padded_buffer<char>& buffer) {
-    scl::scl_lower_ascii(value, buffer.room(value.size()));
-    return buffer.text(value.size());
-}
-
 void Tla_ccnum_formatter::format(std::u16string_view input, std::u16string& output,
                                  bool raw) const {
     (void)copy_normalised(input, output, raw);

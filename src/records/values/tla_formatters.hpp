@@ -66,8 +66,12 @@ public:
     [[nodiscard]] Formatter_type_id type_id() const override { return TYPE_ID; }
     void format(std::u16string_view input, std::u16string& output, bool raw) const override;
 
+    // In the header, since it is done with most values of this type.
     [[nodiscard]] static scl::Scl_text_span<char> format_ascii(scl::Scl_text_span<char> value,
-                                                               Tla_padded_buffer<char>& buffer);
+                                                               Tla_padded_buffer<char>& buffer) {
+        scl::scl_lower_ascii(value, buffer.room(value.size()));
+        return buffer.text(value.size());
+    }
 };
 
 // CCNUMBER: the value in NFC without hyphens (U+002D) and blanks (U+0020). Nothing else is removed

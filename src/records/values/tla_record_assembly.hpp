@@ -20,14 +20,16 @@ public:
         : begin_(room.data()), at_(begin_), end_(begin_ + room.size()) {}
 
     // Most fields are one token and take this straight way.
-    template <typename Unit>
-    void add_field(scl::Scl_text_span<Unit> formatted) {
-        if (!txt::txt_is_short_run(formatted)) return add_tokens(formatted);
-        add_run(formatted);
+    void add_field(scl::Scl_text_span<char> formatted) {
+        txt::txt_is_short_run(formatted) ? add_run(formatted) : add_tokens(formatted);
     }
-    // A field that is known to be a short run (txt::txt_is_short_run), and so one token.
+    void add_field(scl::Scl_text_span<char16_t> formatted) {
+        txt::txt_is_run(formatted) ? add_run(formatted) : add_tokens(formatted);
+    }
+    // A field that is known to be a run, and so one token; of bytes, a short one
+    // (txt::txt_is_short_run).
     template <typename Unit>
-    void add_run(scl::Scl_text_span<Unit> formatted) {
+    [[gnu::flatten]] void add_run(scl::Scl_text_span<Unit> formatted) {
         std::byte* const to = take(tla_field_size(1));
         if (to == nullptr) return;
         scl::scl_store_be(to, Tla_token_count{1});

@@ -8,33 +8,46 @@ namespace scl {
 void Scl_ostream::attach(Scl_buffer& buffer) {
     if (storage_ == nullptr) storage_ = std::make_unique_for_overwrite<std::byte[]>(STORAGE_BYTES);
     buffer_ = &buffer;
-    capacity_ = STORAGE_BYTES;
     used_ = 0;
-    begin_offset_ = 0;
+    begin_at(0);
 }
 
 void Scl_ostream::detach(Scl_status& status) {
     flush(status);
     buffer_ = nullptr;
-    capacity_ = 0;
+    piece_ = 0;
 }
 
-// After a failure the bytes are dropped: what should stand before them is missing.
+// The storage begins there. A first piece that does not begin at a multiple is shorter, so that all
+// further ones begin at one.
+void Scl_ostream::begin_at(std::uint64_t offset) {
+    begin_offset_ = offset;
+    piece_ = PIECE_BYTES - offset % PIECE_BYTES;
+}
+
 void Scl_ostream::flush(Scl_status& status) {
-    if (used_ != 0 && !status.has_failed()) {
-        buffer_->write_at(begin_offset_, {storage_.get(), used_}, status);
-    }
-    begin_offset_ += used_; // after a failure, too: tell() counts what was handed over
-    used_ = 0;
+    if (used_ != 0) write_stored(used_, status);
 }
 
-// False, with an error in the status, when there is nowhere to write to.
-bool Scl_ostream::flush_attached(Scl_status& status) {
+// Writes the first bytes of the storage and moves the others to its front. After a failure the
+// bytes are dropped: what should stand before them is missing. tell() counts them all the same.
+void Scl_ostream::write_stored(std::size_t count, Scl_status& status) {
+    if (!status.has_failed()) buffer_->write_at(begin_offset_, {storage_.get(), count}, status);
+    used_ -= count;
+    std::memmove(storage_.get(), storage_.get() + count, used_);
+    begin_at(begin_offset_ + count);
+}
+
+// All whole pieces that are stored, one or two. False, with an error in the status, when there is
+// nowhere to write to.
+bool Scl_ostream::write_pieces(Scl_status& status) {
     if (buffer_ == nullptr) {
         if (!status.has_failed()) status.push(SCL_STATUS_OUT_OF_BOUNDS);
         return false;
     }
-    flush(status);
+    while (used_ >= piece_) {
+        write_stored(piece_, status);
+    }
     return true;
 }
 
@@ -44,14 +57,15 @@ void Scl_ostream::write_past_storage(std::size_t count, const void* source, Scl_
     if (!status.has_failed()) {
         buffer_->write_at(begin_offset_, {static_cast<const std::byte*>(source), count}, status);
     }
-    begin_offset_ += count;
+    begin_at(begin_offset_ + count);
 }
 
-// Flushes what is stored, then passes a piece larger than the storage on as it is: storing it would
-// cost a copy and more calls.
+// A piece that the storage has no room for is passed on as it is, behind what is stored: storing it
+// would cost a copy and more calls.
 void Scl_ostream::write(std::size_t count, const void* source, Scl_status& status) {
-    if (count > capacity_ - used_ && !flush_attached(status)) return;
-    if (count > capacity_) {
+    if (used_ >= piece_ && !write_pieces(status)) return;
+    if (count > STORAGE_BYTES - used_) {
+        flush(status);
         write_past_storage(count, source, status);
     } else if (count != 0) {
         std::memcpy(storage_.get() + used_, source, count);
@@ -62,7 +76,7 @@ void Scl_ostream::write(std::size_t count, const void* source, Scl_status& statu
 // Flushes first: the stored bytes belong to the old position.
 void Scl_ostream::set_position(std::uint64_t position, Scl_status& status) {
     flush(status);
-    begin_offset_ = position;
+    begin_at(position);
 }
 
 } // namespace scl

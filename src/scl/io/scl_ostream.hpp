@@ -16,9 +16,14 @@ namespace scl {
 // reported by the call that passes the bytes on to the buffer, at the latest by flush() or
 // detach(): call one of them before relying on what was written. Writing without a buffer attached
 // sets SCL_STATUS_OUT_OF_BOUNDS.
+//
+// Bytes go out in pieces that end at multiples of PIECE_BYTES of the buffer. Large pieces, since a
+// system call costs as much as some hundred records; and whole pages, since a file system takes
+// them in two thirds of the time.
 class Scl_ostream {
-    // Large, since a system call costs as much as some hundred records.
-    static constexpr std::size_t STORAGE_BYTES = std::size_t{256} << 10;
+    static constexpr std::size_t PIECE_BYTES = std::size_t{256} << 10;
+    // Behind a piece that is not full yet there is room for what room() is asked for.
+    static constexpr std::size_t STORAGE_BYTES = PIECE_BYTES + PIECE_BYTES / 2;
 
 public:
     // The most that room() can give.
@@ -53,16 +58,15 @@ public:
         write_le(scl_byte_swapped(value), status);
     }
 
-    // Memory to write to in place, without a copy: at least `count` bytes, at most STORAGE_BYTES
-    // / 2. advance() makes them part of the stream. Empty when the stream is not attached. Valid
+    // Memory to write to in place, without a copy: at least `count` bytes, at most PIECE_BYTES / 2.
+    // advance() makes them part of the stream. Empty when the stream is not attached. Valid
     // until the next operation.
     [[nodiscard]] std::span<std::byte> room(std::size_t count, Scl_status& status) {
-        assert(count <= STORAGE_BYTES / 2);
         if (make_room(count, status) == nullptr) return {};
-        return {storage_.get() + used_, capacity_ - used_};
+        return {storage_.get() + used_, STORAGE_BYTES - used_};
     }
     void advance(std::size_t count) {
-        assert(count <= capacity_ - used_);
+        assert(count <= STORAGE_BYTES - used_);
         used_ += count;
     }
 
@@ -73,17 +77,20 @@ public:
 
 private:
     void attach(Scl_buffer& buffer);
-    // Memory for `count` bytes, far fewer than STORAGE_BYTES; null when not attached.
-    [[nodiscard]] std::byte* make_room(std::size_t count, Scl_status& status) {
-        if (capacity_ - used_ < count && !flush_attached(status)) return nullptr;
+    // Memory for `count` bytes; null when not attached.
+    [[nodiscard]] std::byte* make_room([[maybe_unused]] std::size_t count, Scl_status& status) {
+        assert(count <= STORAGE_BYTES - PIECE_BYTES);
+        if (used_ >= piece_ && !write_pieces(status)) return nullptr;
         return storage_.get() + used_;
     }
-    [[nodiscard]] bool flush_attached(Scl_status& status);
+    void begin_at(std::uint64_t offset);
+    void write_stored(std::size_t count, Scl_status& status);
+    [[nodiscard]] bool write_pieces(Scl_status& status);
     void write_past_storage(std::size_t count, const void* source, Scl_status& status);
 
     Scl_buffer* buffer_ = nullptr;
     std::unique_ptr<std::byte[]> storage_;
-    std::size_t capacity_ = 0; // 0 when not attached
+    std::size_t piece_ = 0; // the size of the piece that comes next; 0 when not attached
     std::size_t used_ = 0;
     std::uint64_t begin_offset_ = 0; // where in the buffer the storage begins
 };

@@ -7,6 +7,9 @@
 
 namespace scl::impl {
 
+// The primary composite of two characters, or 0.
+[[nodiscard]] char32_t compose_pair(char32_t first, char32_t second);
+
 // Brings segments of text to Normalization Form C: decomposes them, orders their combining marks,
 // composes them again (Unicode Standard, section 3.11; Hangul by section 3.12). Takes no memory but
 // the string's.
@@ -23,6 +26,7 @@ public:
     [[nodiscard]] static std::size_t most_units(std::u16string_view text);
 
 private:
+    [[nodiscard]] bool compose_two(std::u16string_view segment);
     void compose_group(std::u16string_view group);
     [[nodiscard]] std::uint8_t put_class(std::u16string_view group, std::uint8_t wanted);
     void put(char32_t code_point, std::uint8_t combining_class);

@@ -60,8 +60,8 @@ inline constexpr char16_t FIRST_MARK = 0x300;
 // letters has it unchanged.
 inline constexpr char16_t CAPITAL_I_WITH_DOT = 0x130;
 
-// The small form of each unit below FIRST_MARK.
-using Small_letters = std::array<char16_t, FIRST_MARK>;
+// The small form of each character that UTF-8 writes in one byte or two: Latin, Greek, Cyrillic.
+using Small_letters = std::array<char16_t, 0x800>;
 extern const Small_letters SMALL_LETTERS;
 
 // The properties of a code point; values above U+10FFFF have those of an unassigned one.
