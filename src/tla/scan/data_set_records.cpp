@@ -35,7 +35,7 @@ void Data_set_records::survey(const std::vector<bool>& is_key, scl::Scl_status& 
             if (kinds_[field] == Value_kind::none || values == 0) continue;
             std::uint64_t& largest = totals_.largest[static_cast<std::size_t>(kinds_[field])];
             largest = std::max(largest, values);
-            totals_.sequences += values;
+            totals_.sequences += std::min<std::uint64_t>(values, Scan_hashes::SHORT_LENGTH + 1);
             ++values_here;
             keys_here += is_key[field] ? 1 : 0;
         }

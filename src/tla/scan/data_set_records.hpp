@@ -3,6 +3,7 @@
 #include "records/values/record_layout.hpp"
 #include "tla/scan/scan_hashes.hpp"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -16,7 +17,7 @@ namespace tla {
 
 // What there is of the values of a data set, for tables of the right size.
 struct Value_totals {
-    std::uint64_t sequences = 0;          // values, and beginnings of values
+    std::uint64_t sequences = 0;          // values, and their short beginnings
     std::uint64_t values = 0;             // fields with a value
     std::uint64_t key_values = 0;         // key fields with one
     std::uint64_t pairs = 0;              // a key's value beside another field's
@@ -83,16 +84,24 @@ void Data_set_records::each_record(Take take) const {
     }
 }
 
-// The hash of a field's values; take_beginning(hash) is shown that of each proper beginning.
+// The hash of a field's values; take_beginning(hash) is shown that of each proper beginning of up
+// to Scan_hashes::SHORT_LENGTH values.
 template <typename Take>
 [[nodiscard]] std::uint64_t hash_of_values(const Scan_hashes& hashes, Value_kind kind,
                                            std::span<const std::byte> values, Take take_beginning) {
+    const std::size_t count = values.size() / TLA_TOKEN_VALUE_BYTES;
     std::uint64_t hash = hashes.extended(hashes.start(kind), tla_value_at(values, 0));
-    for (std::size_t i = 1; i < values.size() / TLA_TOKEN_VALUE_BYTES; ++i) {
+    for (std::size_t i = 1; i < std::min(count, Scan_hashes::SHORT_LENGTH); ++i) {
         take_beginning(hash);
         hash = hashes.extended(hash, tla_value_at(values, i));
     }
-    return hash;
+    if (count <= Scan_hashes::SHORT_LENGTH) return hash;
+    take_beginning(hash);
+    std::uint64_t sum = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        sum = hashes.rolled(sum, tla_value_at(values, i));
+    }
+    return hashes.of_long(kind, sum, count);
 }
 [[nodiscard]] inline std::uint64_t hash_of_values(const Scan_hashes& hashes, Value_kind kind,
                                                   std::span<const std::byte> values) {

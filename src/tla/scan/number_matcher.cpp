@@ -70,7 +70,8 @@ void Number_matcher::add_group(const Number_word& word, std::u16string_view text
     const bool joins = gap_characters_ >= 1 && gap_characters_ <= MOST_GAP_CHARACTERS &&
                        gap_line_ends_ <= MOST_GAP_LINE_ENDS;
     if (!joins) clear_groups();
-    groups_.push_back({first, number_, text_.size(), word.characters, word.has_digit});
+    groups_.push_back({first, number_, text_.size(), word.characters, word.has_digit, text_.size(),
+                       0, 0, 0, false, false});
     text_ += text;
     has_digits_ |= word.has_digit;
     drop_groups();
@@ -92,6 +93,7 @@ void Number_matcher::drop_groups() {
     groups_.erase(groups_.begin(), groups_.begin() + static_cast<std::ptrdiff_t>(first));
     for (Group& group : groups_) {
         group.text -= text;
+        group.valued_to -= text;
     }
     has_digits_ = std::ranges::any_of(groups_, &Group::has_digit);
 }
@@ -161,34 +163,43 @@ void Number_matcher::read_word(const Number_word& word, std::u16string_view text
 void Number_matcher::add_stretches() {
     std::uint64_t characters = groups_.back().characters;
     for (std::size_t i = groups_.size() - 1; i > 0; --i) {
-        const Group& group = groups_[i - 1];
+        Group& group = groups_[i - 1];
         characters += group.characters;
         if (characters > MOST_CHARACTERS) return;
         if (!group.has_digit && !groups_.back().has_digit) continue;
-        stretch_.assign(text_, group.text);
-        add_stretch(group, stretch_);
+        carry_on(group);
+        add_item(group.first, group.number, true, group.value);
+        if (group.has_small) add_item(group.first, group.number, true, group.upper);
+        if (group.has_capital) add_item(group.first, group.number, true, group.lower);
     }
 }
 
-// As it is, with a to z as capitals, with A to Z as small letters; what does not differ, once.
-void Number_matcher::add_stretch(const Group& group, std::u16string& text) {
-    const auto add = [&] {
-        add_item(group.first, group.number, true, txt::txt_token_value(std::u16string_view(text)));
-    };
-    const auto change = [&text](char16_t first, char16_t last, int by) {
-        bool changes = false;
-        for (char16_t& unit : text) {
-            if (unit < first || unit > last) continue;
-            unit = static_cast<char16_t>(unit + by);
-            changes = true;
+// To the last group. Up to 64 stretches end with each word, and most of each was in one that ended
+// with the word before: so each character is taken into each value once.
+void Number_matcher::carry_on(Group& group) {
+    const std::u16string_view more = std::u16string_view(text_).substr(group.valued_to);
+    group.valued_to = text_.size();
+    const auto is_small = [](char16_t unit) { return unit >= u'a' && unit <= u'z'; };
+    const auto is_capital = [](char16_t unit) { return unit >= u'A' && unit <= u'Z'; };
+    if (!group.has_small && std::ranges::any_of(more, is_small)) {
+        group.has_small = true;
+        group.upper = group.value;
+    }
+    if (!group.has_capital && std::ranges::any_of(more, is_capital)) {
+        group.has_capital = true;
+        group.lower = group.value;
+    }
+    group.value = txt::txt_extended_value(group.value, more);
+    const auto carry_form_on = [&](std::uint64_t value, auto changes, int by) {
+        changed_.assign(more);
+        for (char16_t& unit : changed_) {
+            if (changes(unit)) unit = static_cast<char16_t>(unit + by);
         }
-        return changes;
+        return txt::txt_extended_value(value, changed_);
     };
     constexpr int TO_CAPITAL = 'A' - 'a';
-    add();
-    if (change(u'a', u'z', TO_CAPITAL)) add();
-    // Where all letters were small, this is the stretch as it is once more.
-    if (change(u'A', u'Z', -TO_CAPITAL)) add();
+    if (group.has_small) group.upper = carry_form_on(group.upper, is_small, TO_CAPITAL);
+    if (group.has_capital) group.lower = carry_form_on(group.lower, is_capital, -TO_CAPITAL);
 }
 
 // Has memory bring the filter's answer while others are worked out.

@@ -58,6 +58,15 @@ private:
         std::size_t text;     // where its characters begin in text_
         std::uint32_t characters;
         bool has_digit;
+        // Of the stretch from here to `valued_to` in text_: its token value as it is, with a to z
+        // as capitals, with A to Z as small letters; the last two count once it has such letters.
+        // They are carried on when a stretch is asked for: most groups are words of letters alone.
+        std::size_t valued_to;
+        std::uint64_t value;
+        std::uint64_t upper;
+        std::uint64_t lower;
+        bool has_small;
+        bool has_capital;
     };
     // A beginning of a value, by the number of its last word.
     struct Beginning {
@@ -86,7 +95,7 @@ private:
     void pass_gap(std::uint32_t characters, std::uint32_t line_ends, bool is_clean);
     void read_word(const Number_word& word, std::u16string_view text);
     void add_stretches();
-    void add_stretch(const Group& group, std::u16string& text);
+    void carry_on(Group& group);
     void add_item(Text_place first, std::uint64_t first_number, bool is_stretch,
                   std::uint64_t value);
     void read_items();
@@ -102,7 +111,7 @@ private:
     std::uint64_t gap_characters_ = 0;
     std::uint64_t gap_line_ends_ = 0;
     std::vector<Item> items_; // that end with the word at hand
-    std::u16string stretch_;
+    std::u16string changed_;
 
     // While a word is read.
     const Chunk_place* place_ = nullptr;

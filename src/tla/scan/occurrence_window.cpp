@@ -8,6 +8,11 @@ namespace {
 
 constexpr std::size_t LEAST_SLOTS = 1024;
 
+std::uint64_t shift_between(const Occurrence& before, const Occurrence& behind) {
+    const std::uint64_t shift = behind.first.word - before.first.word;
+    return behind.last_word - before.last_word == shift ? shift : 0;
+}
+
 } // namespace
 
 Occurrence_window::Occurrence_window() : slots_(LEAST_SLOTS, Slot{0, NONE}) {}
@@ -53,11 +58,14 @@ void Occurrence_window::make_room() {
     }
 }
 
-void Occurrence_window::add(const Occurrence& occurrence) {
+void Occurrence_window::add(const Occurrence& occurrence, std::uint64_t least) {
     if ((used_ + 1) * 2 > slots_.size()) make_room();
     Slot& slot = slots_[slot_of(occurrence.hash)];
     const bool is_known = slot.number != NONE && slot.number >= begin_;
-    entries_.push_back({occurrence, is_known ? slot.number : NONE});
+    Entry entry{occurrence, is_known ? slot.number : NONE, least, 0, end()};
+    if (is_known) entry.shift = shift_between(at(slot.number).occurrence, occurrence);
+    if (!entries_.empty() && entries_.back().shift == entry.shift) entry.run = entries_.back().run;
+    entries_.push_back(entry);
     if (slot.number == NONE) ++used_;
     slot = {occurrence.hash, end() - 1};
 }
@@ -67,6 +75,14 @@ void Occurrence_window::forget_before(std::uint64_t word) {
         entries_.pop_front();
         ++begin_;
     }
+}
+
+// Where a long value may still go on, keys in front of it wait for its end, and what stands behind
+// their reach is many times what stands within.
+std::uint64_t Occurrence_window::end_within(std::uint64_t last_word) const {
+    if (entries_.empty() || entries_.back().least <= last_word) return end();
+    const auto behind = std::ranges::upper_bound(entries_, last_word, {}, &Entry::least);
+    return begin_ + static_cast<std::uint64_t>(behind - entries_.begin());
 }
 
 bool Occurrence_window::occurs(std::uint64_t hash, const Word_range& range) const {

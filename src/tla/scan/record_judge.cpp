@@ -75,8 +75,9 @@ Word_range Record_judge::reach_of(const Occurrence& occurrence) const {
 }
 
 // Records are looked at one by one where there are fewer of them than words to ask about.
-void Record_judge::judge(const Occurrence& key, const Occurrence_window& window,
+void Record_judge::judge(std::uint64_t number, const Occurrence_window& window,
                          std::vector<Found_record>& found) {
+    const Occurrence& key = window.at(number).occurrence;
     if (is_done(key.hash)) return;
     if (least_ == 1) return judge_all(key, window, found);
     const Record_table* const pairs = tables_->by_pair(key.hash);
@@ -86,7 +87,7 @@ void Record_judge::judge(const Occurrence& key, const Occurrence_window& window,
     if (pairs == nullptr || (are_few && !within_)) {
         judge_all(key, window, found);
     } else {
-        judge_pairs(key, *pairs, window, found);
+        judge_pairs(window.at(number), *pairs, window, found);
     }
 }
 
@@ -102,48 +103,63 @@ void Record_judge::judge_all(const Occurrence& key, const Occurrence_window& win
     if (are_reported || least_ == 1) done_.insert(key.hash);
 }
 
-// From the first one in the window that was not gone through for an earlier occurrence of the
-// value. What is asked now was within reach of none: else its records were reported there.
-std::uint64_t Record_judge::first_unchecked(const Occurrence& key,
-                                            const Occurrence_window& window) {
-    if (least_ > 2) return window.begin();
+// Those in the window that were not gone through for an earlier occurrence of the value. What is
+// left out was within reach of none: else its records were reported there.
+Record_judge::Numbers Record_judge::unchecked(const Occurrence& key,
+                                              const Occurrence_window& window) {
+    const Word_range reach = reach_of(key);
+    const std::uint64_t end = window.end_within(reach.last);
+    if (least_ > 2) return {window.begin(), end};
     constexpr std::size_t FORGET_FROM = 4096;
     if (checked_.size() > FORGET_FROM && checked_.size() > 2 * (window.end() - window.begin())) {
         std::erase_if(checked_, [&window](const auto& c) { return c.second <= window.begin(); });
     }
-    const Word_range reach = reach_of(key);
     std::uint64_t& checked = checked_[key.hash];
     const std::uint64_t first = std::max(checked, window.begin());
-    checked = window.end();
-    for (std::uint64_t number = window.end(); number > first; --number) {
+    checked = std::max(first, end);
+    for (std::uint64_t number = end; number > first; --number) {
         if (window.at(number - 1).occurrence.last_word > reach.last) checked = number - 1;
     }
-    return first;
+    return {first, end};
 }
 
-void Record_judge::judge_pairs(const Occurrence& key, const Record_table& pairs,
+// From the last one to the first, which makes no difference to what is found. Where the key stands
+// some words behind its previous occurrence, whatever stands as many words behind its own was asked
+// for there: a text that repeats itself is gone through once and not again at each word.
+void Record_judge::judge_pairs(const Occurrence_window::Entry& key, const Record_table& pairs,
                                const Occurrence_window& window, std::vector<Found_record>& found) {
-    const auto& asked = asked_kinds_[static_cast<std::size_t>(key.kind)];
-    const Word_range reach = reach_of(key);
-    const std::uint64_t first = first_unchecked(key, window);
-    for (std::uint64_t number = first; number < window.end(); ++number) {
-        const Occurrence_window::Entry& entry = window.at(number);
-        const Occurrence& other = entry.occurrence;
-        if (!asked[static_cast<std::size_t>(other.kind)] || !reach.holds(other)) continue;
-        // Of equal values that stand in a row, one is asked for.
-        const bool is_asked = entry.previous != Occurrence_window::NONE &&
-                              entry.previous >= first &&
-                              reach.holds(window.at(entry.previous).occurrence);
-        if (is_asked) continue;
-        const std::uint64_t pair = index_.hashes.paired(key.hash, other.hash);
-        if (least_ > 2) {
-            static_cast<void>(judge_pair(pair, key, pairs, window, found));
+    const auto [begin, end] = unchecked(key.occurrence, window);
+    for (std::uint64_t number = end; number > begin;) {
+        const Occurrence_window::Entry& entry = window.at(--number);
+        if (least_ == 2 && key.shift != 0 && entry.shift == key.shift) {
+            number = std::max(entry.run, begin);
             continue;
         }
-        // One value may be a key's in some records and the other in others.
-        const std::uint64_t as_key = index_.hashes.extended(key.hash, other.hash);
-        if (!is_done(as_key) && judge_pair(pair, key, pairs, window, found)) done_.insert(as_key);
+        // Of equal values that stand in a row, one is asked for.
+        const Word_range reach = reach_of(key.occurrence);
+        const bool is_asked = entry.previous != Occurrence_window::NONE &&
+                              entry.previous >= begin &&
+                              reach.holds(window.at(entry.previous).occurrence);
+        if (!is_asked && reach.holds(entry.occurrence)) {
+            judge_beside(key.occurrence, entry.occurrence, pairs, window, found);
+        }
     }
+}
+
+// The key's records that have the other value, too.
+void Record_judge::judge_beside(const Occurrence& key, const Occurrence& other,
+                                const Record_table& pairs, const Occurrence_window& window,
+                                std::vector<Found_record>& found) {
+    const auto& asked = asked_kinds_[static_cast<std::size_t>(key.kind)];
+    if (!asked[static_cast<std::size_t>(other.kind)]) return;
+    const std::uint64_t pair = index_.hashes.paired(key.hash, other.hash);
+    if (least_ > 2) {
+        static_cast<void>(judge_pair(pair, key, pairs, window, found));
+        return;
+    }
+    // One value may be a key's in some records and the other in others.
+    const std::uint64_t as_key = index_.hashes.extended(key.hash, other.hash);
+    if (!is_done(as_key) && judge_pair(pair, key, pairs, window, found)) done_.insert(as_key);
 }
 
 // Whether there are records with both values.

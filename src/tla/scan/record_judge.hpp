@@ -42,9 +42,9 @@ public:
     // The words within reach of an occurrence.
     [[nodiscard]] Word_range reach_of(const Occurrence& occurrence) const;
 
-    // Adds the records to be reported at the occurrence, if no other one stands at the same place.
-    // All occurrences within its reach are in the window.
-    void judge(const Occurrence& key, const Occurrence_window& window,
+    // Adds the records to be reported at the occurrence of that number, if no other one stands at
+    // the same place. All occurrences within its reach are in the window.
+    void judge(std::uint64_t number, const Occurrence_window& window,
                std::vector<Found_record>& found);
     void mark_reported(std::uint64_t place) { reported_.add(index_.records->number_of(place)); }
     [[nodiscard]] bool is_reported(std::uint64_t place) const {
@@ -52,17 +52,21 @@ public:
     }
 
 private:
-    [[nodiscard]] bool is_told(Value_kind kind) const;
     void choose_kinds();
     void judge_all(const Occurrence& key, const Occurrence_window& window,
                    std::vector<Found_record>& found);
-    void judge_pairs(const Occurrence& key, const Record_table& pairs,
+    void judge_pairs(const Occurrence_window::Entry& key, const Record_table& pairs,
                      const Occurrence_window& window, std::vector<Found_record>& found);
+    void judge_beside(const Occurrence& key, const Occurrence& other, const Record_table& pairs,
+                      const Occurrence_window& window, std::vector<Found_record>& found);
     [[nodiscard]] bool judge_pair(std::uint64_t pair, const Occurrence& key,
                                   const Record_table& pairs, const Occurrence_window& window,
                                   std::vector<Found_record>& found);
-    [[nodiscard]] std::uint64_t first_unchecked(const Occurrence& key,
-                                                const Occurrence_window& window);
+    struct Numbers { // in a window; begin may be behind end
+        std::uint64_t begin;
+        std::uint64_t end;
+    };
+    [[nodiscard]] Numbers unchecked(const Occurrence& key, const Occurrence_window& window);
     bool judge_record(std::uint64_t place, const Occurrence& key, const Occurrence_window& window,
                       std::vector<Found_record>& found);
 

@@ -24,7 +24,7 @@ void Tla_text_scan::Engine::take(const Occurrence& occurrence) {
     if (!within_) return take_first(occurrence);
     const bool is_key = !judge_.is_done(occurrence.hash) && judge_.may_be_key(occurrence);
     if (!is_key && has_one_field_) return;
-    window_.add(occurrence);
+    window_.add(occurrence, place_.word);
     if (is_key) add_key(occurrence);
 }
 
@@ -33,7 +33,7 @@ void Tla_text_scan::Engine::take(const Occurrence& occurrence) {
 void Tla_text_scan::Engine::take_first(const Occurrence& occurrence) {
     const std::uint64_t known = window_.last_of(occurrence.hash);
     if (known == Occurrence_window::NONE) {
-        window_.add(occurrence);
+        window_.add(occurrence, place_.word);
         if (judge_.may_be_key(occurrence)) add_key(occurrence);
         return;
     }
@@ -123,7 +123,7 @@ void Tla_text_scan::Engine::judge_batch() {
     for (const Key_place& key : batch_) {
         const Occurrence& occurrence = window_.at(key.number).occurrence;
         const bool is_current = occurrence.first.byte == key.byte && occurrence.end == key.end;
-        if (is_current) judge_.judge(occurrence, window_, found_);
+        if (is_current) judge_.judge(key.number, window_, found_);
     }
     if (!found_.empty()) report(batch_.front().byte);
 }

@@ -24,6 +24,7 @@ Scan_hashes Scan_hashes::draw() try {
     hashes.right_ = next();
     hashes.pair_left_ = next();
     hashes.pair_right_ = next();
+    hashes.base_ = reduced(next());
     return hashes;
 } catch (const std::exception&) {
     throw std::bad_alloc();

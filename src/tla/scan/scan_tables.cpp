@@ -62,28 +62,24 @@ public:
         const auto run = [this](const Noted& noted) { note(noted); };
         const auto nothing = [](const Noted&) {};
         Delayed<Noted, decltype(nothing), decltype(run)> waiting(nothing, run);
-        each_value([&](std::size_t field, std::span<const std::byte> values, std::uint64_t) {
-            const Value_kind kind = records_.kinds()[field];
-            const auto push = [&](std::uint64_t hash, bool is_value) {
-                tables_.values_.prefetch(hash);
-                const bool is_key = is_value && key_order_[field] != NO_KEY;
-                if (is_key) tables_.by_key_.prefetch(hash);
-                waiting.push({hash, kind, is_value, is_key});
-            };
-            push(hash_of_values(hashes_, kind, values,
-                                [&push](std::uint64_t hash) { push(hash, false); }),
-                 true);
+        tables_.has_pairs_.resize(tables_.by_key_.bucket_count());
+        each_place([&](std::uint64_t place) {
+            const std::uint64_t next =
+                each_value(place, [&](std::size_t field, std::span<const std::byte> values) {
+                    note_value(field, values, waiting);
+                });
+            if (next - place > LONG_RECORD) ask_for_pairs(place);
+            return next;
         });
         waiting.finish();
+        tables_.long_values_.finish(hashes_);
     }
 
     // Gives how many records have a key value that many share.
     std::uint64_t lay_out_keys() {
         std::uint64_t shared = 0;
-        const bool is_long = records_.kinds().size() > MANY_FIELDS;
-        tables_.has_pairs_.resize(tables_.by_key_.bucket_count());
         tables_.by_key_.lay_out([&](std::size_t bucket, std::uint64_t size) {
-            tables_.has_pairs_[bucket] = is_long || size > FEW_RECORDS;
+            if (size > FEW_RECORDS) tables_.has_pairs_[bucket] = true;
             if (tables_.has_pairs_[bucket]) shared += size;
         });
         return shared;
@@ -144,6 +140,33 @@ private:
         bool is_key;
     };
 
+    // Which sequences there are; each is written down when its place has come from memory.
+    template <typename Waiting>
+    void note_value(std::size_t field, std::span<const std::byte> values, Waiting& waiting) {
+        const Value_kind kind = records_.kinds()[field];
+        const auto push = [&](std::uint64_t hash, bool is_value) {
+            tables_.values_.prefetch(hash);
+            const bool is_key = is_value && key_order_[field] != NO_KEY;
+            if (is_key) tables_.by_key_.prefetch(hash);
+            waiting.push({hash, kind, is_value, is_key});
+        };
+        push(hash_of_values(hashes_, kind, values,
+                            [&push](std::uint64_t hash) { push(hash, false); }),
+             true);
+        if (values.size() / TLA_TOKEN_VALUE_BYTES > Scan_hashes::SHORT_LENGTH) {
+            tables_.long_values_.add(hashes_, kind, values);
+        }
+    }
+
+    void ask_for_pairs(std::uint64_t place) {
+        static_cast<void>(
+            each_value(place, [this](std::size_t field, std::span<const std::byte> values) {
+                if (key_order_[field] == NO_KEY) return;
+                const std::uint64_t hash = hash_of_values(hashes_, records_.kinds()[field], values);
+                tables_.has_pairs_[tables_.by_key_.bucket_of(hash)] = true;
+            }));
+    }
+
     void note(const Noted& noted) {
         if (!noted.is_value) return tables_.values_.add_beginning(noted.hash);
         if (!tables_.values_.ask(noted.hash).is_value) {
@@ -163,14 +186,12 @@ private:
 
     // Fields without token values never occur, nor do those of a type that nobody knows.
     template <typename Take>
-    void each_value(Take take) {
-        each_place([&](std::uint64_t place) {
-            return records_.each_field(
-                place, [&](std::size_t field, std::span<const std::byte> values) {
-                    if (values.empty() || records_.kinds()[field] == Value_kind::none) return;
-                    take(field, values, place);
-                });
-        });
+    std::uint64_t each_value(std::uint64_t place, Take take) {
+        return records_.each_field(
+            place, [&](std::size_t field, std::span<const std::byte> values) {
+                if (values.empty() || records_.kinds()[field] == Value_kind::none) return;
+                take(field, values);
+            });
     }
 
     // Of the record that was gathered: the hash of each pair.
@@ -202,17 +223,13 @@ private:
     void gather(std::uint64_t place) {
         values_.clear();
         has_shared_key_ = false;
-        next_ =
-            records_.each_field(place, [&](std::size_t field, std::span<const std::byte> values) {
-                const Value_kind kind = records_.kinds()[field];
-                if (values.empty() || kind == Value_kind::none) return;
-                const std::uint64_t hash = hash_of_values(hashes_, kind, values);
-                const bool is_key = key_order_[field] != NO_KEY;
-                const bool is_shared =
-                    is_key && tables_.has_pairs_[tables_.by_key_.bucket_of(hash)];
-                has_shared_key_ |= is_shared;
-                values_.push_back({hash, 1, is_key ? 1U : 0U, is_shared});
-            });
+        next_ = each_value(place, [&](std::size_t field, std::span<const std::byte> values) {
+            const std::uint64_t hash = hash_of_values(hashes_, records_.kinds()[field], values);
+            const bool is_key = key_order_[field] != NO_KEY;
+            const bool is_shared = is_key && tables_.has_pairs_[tables_.by_key_.bucket_of(hash)];
+            has_shared_key_ |= is_shared;
+            values_.push_back({hash, 1, is_key ? 1U : 0U, is_shared});
+        });
         if (has_shared_key_) merge_values();
     }
 
