@@ -71,7 +71,7 @@ void Number_matcher::add_group(const Number_word& word, std::u16string_view text
                        gap_line_ends_ <= MOST_GAP_LINE_ENDS;
     if (!joins) clear_groups();
     groups_.push_back({first, number_, text_.size(), word.characters, word.has_digit, text_.size(),
-                       0, 0, 0, false, false});
+                       0, 0, 0, false, false, 0});
     text_ += text;
     has_digits_ |= word.has_digit;
     drop_groups();
@@ -149,7 +149,7 @@ void Number_matcher::read_word(const Number_word& word, std::u16string_view text
     }
     items_.clear();
     for (std::size_t i = 0; i < word.value_count; ++i) {
-        add_item(first, number_, false, word.values[i]);
+        add_item(first, number_, false, word.values[i], word.is_group ? groups_.size() - 1 : NONE);
     }
     if (word.is_group) add_stretches();
     read_items();
@@ -168,9 +168,9 @@ void Number_matcher::add_stretches() {
         if (characters > MOST_CHARACTERS) return;
         if (!group.has_digit && !groups_.back().has_digit) continue;
         carry_on(group);
-        add_item(group.first, group.number, true, group.value);
-        if (group.has_small) add_item(group.first, group.number, true, group.upper);
-        if (group.has_capital) add_item(group.first, group.number, true, group.lower);
+        add_item(group.first, group.number, true, group.value, i - 1);
+        if (group.has_small) add_item(group.first, group.number, true, group.upper, i - 1);
+        if (group.has_capital) add_item(group.first, group.number, true, group.lower, i - 1);
     }
 }
 
@@ -204,11 +204,11 @@ void Number_matcher::carry_on(Group& group) {
 
 // Has memory bring the filter's answer while others are worked out.
 void Number_matcher::add_item(Text_place first, std::uint64_t first_number, bool is_stretch,
-                              std::uint64_t value) {
+                              std::uint64_t value, std::size_t group) {
     if (take_value_ != nullptr) return (*take_value_)(value);
     const std::uint64_t alone = hashes_.extended(hashes_.start(Value_kind::number), value);
     tables_->prefetch(alone);
-    items_.push_back({first, first_number, is_stretch, value, alone});
+    items_.push_back({first, first_number, is_stretch, value, alone, group});
 }
 
 void Number_matcher::read_items() {
@@ -232,12 +232,20 @@ void Number_matcher::extend(Beginning beginning, std::uint64_t hash, const Item&
     beginning.has_stretch |= item.is_stretch;
     ++beginning.values;
     if (beginning.has_stretch && beginning.values > MOST_VALUES) return;
-    if (beginning.values == 1) beginning.line = place_->line_at(item.first.byte);
+    if (beginning.values == 1) beginning.line = line_of(item);
     if (found.is_value) {
         (*take_)({hash, beginning.first, place_->last_word_of(span_), place_->end_of(span_),
                   beginning.line, Value_kind::number});
     }
     if (found.begins_one && !is_open(beginning)) open_.push_back(beginning);
+}
+
+// Counted once for each group: items that end with many a word begin with it.
+std::uint64_t Number_matcher::line_of(const Item& item) {
+    if (item.group == NONE) return place_->line_at(item.first.byte);
+    std::uint64_t& line = groups_[item.group].line;
+    if (line == 0) line = place_->line_at(item.first.byte);
+    return line;
 }
 
 // Two ways of putting a stretch together may come to the same.

@@ -67,6 +67,7 @@ private:
         std::uint64_t lower;
         bool has_small;
         bool has_capital;
+        std::uint64_t line; // of its first character; 0 until it is asked for
     };
     // A beginning of a value, by the number of its last word.
     struct Beginning {
@@ -83,7 +84,10 @@ private:
         bool is_stretch;
         std::uint64_t value;
         std::uint64_t alone; // the hash of the value by itself
+        std::size_t group;   // that it begins with, or NONE
     };
+
+    static constexpr std::size_t NONE = ~std::size_t{0};
 
     [[nodiscard]] bool is_at_rest() const { return groups_.empty() && open_.empty(); }
     void clear_groups();
@@ -97,7 +101,8 @@ private:
     void add_stretches();
     void carry_on(Group& group);
     void add_item(Text_place first, std::uint64_t first_number, bool is_stretch,
-                  std::uint64_t value);
+                  std::uint64_t value, std::size_t group);
+    [[nodiscard]] std::uint64_t line_of(const Item& item);
     void read_items();
     void extend(Beginning beginning, std::uint64_t hash, const Item& item);
     [[nodiscard]] bool is_open(const Beginning& beginning) const;
