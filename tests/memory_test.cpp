@@ -223,7 +223,7 @@ TEST(No_memory_here, EndsOneScanAndNotTheNext) {
     for (const std::size_t short_text : {0, 10'000}) {
         for (const bool stays : {false, true}) {
             long number = 0;
-            for (; number == 0 || Memory::has_failed; ++number) {
+            for (bool goes_on = true; goes_on; ++number) {
                 SCOPED_TRACE(number);
                 std::unique_ptr<const tla::Tla_scan_index> index;
                 std::unique_ptr<tla::Tla_text_scan> scan;
@@ -241,6 +241,7 @@ TEST(No_memory_here, EndsOneScanAndNotTheNext) {
                     found = found_by(*scan, text);
                 };
                 const test::End end = test::with_failure_at(number, stays, work);
+                goes_on = number == 0 || Memory::has_failed;
                 if (number == 0) expected = found;
                 ASSERT_NE(expected, 0U);
                 ASSERT_NE(end, test::End::other);
