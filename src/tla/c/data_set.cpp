@@ -47,9 +47,9 @@ const Tla_scan_index* Open_data_set::scan_index(scl::Scl_status& status) const {
 
 std::unique_ptr<const Tla_scan_index>
 Open_data_set::make_scan_index(scl::Scl_status& status) const {
-    const std::span<const std::byte> held = connector_.held_bytes();
-    return held.empty() ? Tla_scan_index::open(path_, {}, status)
-                        : Tla_scan_index::over(held, path_, {}, status);
+    const std::span<const std::byte> bytes = connector_.held_bytes();
+    return bytes.empty() ? Tla_scan_index::open(path_, {}, status)
+                         : Tla_scan_index::over(bytes, path_, {}, status);
 }
 
 } // namespace tla::c

@@ -77,15 +77,8 @@ void Chunk_reader::read_ascii(std::string_view chunk) {
     const auto* const origins = is_loosened ? &ascii_loosened_.origins : nullptr;
     const scl::Scl_text_span<char> loose_text = is_loosened ? padded(ascii_loosened_.text) : text;
 
-    std::uint8_t first = READING_AS_WRITTEN;
-    if (!is_loosened) first |= READING_LOOSENED;
-    if (!is_loosened && !is_parted) first |= READING_PARTED;
-    add_ascii_reading(first, text, nullptr);
-    if (is_loosened) {
-        const auto readings =
-            static_cast<std::uint8_t>(READING_LOOSENED | (is_parted ? 0 : READING_PARTED));
-        add_ascii_reading(readings, loose_text, origins);
-    }
+    add_ascii_reading(readings_as_written(is_loosened, is_parted), text, nullptr);
+    if (is_loosened) add_ascii_reading(readings_as_loosened(is_parted), loose_text, origins);
     if (is_parted) add_ascii_reading(READING_PARTED, padded(ascii_parted_), origins);
 
     if (!wants(Value_kind::number)) return;

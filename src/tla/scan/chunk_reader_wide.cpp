@@ -72,20 +72,17 @@ void Chunk_reader::read_wide(std::string_view chunk) {
     const bool is_parted = part(wide_parted_);
     const auto* const origins = is_loosened ? &wide_loosened_.origins : nullptr;
 
-    std::uint8_t first = READING_AS_WRITTEN;
-    if (!is_loosened) first |= READING_LOOSENED;
-    if (!is_loosened && !is_parted) first |= READING_PARTED;
-    add_wide_reading(first, wide_, nullptr);
-    if (is_loosened) {
-        const auto readings =
-            static_cast<std::uint8_t>(READING_LOOSENED | (is_parted ? 0 : READING_PARTED));
-        add_wide_reading(readings, loose, origins);
-    }
+    add_wide_reading(readings_as_written(is_loosened, is_parted), wide_, nullptr);
+    if (is_loosened) add_wide_reading(readings_as_loosened(is_parted), loose, origins);
     if (is_parted) add_wide_reading(READING_PARTED, wide_parted_, origins);
 
     if (!wants(Value_kind::number)) return;
     add_wide_numbers(loose, origins);
-    if (!is_loosened) return;
+    if (is_loosened) add_wide_written_numbers();
+}
+
+// A number is looked for in words as written, too: what is loosened may have cut it.
+void Chunk_reader::add_wide_written_numbers() {
     const Tla_ccnum_formatter formatter;
     each_token(wide_, [&](std::size_t begin, std::size_t end) {
         formatter.format(std::u16string_view(wide_).substr(begin, end - begin), number_form_,

@@ -18,7 +18,7 @@ Data_set_records::Data_set_records(std::span<const std::byte> section, std::uint
     survey(is_key, status);
 }
 
-// The one place that checks bounds: all other code steps through the same bytes again.
+// The one offset that checks bounds: all other code steps through the same bytes again.
 void Data_set_records::survey(const std::vector<bool>& is_key, scl::Scl_status& status) {
     std::size_t at = 0;
     const auto fits = [&](std::size_t bytes) { return section_.size() - at >= bytes; };

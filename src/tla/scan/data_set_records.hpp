@@ -24,7 +24,7 @@ struct Value_totals {
     std::uint64_t largest[VALUE_KINDS]{}; // token values of the longest value of each kind
 };
 
-// The records of a data set file in memory, checked to lie in it. A record's place counts in bytes
+// The records of a data set file in memory, checked to lie in it. A record's offset counts in bytes
 // from the first record on.
 class Data_set_records {
 public:
@@ -42,15 +42,17 @@ public:
 
     // A number for each record, below number_limit(), that no other record has: a record is at
     // least as long as its counts.
-    [[nodiscard]] std::uint64_t number_of(std::uint64_t place) const { return place / least_size_; }
+    [[nodiscard]] std::uint64_t number_of(std::uint64_t offset) const {
+        return offset / least_size_;
+    }
     [[nodiscard]] std::uint64_t number_limit() const { return size_ / least_size_ + 1; }
 
     // Shows the values of each field to `take(field, values)`, where they lie in the record; gives
-    // the place of the next record.
+    // the offset of the next record.
     template <typename Take>
-    std::uint64_t each_field(std::uint64_t place, Take take) const;
+    std::uint64_t each_field(std::uint64_t offset, Take take) const;
 
-    // Shows each record's place to `take`, which gives that of the next.
+    // Shows each record's offset to `take`, which gives that of the next.
     template <typename Take>
     void each_record(Take take) const;
 
@@ -66,8 +68,8 @@ private:
 };
 
 template <typename Take>
-std::uint64_t Data_set_records::each_field(std::uint64_t place, Take take) const {
-    const std::byte* at = section_.data() + place;
+std::uint64_t Data_set_records::each_field(std::uint64_t offset, Take take) const {
+    const std::byte* at = section_.data() + offset;
     for (std::size_t field = 0; field < kinds_.size(); ++field) {
         const std::size_t size = tla_field_size(at);
         take(field, std::span(at + TLA_COUNT_BYTES, size - TLA_COUNT_BYTES));
@@ -78,9 +80,9 @@ std::uint64_t Data_set_records::each_field(std::uint64_t place, Take take) const
 
 template <typename Take>
 void Data_set_records::each_record(Take take) const {
-    std::uint64_t place = 0;
+    std::uint64_t offset = 0;
     for (std::uint64_t left = count_; left > 0; --left) {
-        place = take(place);
+        offset = take(offset);
     }
 }
 

@@ -115,7 +115,7 @@ private:
     std::uint64_t number_ = 0; // of the next word; numbers of words apart differ by more than one
     std::uint64_t gap_characters_ = 0;
     std::uint64_t gap_line_ends_ = 0;
-    std::vector<Item> items_; // that end with the word at hand
+    std::vector<Item> items_; // that end with the word that is read
     std::u16string changed_;
 
     // While a word is read.

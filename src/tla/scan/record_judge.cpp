@@ -98,7 +98,7 @@ void Record_judge::judge_all(const Occurrence& key, const Occurrence_window& win
     bool are_reported = true;
     for (std::uint64_t entry = entries.begin; entry < entries.end; ++entry) {
         if (!records.may_be(entry, key.hash)) continue;
-        are_reported &= judge_record(records.place(entry), key, window, found);
+        are_reported &= judge_record(records.offset(entry), key, window, found);
     }
     if (are_reported || least_ == 1) done_.insert(key.hash);
 }
@@ -168,19 +168,19 @@ bool Record_judge::judge_pair(std::uint64_t pair, const Occurrence& key, const R
     bool any = false;
     const Record_table::Range entries = pairs.entries_of(pair);
     for (std::uint64_t entry = entries.begin; entry < entries.end; ++entry) {
-        if (pairs.may_be(entry, pair)) any |= judge_record(pairs.place(entry), key, window, found);
+        if (pairs.may_be(entry, pair)) any |= judge_record(pairs.offset(entry), key, window, found);
     }
     return any;
 }
 
 // True when the record has the key's value and enough fields within reach.
-bool Record_judge::judge_record(std::uint64_t place, const Occurrence& key,
+bool Record_judge::judge_record(std::uint64_t offset, const Occurrence& key,
                                 const Occurrence_window& window, std::vector<Found_record>& found) {
-    if (is_reported(place)) return true;
+    if (is_reported(offset)) return true;
     const Word_range reach = reach_of(key);
     std::size_t key_order = NO_KEY;
     fields_.clear();
-    index_.records->each_field(place, [&](std::size_t field, std::span<const std::byte> values) {
+    index_.records->each_field(offset, [&](std::size_t field, std::span<const std::byte> values) {
         const Value_kind kind = index_.records->kinds()[field];
         if (values.empty() || kind == Value_kind::none) return;
         const std::uint64_t hash = hash_of_values(index_.hashes, kind, values);
@@ -192,7 +192,7 @@ bool Record_judge::judge_record(std::uint64_t place, const Occurrence& key,
         fields_.push_back(field);
     });
     if (key_order == NO_KEY || fields_.size() < least_) return false;
-    found.push_back({place, key_order, key.end, key.line, fields_});
+    found.push_back({offset, key_order, key.end, key.line, fields_});
     return true;
 }
 

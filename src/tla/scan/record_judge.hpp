@@ -16,7 +16,7 @@ namespace tla {
 
 // A record that is to be reported at a place of a text.
 struct Found_record {
-    std::uint64_t place; // the record's, among the records
+    std::uint64_t offset; // of the record, in bytes from the first one
     std::size_t key_order;
     std::uint64_t end;  // of the occurrence
     std::uint64_t line; // and what else is to be told of it
@@ -46,9 +46,9 @@ public:
     // the same place. All occurrences within its reach are in the window.
     void judge(std::uint64_t number, const Occurrence_window& window,
                std::vector<Found_record>& found);
-    void mark_reported(std::uint64_t place) { reported_.add(index_.records->number_of(place)); }
-    [[nodiscard]] bool is_reported(std::uint64_t place) const {
-        return reported_.holds(index_.records->number_of(place));
+    void mark_reported(std::uint64_t offset) { reported_.add(index_.records->number_of(offset)); }
+    [[nodiscard]] bool is_reported(std::uint64_t offset) const {
+        return reported_.holds(index_.records->number_of(offset));
     }
 
 private:
@@ -67,7 +67,7 @@ private:
         std::uint64_t end;
     };
     [[nodiscard]] Numbers unchecked(const Occurrence& key, const Occurrence_window& window);
-    bool judge_record(std::uint64_t place, const Occurrence& key, const Occurrence_window& window,
+    bool judge_record(std::uint64_t offset, const Occurrence& key, const Occurrence_window& window,
                       std::vector<Found_record>& found);
 
     const Index_state& index_;
@@ -84,7 +84,7 @@ private:
     // window was gone through.
     std::unordered_set<std::uint64_t> done_;
     std::unordered_map<std::uint64_t, std::uint64_t> checked_;
-    std::vector<std::size_t> fields_; // of the record at hand
+    std::vector<std::size_t> fields_; // of the record that is judged
 };
 
 } // namespace tla

@@ -95,10 +95,10 @@ void Tla_text_scan::Engine::make_small_tables() {
     buffer_.resize(buffer_.size() - PADDING);
     gathered_ = nullptr;
     start_reading();
-    const auto places = records_with(values, *index_.records, index_.key_order, least_);
-    if (!places) return use(index_.tables());
+    const auto offsets = records_with(values, *index_.records, index_.key_order, least_);
+    if (!offsets) return use(index_.tables());
     small_tables_ = std::make_unique<const Scan_tables>(
-        *index_.records, index_.key_order, index_.hashes, index_.room_for_pairs(), *places);
+        *index_.records, index_.key_order, index_.hashes, index_.room_for_pairs(), *offsets);
     cached_of_ = nullptr;
     use(*small_tables_);
 }
@@ -128,15 +128,19 @@ bool Tla_text_scan::Engine::finish() {
     return ended_well;
 }
 
+// A short text waits for its end: its own values then say which records are worth a table.
+void Tla_text_scan::Engine::choose_tables(bool is_end) {
+    if (tables_ != nullptr) return;
+    if (is_end && buffer_.size() <= short_text_) {
+        make_small_tables();
+    } else {
+        use(index_.tables());
+    }
+}
+
 // Where an exception leaves, the text is over.
 void Tla_text_scan::Engine::scan_buffer(bool is_end) try {
-    if (tables_ == nullptr) {
-        if (is_end && buffer_.size() <= short_text_) {
-            make_small_tables();
-        } else {
-            use(index_.tables());
-        }
-    }
+    choose_tables(is_end);
     const std::size_t size = buffer_.size();
     const std::size_t end = is_end ? size : last_cut(buffer_, std::max(uncut_, scanned_));
     if (end > scanned_) {
@@ -145,14 +149,7 @@ void Tla_text_scan::Engine::scan_buffer(bool is_end) try {
         buffer_.resize(size);
         if (is_over_) return;
     }
-    if (is_end) {
-        for (Sequence_matcher& matcher : sequences_) {
-            matcher.start();
-        }
-        numbers_.start();
-        static_cast<void>(settle_first_keys(~std::uint64_t{0}));
-        return;
-    }
+    if (is_end) return end_text();
     // A cut may need two characters to be seen.
     constexpr std::size_t LONGEST_CUT = 6;
     uncut_ = size > LONGEST_CUT ? size - LONGEST_CUT : 0;
@@ -161,6 +158,15 @@ void Tla_text_scan::Engine::scan_buffer(bool is_end) try {
 } catch (...) {
     is_over_ = true;
     throw;
+}
+
+// Nothing goes on any more, so that all keys that wait have all that is within their reach.
+void Tla_text_scan::Engine::end_text() {
+    for (Sequence_matcher& matcher : sequences_) {
+        matcher.start();
+    }
+    numbers_.start();
+    static_cast<void>(settle_first_keys(~std::uint64_t{0}));
 }
 
 // What still belongs to something that may go on stays.
@@ -237,6 +243,8 @@ bool Tla_text_scan::Engine::begins_value(Value_kind kind, std::uint64_t value) c
     return tables_->ask(index_.hashes.extended(index_.hashes.start(kind), value)).any();
 }
 
+// Neither a hyphen alone nor what is left out is of no interest where numbers are looked for: it
+// may stand between groups.
 Chunk_interest Tla_text_scan::Engine::interest_of(std::string_view chunk,
                                                   const Chunk_words& words) const {
     for (const Value_kind kind : {Value_kind::simple, Value_kind::lower}) {
@@ -247,23 +255,25 @@ Chunk_interest Tla_text_scan::Engine::interest_of(std::string_view chunk,
             }
         }
     }
-    if (!has_numbers_ || words.number_words.empty()) {
-        // Nothing but hyphens or what is left out: it may stand between groups.
-        return has_numbers_ ? Chunk_interest::some : Chunk_interest::none;
-    }
-    for (const Chunk_token& word : words.written_numbers) {
-        if (begins_value(Value_kind::number, word.value)) return Chunk_interest::some;
-    }
-    for (const Number_word& word : words.number_words) {
-        if (word.has_digit && word.is_group) return Chunk_interest::some;
-        for (std::size_t i = 0; i < word.value_count; ++i) {
-            if (begins_value(Value_kind::number, word.values[i])) return Chunk_interest::some;
-        }
-    }
+    if (!has_numbers_) return Chunk_interest::none;
+    if (words.number_words.empty() || may_begin_number(words)) return Chunk_interest::some;
     if (!words.number_words.back().is_group) return Chunk_interest::none;
     const bool is_group =
         words.number_words.size() == 1 && words.number_words.back().characters == chunk.size();
     return is_group ? Chunk_interest::group : Chunk_interest::some;
+}
+
+bool Tla_text_scan::Engine::may_begin_number(const Chunk_words& words) const {
+    for (const Chunk_token& word : words.written_numbers) {
+        if (begins_value(Value_kind::number, word.value)) return true;
+    }
+    for (const Number_word& word : words.number_words) {
+        if (word.has_digit && word.is_group) return true;
+        for (std::size_t i = 0; i < word.value_count; ++i) {
+            if (begins_value(Value_kind::number, word.values[i])) return true;
+        }
+    }
+    return false;
 }
 
 void Tla_text_scan::Engine::read_chunk(const Chunk_words& words) {

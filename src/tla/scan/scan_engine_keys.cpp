@@ -132,11 +132,11 @@ void Tla_text_scan::Engine::judge_batch() {
 // occurrence; then by the records.
 void Tla_text_scan::Engine::report(std::uint64_t byte) {
     std::ranges::sort(found_, {}, [](const Found_record& found) {
-        return std::tuple(found.place, found.key_order, found.end);
+        return std::tuple(found.offset, found.key_order, found.end);
     });
     for (const Found_record& found : found_) {
-        if (judge_.is_reported(found.place)) continue;
-        judge_.mark_reported(found.place);
+        if (judge_.is_reported(found.offset)) continue;
+        judge_.mark_reported(found.offset);
         const auto key = std::ranges::find(batch_, found.end, &Key_place::end);
         const std::string_view text =
             within_ ? text_at(byte, found.end) : std::string_view(texts_.at(key->number));
@@ -145,7 +145,7 @@ void Tla_text_scan::Engine::report(std::uint64_t byte) {
             .place = decoder_.bytes_in_front() + byte,
             .length = found.end - byte,
             .key = index_.keys[found.key_order],
-            .record = static_cast<std::int64_t>(index_.header.data_start + found.place),
+            .record = static_cast<std::int64_t>(index_.header.data_start + found.offset),
             .text = text,
             .text_is_whole = text.size() == found.end - byte,
             .fields = found.fields};

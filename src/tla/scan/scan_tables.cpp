@@ -8,8 +8,8 @@ namespace tla {
 namespace {
 
 // Lets memory bring what an operation will touch while others are done: most of them lead to
-// another place of a large table, and would wait for it each. In two steps, as where an entry goes
-// is known when its bucket is at hand.
+// another offset of a large table, and would wait for it each. In two steps, as where an entry goes
+// is known once its bucket has come from memory.
 template <typename Operation, typename Prepare, typename Run>
 class Delayed {
 public:
@@ -42,7 +42,7 @@ private:
 
 struct Entry {
     std::uint64_t hash;
-    std::uint64_t place;
+    std::uint64_t offset;
 };
 
 } // namespace
@@ -51,24 +51,24 @@ struct Entry {
 class Scan_tables::Maker {
 public:
     Maker(Scan_tables& tables, const Data_set_records& records, const Key_order& key_order,
-          const Scan_hashes& hashes, std::optional<std::span<const std::uint64_t>> places)
+          const Scan_hashes& hashes, std::optional<std::span<const std::uint64_t>> offsets)
         : tables_(tables),
           records_(records),
           key_order_(key_order),
           hashes_(hashes),
-          places_(places) {}
+          offsets_(offsets) {}
 
     void note_values() {
         const auto run = [this](const Noted& noted) { note(noted); };
         const auto nothing = [](const Noted&) {};
         Delayed<Noted, decltype(nothing), decltype(run)> waiting(nothing, run);
         tables_.has_pairs_.resize(tables_.by_key_.bucket_count());
-        each_place([&](std::uint64_t place) {
+        each_offset([&](std::uint64_t offset) {
             const std::uint64_t next =
-                each_value(place, [&](std::size_t field, std::span<const std::byte> values) {
+                each_value(offset, [&](std::size_t field, std::span<const std::byte> values) {
                     note_value(field, values, waiting);
                 });
-            if (next - place > LONG_RECORD) ask_for_pairs(place);
+            if (next - offset > LONG_RECORD) ask_for_pairs(offset);
             return next;
         });
         waiting.finish();
@@ -90,23 +90,23 @@ public:
     [[nodiscard]] bool put_keys(std::uint64_t most_bytes) {
         Record_table& keys = tables_.by_key_;
         const auto prepare = [&keys](const Entry& e) { keys.prefetch_entry(e.hash); };
-        const auto put = [&keys](const Entry& e) { keys.put(e.hash, e.place); };
+        const auto put = [&keys](const Entry& e) { keys.put(e.hash, e.offset); };
         Delayed<Entry, decltype(prepare), decltype(put)> entries(prepare, put);
         const auto nothing = [](const Entry&) {};
         const auto count = [this](const Entry& e) { tables_.by_pair_->count(e.hash); };
         Delayed<Entry, decltype(nothing), decltype(count)> pairs(nothing, count);
         std::uint64_t pair_count = 0;
-        each_place([&](std::uint64_t place) {
-            gather(place);
+        each_offset([&](std::uint64_t offset) {
+            gather(offset);
             for (const Field_value& value : values_) {
                 for (std::uint32_t times = value.key_times; times > 0; --times) {
                     keys.prefetch(value.hash);
-                    entries.push({value.hash, place});
+                    entries.push({value.hash, offset});
                 }
             }
             each_pair([&](std::uint64_t hash) {
                 tables_.by_pair_->prefetch(hash);
-                pairs.push({hash, place});
+                pairs.push({hash, offset});
                 ++pair_count;
             });
             return next_;
@@ -119,13 +119,13 @@ public:
         Record_table& pairs = *tables_.by_pair_;
         pairs.lay_out([](std::size_t, std::uint64_t) {});
         const auto prepare = [&pairs](const Entry& e) { pairs.prefetch_entry(e.hash); };
-        const auto put = [&pairs](const Entry& e) { pairs.put(e.hash, e.place); };
+        const auto put = [&pairs](const Entry& e) { pairs.put(e.hash, e.offset); };
         Delayed<Entry, decltype(prepare), decltype(put)> entries(prepare, put);
-        each_place([&](std::uint64_t place) {
-            gather(place);
+        each_offset([&](std::uint64_t offset) {
+            gather(offset);
             each_pair([&](std::uint64_t hash) {
                 pairs.prefetch(hash);
-                entries.push({hash, place});
+                entries.push({hash, offset});
             });
             return next_;
         });
@@ -140,7 +140,7 @@ private:
         bool is_key;
     };
 
-    // Which sequences there are; each is written down when its place has come from memory.
+    // Which sequences there are; each is written down when its offset has come from memory.
     template <typename Waiting>
     void note_value(std::size_t field, std::span<const std::byte> values, Waiting& waiting) {
         const Value_kind kind = records_.kinds()[field];
@@ -158,9 +158,9 @@ private:
         }
     }
 
-    void ask_for_pairs(std::uint64_t place) {
+    void ask_for_pairs(std::uint64_t offset) {
         static_cast<void>(
-            each_value(place, [this](std::size_t field, std::span<const std::byte> values) {
+            each_value(offset, [this](std::size_t field, std::span<const std::byte> values) {
                 if (key_order_[field] == NO_KEY) return;
                 const std::uint64_t hash = hash_of_values(hashes_, records_.kinds()[field], values);
                 tables_.has_pairs_[tables_.by_key_.bucket_of(hash)] = true;
@@ -177,18 +177,18 @@ private:
     }
 
     template <typename Take>
-    void each_place(Take take) {
-        if (!places_) return records_.each_record(take);
-        for (const std::uint64_t place : *places_) {
-            static_cast<void>(take(place));
+    void each_offset(Take take) {
+        if (!offsets_) return records_.each_record(take);
+        for (const std::uint64_t offset : *offsets_) {
+            static_cast<void>(take(offset));
         }
     }
 
     // Fields without token values never occur, nor do those of a type that nobody knows.
     template <typename Take>
-    std::uint64_t each_value(std::uint64_t place, Take take) {
+    std::uint64_t each_value(std::uint64_t offset, Take take) {
         return records_.each_field(
-            place, [&](std::size_t field, std::span<const std::byte> values) {
+            offset, [&](std::size_t field, std::span<const std::byte> values) {
                 if (values.empty() || records_.kinds()[field] == Value_kind::none) return;
                 take(field, values);
             });
@@ -206,7 +206,8 @@ private:
         }
     }
 
-    // A value of the record at hand, each once: it may have the same in a hundred thousand fields.
+    // A value of the record that was gathered, each once: it may have the same in a hundred
+    // thousand fields.
     struct Field_value {
         std::uint64_t hash;
         std::uint32_t times;     // that the record has it
@@ -220,10 +221,10 @@ private:
         return !other.is_shared_key || key.hash < other.hash;
     }
 
-    void gather(std::uint64_t place) {
+    void gather(std::uint64_t offset) {
         values_.clear();
         has_shared_key_ = false;
-        next_ = each_value(place, [&](std::size_t field, std::span<const std::byte> values) {
+        next_ = each_value(offset, [&](std::size_t field, std::span<const std::byte> values) {
             const std::uint64_t hash = hash_of_values(hashes_, records_.kinds()[field], values);
             const bool is_key = key_order_[field] != NO_KEY;
             const bool is_shared = is_key && tables_.has_pairs_[tables_.by_key_.bucket_of(hash)];
@@ -259,7 +260,7 @@ private:
     const Data_set_records& records_;
     const Key_order& key_order_;
     const Scan_hashes& hashes_;
-    std::optional<std::span<const std::uint64_t>> places_;
+    std::optional<std::span<const std::uint64_t>> offsets_;
     std::vector<Field_value> values_;
     bool has_shared_key_ = false;
     std::uint64_t next_ = 0;
@@ -267,10 +268,10 @@ private:
 
 Scan_tables::Scan_tables(const Data_set_records& records, const Key_order& key_order,
                          const Scan_hashes& hashes, std::uint64_t most_bytes,
-                         std::optional<std::span<const std::uint64_t>> places)
-    : values_(places ? places->size() * SEQUENCES_A_PLACE : records.totals().sequences),
-      by_key_(places ? places->size() : records.totals().key_values, records.size()) {
-    Maker maker(*this, records, key_order, hashes, places);
+                         std::optional<std::span<const std::uint64_t>> offsets)
+    : values_(offsets ? offsets->size() * SEQUENCES_A_RECORD : records.totals().sequences),
+      by_key_(offsets ? offsets->size() : records.totals().key_values, records.size()) {
+    Maker maker(*this, records, key_order, hashes, offsets);
     maker.note_values();
     const std::uint64_t shared = maker.lay_out_keys();
     const Value_totals& totals = records.totals();

@@ -14,7 +14,7 @@
 
 namespace tla {
 
-// The place of each field among the keys, NO_KEY of one that is none.
+// The position of each field among the keys, NO_KEY of one that is none.
 using Key_order = std::vector<std::size_t>;
 inline constexpr std::size_t NO_KEY = std::numeric_limits<std::size_t>::max();
 
@@ -27,11 +27,11 @@ inline constexpr std::size_t NO_KEY = std::numeric_limits<std::size_t>::max();
 //             questions as there are words beside it, and not as many as there are such records
 class Scan_tables {
 public:
-    // Of all records, or of those at the places alone. by_pair is left out where it would take
+    // Of all records, or of those at the offsets alone. by_pair is left out where it would take
     // more than `most_bytes`.
     Scan_tables(const Data_set_records& records, const Key_order& key_order,
                 const Scan_hashes& hashes, std::uint64_t most_bytes,
-                std::optional<std::span<const std::uint64_t>> places = {});
+                std::optional<std::span<const std::uint64_t>> offsets = {});
 
     [[nodiscard]] Value_filter::Answer ask(std::uint64_t hash) const { return values_.ask(hash); }
     void prefetch(std::uint64_t hash) const { values_.prefetch(hash); }
@@ -51,11 +51,11 @@ private:
     class Maker;
 
     // Fewer records than this need no pairs, but where a record is long: to look at one takes as
-    // long as it has bytes, at each place of its key.
+    // long as it has bytes, at each offset of its key.
     static constexpr std::uint64_t FEW_RECORDS = 16;
     static constexpr std::uint64_t LONG_RECORD = 256; // bytes
     // Room in the filter for each record of few.
-    static constexpr std::uint64_t SEQUENCES_A_PLACE = 64;
+    static constexpr std::uint64_t SEQUENCES_A_RECORD = 64;
 
     Value_filter values_;
     Long_values long_values_;

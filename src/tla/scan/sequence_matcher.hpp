@@ -58,6 +58,9 @@ private:
     void take_long(const Chunk_token& token, std::uint8_t readings, const Chunk_place& place,
                    const Scan_tables& tables, Take& take);
     template <typename Take>
+    void extend_all(const Chunk_token& token, const Chunk_place& place, const Scan_tables& tables,
+                    Take& take);
+    template <typename Take>
     void read_token(const Chunk_token& token, std::uint8_t readings, const Chunk_place& place,
                     const Scan_tables& tables, Take& take);
 
@@ -89,29 +92,9 @@ template <typename Take>
 void Sequence_matcher::read_token(const Chunk_token& token, std::uint8_t readings,
                                   const Chunk_place& place, const Scan_tables& tables, Take& take) {
     if (!tables.long_values().empty()) take_long(token, readings, place, tables, take);
-    std::size_t kept = 0;
-    const auto extend = [&](const Beginning& beginning) {
-        const std::uint64_t hash = hashes_.extended(beginning.hash, token.value);
-        const Value_filter::Answer answer = tables.ask(hash);
-        if (answer.is_value) {
-            take(Occurrence{hash, beginning.first, place.last_word_of(token.span),
-                            place.end_of(token.span), beginning.line, kind_});
-        }
-        if (!answer.begins_one) return;
-        if (beginning.length + 1U == Scan_hashes::SHORT_LENGTH) {
-            return follow(beginning, tables.long_values());
-        }
-        current_[kept] = beginning;
-        current_[kept].hash = hash;
-        ++current_[kept++].length;
-    };
     const std::uint64_t alone = hashes_.extended(hashes_.start(kind_), token.value);
     const Value_filter::Answer answer = tables.ask(alone);
-    const std::size_t open = current_.size();
-    for (std::size_t i = 0; i < open; ++i) {
-        extend(Beginning(current_[i]));
-    }
-    current_.resize(kept);
+    extend_all(token, place, tables, take);
     if (!answer.any()) return;
     const Text_place first = place.first_of(token.span);
     const std::uint64_t line = place.line_at(first.byte);
@@ -120,6 +103,30 @@ void Sequence_matcher::read_token(const Chunk_token& token, std::uint8_t reading
                         line, kind_});
     }
     if (answer.begins_one) current_.push_back({alone, first, line, readings, 1});
+}
+
+// By the next token. Those that nothing goes on from are dropped, in place.
+template <typename Take>
+void Sequence_matcher::extend_all(const Chunk_token& token, const Chunk_place& place,
+                                  const Scan_tables& tables, Take& take) {
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < current_.size(); ++i) {
+        Beginning beginning = current_[i];
+        beginning.hash = hashes_.extended(beginning.hash, token.value);
+        ++beginning.length;
+        const Value_filter::Answer answer = tables.ask(beginning.hash);
+        if (answer.is_value) {
+            take(Occurrence{beginning.hash, beginning.first, place.last_word_of(token.span),
+                            place.end_of(token.span), beginning.line, kind_});
+        }
+        if (!answer.begins_one) continue;
+        if (beginning.length == Scan_hashes::SHORT_LENGTH) {
+            follow(beginning, tables.long_values());
+        } else {
+            current_[kept++] = beginning;
+        }
+    }
+    current_.resize(kept);
 }
 
 template <typename Take>

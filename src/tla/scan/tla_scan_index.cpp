@@ -61,7 +61,7 @@ const Scan_tables& Index_state::tables() const {
     std::call_once(tables_flag_, [this] {
         tables_ =
             std::make_unique<const Scan_tables>(*records, key_order, hashes, room_for_pairs());
-        tables_at_hand_.store(tables_.get(), std::memory_order_release);
+        ready_tables_.store(tables_.get(), std::memory_order_release);
     });
     return *tables_;
 }
@@ -81,14 +81,14 @@ Tla_scan_index::open(std::u16string_view file_name, std::span<const std::u16stri
     name_file(file_name, status);
     if (status.has_failed()) return nullptr;
     scl::Scl_crc64 crc;
-    auto held = read_into_memory(opened, crc, status);
+    auto contents = read_into_memory(opened, crc, status);
     if (status.has_failed()) return nullptr;
     if (crc.result(false) != header.stored_checksum) {
         status = TLA_STATUS_CHECKSUM;
         return nullptr;
     }
-    auto index = over(held->contents(), file_name, key_names, status);
-    if (index != nullptr) index->state_->held = std::move(held);
+    auto index = over(contents->contents(), file_name, key_names, status);
+    if (index != nullptr) index->state_->contents = std::move(contents);
     return index;
 }
 
