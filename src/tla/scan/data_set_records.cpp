@@ -48,4 +48,14 @@ void Data_set_records::survey(const std::vector<bool>& is_key, scl::Scl_status& 
     size_ = at;
 }
 
+std::uint64_t hash_of_long_values(const Scan_hashes& hashes, Value_kind kind,
+                                  std::span<const std::byte> values) {
+    const std::size_t count = values.size() / TLA_TOKEN_VALUE_BYTES;
+    std::uint64_t sum = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        sum = hashes.rolled(sum, tla_value_at(values, i));
+    }
+    return hashes.of_long(kind, sum, count);
+}
+
 } // namespace tla

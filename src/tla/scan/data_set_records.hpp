@@ -86,24 +86,26 @@ void Data_set_records::each_record(Take take) const {
     }
 }
 
+// Of more than Scan_hashes::SHORT_LENGTH values; seldom asked for.
+[[nodiscard]] std::uint64_t hash_of_long_values(const Scan_hashes& hashes, Value_kind kind,
+                                                std::span<const std::byte> values);
+
 // The hash of a field's values; take_beginning(hash) is shown that of each proper beginning of up
 // to Scan_hashes::SHORT_LENGTH values.
 template <typename Take>
 [[nodiscard]] std::uint64_t hash_of_values(const Scan_hashes& hashes, Value_kind kind,
                                            std::span<const std::byte> values, Take take_beginning) {
     const std::size_t count = values.size() / TLA_TOKEN_VALUE_BYTES;
+    const bool is_long = count > Scan_hashes::SHORT_LENGTH;
+    const std::size_t followed = is_long ? Scan_hashes::SHORT_LENGTH : count;
     std::uint64_t hash = hashes.extended(hashes.start(kind), tla_value_at(values, 0));
-    for (std::size_t i = 1; i < std::min(count, Scan_hashes::SHORT_LENGTH); ++i) {
+    for (std::size_t i = 1; i < followed; ++i) {
         take_beginning(hash);
         hash = hashes.extended(hash, tla_value_at(values, i));
     }
-    if (count <= Scan_hashes::SHORT_LENGTH) return hash;
+    if (!is_long) return hash;
     take_beginning(hash);
-    std::uint64_t sum = 0;
-    for (std::size_t i = 0; i < count; ++i) {
-        sum = hashes.rolled(sum, tla_value_at(values, i));
-    }
-    return hashes.of_long(kind, sum, count);
+    return hash_of_long_values(hashes, kind, values);
 }
 [[nodiscard]] inline std::uint64_t hash_of_values(const Scan_hashes& hashes, Value_kind kind,
                                                   std::span<const std::byte> values) {

@@ -78,7 +78,7 @@ private:
     [[nodiscard]] static std::size_t width_of(std::uint64_t limit);
 
     Large_array<std::uint64_t> ends_; // of the buckets; while it is filled, where the next one goes
-    std::size_t width_;               // bytes of a offset
+    std::size_t width_;               // bytes of an offset
     Large_array<std::byte>
         entries_; // of each eight bits of its hash, then its offset, little-endian
 };

@@ -51,7 +51,7 @@ private:
     class Maker;
 
     // Fewer records than this need no pairs, but where a record is long: to look at one takes as
-    // long as it has bytes, at each offset of its key.
+    // long as it has bytes, at each occurrence of its key.
     static constexpr std::uint64_t FEW_RECORDS = 16;
     static constexpr std::uint64_t LONG_RECORD = 256; // bytes
     // Room in the filter for each record of few.
