@@ -18,6 +18,7 @@ namespace tla {
 
 namespace {
 
+// The same walk as over bytes.
 template <typename Take>
 void each_token(std::u16string_view text, Take take) {
     each_token(scl::scl_span_of(text), take);
@@ -29,6 +30,7 @@ const Formatter_type_id& type_of(Value_kind kind) {
                                        : Tla_ccnum_formatter::TYPE_ID;
 }
 
+// A byte that is no UTF-8 became one unit of its own, and leads back to one byte.
 std::size_t utf8_size(char32_t c) {
     const bool is_byte = c >= 0xDC80 && c <= 0xDCFF;
     return c < 0x80 || is_byte ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4;
@@ -36,6 +38,7 @@ std::size_t utf8_size(char32_t c) {
 
 } // namespace
 
+// Units of UTF-16, and for each the byte that it comes from.
 void Chunk_reader::widen(std::string_view chunk) {
     scl::scl_stow(chunk, wide_);
     byte_offsets_.clear();
@@ -93,6 +96,7 @@ void Chunk_reader::add_wide_written_numbers() {
     });
 }
 
+// Both forms, so that those of one reading have one index.
 void Chunk_reader::add_wide_reading(std::uint8_t readings, std::u16string_view text,
                                     const std::vector<std::uint32_t>* origins) {
     for (const Value_kind kind : {Value_kind::simple, Value_kind::lower}) {
@@ -144,6 +148,8 @@ void Chunk_reader::format(Value_kind kind, std::u16string_view text) {
     unit_offsets_.push_back(static_cast<std::uint32_t>(text.size()));
 }
 
+// Each unit of the form leads to the one that it was made of; marks that were put together lead to
+// the first of them.
 void Chunk_reader::append_formatted(Value_kind kind, std::u16string_view text, std::size_t offset) {
     const Tla_formatted_text form(text, type_of(kind));
     for (std::size_t at = 0; at < form.text().size(); ++at) {
@@ -187,6 +193,7 @@ void classify(Number_word& word, std::u16string_view text) {
 
 } // namespace
 
+// A group may have digits of any script, as a table may.
 void Chunk_reader::add_wide_numbers(std::u16string_view text,
                                     const std::vector<std::uint32_t>* origins) {
     const Tla_ccnum_formatter formatter;

@@ -21,6 +21,7 @@ Data_set_records::Data_set_records(std::span<const std::byte> section, std::uint
 // The one offset that checks bounds: all other code steps through the same bytes again.
 void Data_set_records::survey(const std::vector<bool>& is_key, scl::Scl_status& status) {
     std::size_t at = 0;
+    // Compared by what is left, which cannot overflow.
     const auto fits = [&](std::size_t bytes) { return section_.size() - at >= bytes; };
     for (std::uint64_t record = 0; record < count_; ++record) {
         std::uint64_t values_here = 0;
@@ -29,6 +30,7 @@ void Data_set_records::survey(const std::vector<bool>& is_key, scl::Scl_status& 
             if (!fits(TLA_COUNT_BYTES) || !fits(tla_field_size(&section_[at]))) {
                 return status.push(scl::SCL_STATUS_END_OF_DATA);
             }
+            // A value counts for the tables only if it can occur.
             const std::size_t size = tla_field_size(&section_[at]);
             const std::uint64_t values = size / TLA_TOKEN_VALUE_BYTES;
             at += size;

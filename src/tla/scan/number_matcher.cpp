@@ -4,10 +4,14 @@
 
 #include <algorithm>
 
+// Most words of a text are groups or nothing, and belong to no number. So groups are only
+// collected, and their values worked out when one with a digit comes: every stretch begins or ends
+// with one. Tested by Scan.FindsWhatAModelFinds and Scan.KeepsTheBoundsOfNumbers.
 namespace tla {
 
 namespace {
 
+// These bounds are rules, told in docs/scanning.md.
 // What joins two groups.
 constexpr std::uint64_t MOST_GAP_CHARACTERS = 8;
 constexpr std::uint64_t MOST_GAP_LINE_ENDS = 1;
@@ -32,6 +36,7 @@ void Number_matcher::clear_groups() {
     has_digits_ = false;
 }
 
+// Groups count: the text of a stretch is quoted from its first one.
 std::optional<Text_place> Number_matcher::oldest() const {
     std::optional<Text_place> oldest;
     if (!groups_.empty()) oldest = groups_.front().first;
@@ -48,12 +53,14 @@ void Number_matcher::break_off() {
     ++number_;
 }
 
+// Only blanks and hyphens may stand between the items of a value.
 void Number_matcher::pass_gap(std::uint32_t characters, std::uint32_t line_ends, bool is_clean) {
     if (!is_clean) break_off();
     gap_characters_ += characters;
     gap_line_ends_ += line_ends;
 }
 
+// A group that ends no stretch may still begin one.
 void Number_matcher::pass_group(std::string_view letters, Text_place place) {
     Number_word word{};
     word.characters = static_cast<std::uint32_t>(letters.size());
@@ -65,6 +72,7 @@ void Number_matcher::pass_group(std::string_view letters, Text_place place) {
     ++number_;
 }
 
+// Groups too far apart for one stretch begin anew.
 void Number_matcher::add_group(const Number_word& word, std::u16string_view text,
                                Text_place first) {
     const bool joins = gap_characters_ >= 1 && gap_characters_ <= MOST_GAP_CHARACTERS &&
@@ -104,6 +112,8 @@ void Number_matcher::drop_beginnings() {
     std::erase_if(open_, [oldest](const Beginning& b) { return b.last_number + 1 < oldest; });
 }
 
+// Words as written are looked up apart, where the loosened text differs: a value of one token may
+// be found there alone.
 void Number_matcher::read(const Chunk_words& words, const Chunk_place& place,
                           const Scan_tables& tables, const Take& take) {
     place_ = &place;
@@ -119,6 +129,7 @@ void Number_matcher::read(const Chunk_words& words, const Chunk_place& place,
     }
 }
 
+// The same walk without tables, for the values of a short text.
 void Number_matcher::gather(const Chunk_words& words, const Chunk_place& place,
                             const Take_value& take) {
     place_ = &place;
@@ -130,6 +141,7 @@ void Number_matcher::gather(const Chunk_words& words, const Chunk_place& place,
     }
 }
 
+// In the text's order, as what stands between two words decides whether they join.
 void Number_matcher::read_words(const Chunk_words& words) {
     const std::u16string_view text = words.number_text;
     for (const Number_word& word : words.number_words) {
@@ -139,6 +151,7 @@ void Number_matcher::read_words(const Chunk_words& words) {
     pass_gap(words.tail_characters, words.tail_line_ends, words.tail_is_clean);
 }
 
+// The items that end with this word: the word itself in up to three forms, then stretches.
 void Number_matcher::read_word(const Number_word& word, std::u16string_view text) {
     span_ = word.span;
     const Text_place first = place_->first_of(word.span);
@@ -211,6 +224,8 @@ void Number_matcher::add_item(Text_place first, std::uint64_t first_number, bool
     items_.push_back({first, first_number, is_stretch, value, alone, group});
 }
 
+// Beginnings are in the order of their last words, so that those in front of an item lie together.
+// Items of one word are not extended by one another: `open` is fixed before.
 void Number_matcher::read_items() {
     const std::size_t open = open_.size();
     for (const Item& item : items_) {
@@ -224,6 +239,7 @@ void Number_matcher::read_items() {
     }
 }
 
+// Goes on with a value, ends one, or both, as the filter says.
 void Number_matcher::extend(Beginning beginning, std::uint64_t hash, const Item& item) {
     const Value_filter::Answer found = tables_->ask(hash);
     if (!found.any()) return;

@@ -2,12 +2,17 @@
 
 #include <algorithm>
 
+// Occurrences come and go at the ends of a queue. A hash table leads from a value to its last
+// occurrence, and each of these to the one before; links that lead out of the queue are dead, so
+// that forgetting costs nothing in the table.
 namespace tla {
 
 namespace {
 
+// Enough for the values within a hundred words; little to clear for each text.
 constexpr std::size_t LEAST_SLOTS = 1024;
 
+// Both ends have to move alike: words within may be others in number.
 std::uint64_t shift_between(const Occurrence& before, const Occurrence& behind) {
     const std::uint64_t shift = behind.first.word - before.first.word;
     return behind.last_word - before.last_word == shift ? shift : 0;
@@ -29,6 +34,7 @@ void Occurrence_window::clear() {
     entries_.clear();
 }
 
+// Linear probing, half full at most: the hashes are secret, so that nobody can fill a row of slots.
 std::size_t Occurrence_window::slot_of(std::uint64_t hash) const {
     const std::size_t mask = slots_.size() - 1;
     std::size_t slot = static_cast<std::size_t>(hash >> 32U) & mask;
@@ -38,6 +44,7 @@ std::size_t Occurrence_window::slot_of(std::uint64_t hash) const {
     return slot;
 }
 
+// A slot of a value that was forgotten is as good as none.
 std::uint64_t Occurrence_window::last_of(std::uint64_t hash) const {
     const std::uint64_t number = slots_[slot_of(hash)].number;
     return number != NONE && number >= begin_ ? number : NONE;
@@ -70,6 +77,8 @@ void Occurrence_window::add(const Occurrence& occurrence, std::uint64_t least) {
     slot = {occurrence.hash, end() - 1};
 }
 
+// They end in ascending order but for a few words within a chunk; one that stays too long does no
+// harm.
 void Occurrence_window::forget_before(std::uint64_t word) {
     while (!entries_.empty() && entries_.front().occurrence.last_word < word) {
         entries_.pop_front();
@@ -85,6 +94,7 @@ std::uint64_t Occurrence_window::end_within(std::uint64_t last_word) const {
     return begin_ + static_cast<std::uint64_t>(behind - entries_.begin());
 }
 
+// From the last one back.
 bool Occurrence_window::occurs(std::uint64_t hash, const Word_range& range) const {
     for (std::uint64_t number = last_of(hash); number != NONE && number >= begin_;
          number = at(number).previous) {

@@ -4,6 +4,10 @@
 #include <limits>
 #include <utility>
 
+// Two ways lead to the records of a key's value: all of them one by one, or, where they are many or
+// long, by pairs with what stands within reach. Both look at the record itself in the end, as
+// hashes in tables are cut short. Tested by Scan.FindsWhatAModelFinds, which has values that many
+// records share.
 namespace tla {
 
 namespace {
@@ -54,6 +58,8 @@ void Record_judge::choose_kinds() {
     }
 }
 
+// Asked of every occurrence, so a long list is not gone through: a key of many records mostly is
+// one.
 bool Record_judge::may_be_key(const Occurrence& occurrence) const {
     if (!is_key_kind_[static_cast<std::size_t>(occurrence.kind)]) return false;
     constexpr std::uint64_t FEW = 64;
@@ -66,6 +72,7 @@ bool Record_judge::may_be_key(const Occurrence& occurrence) const {
     return false;
 }
 
+// Bounds that would pass the text's front or the largest number stop there.
 Word_range Record_judge::reach_of(const Occurrence& occurrence) const {
     if (!within_) return {0, NO_BOUND};
     const std::uint64_t first = occurrence.first.word;
@@ -91,6 +98,7 @@ void Record_judge::judge(std::uint64_t number, const Occurrence_window& window,
     }
 }
 
+// With one field each record of the value is reported here or was before.
 void Record_judge::judge_all(const Occurrence& key, const Occurrence_window& window,
                              std::vector<Found_record>& found) {
     const Record_table& records = tables_->by_key();

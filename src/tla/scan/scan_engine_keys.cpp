@@ -20,6 +20,7 @@ std::size_t size_of_first(std::string_view text, std::size_t characters) {
 
 } // namespace
 
+// An occurrence is kept for the keys near it even if it is no key itself.
 void Tla_text_scan::Engine::take(const Occurrence& occurrence) {
     if (!within_) return take_first(occurrence);
     const bool is_key = !judge_.is_done(occurrence.hash) && judge_.may_be_key(occurrence);
@@ -47,6 +48,7 @@ void Tla_text_scan::Engine::take_first(const Occurrence& occurrence) {
     }
 }
 
+// The text of a key without bound has to be copied: the buffer is gone when it is judged.
 void Tla_text_scan::Engine::add_key(const Occurrence& occurrence) {
     const std::uint64_t number = window_.end() - 1;
     if (!within_) texts_.emplace(number, text_at(occurrence.first.byte, occurrence.end));

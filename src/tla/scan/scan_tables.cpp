@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+// Tables are counted, laid out and filled in passes over the records: what a pass needs, the one
+// before has counted, so nothing grows while it is filled, and memory is known before it is taken.
 namespace tla {
 
 namespace {
@@ -115,6 +117,7 @@ public:
         pairs.finish();
         return Record_table::bytes_of(pair_count, records_.size()) <= most_bytes;
     }
+    // The same pairs in the same order as they were counted in.
     void put_pairs() {
         Record_table& pairs = *tables_.by_pair_;
         pairs.lay_out([](std::size_t, std::uint64_t) {});

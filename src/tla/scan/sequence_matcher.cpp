@@ -1,7 +1,9 @@
 #include "tla/scan/sequence_matcher.hpp"
 
+// What a sequence matcher does once in a while; what it does for each token is in its header.
 namespace tla {
 
+// The followers of other readings have something to forget only where readings differed.
 void Sequence_matcher::start() {
     open_.clear();
     for (Long_follower& follower : followers_) {
@@ -11,6 +13,7 @@ void Sequence_matcher::start() {
     is_following_ = false;
 }
 
+// Both lists are in the order of the text.
 std::optional<Text_place> Sequence_matcher::oldest() const {
     std::optional<Text_place> oldest;
     if (!open_.empty()) oldest = open_.front().first;
@@ -31,6 +34,7 @@ void Sequence_matcher::split_readings() {
     followers_[2] = followers_[0];
 }
 
+// Asked of each chunk, so it is worked out once.
 void Sequence_matcher::note_followers() {
     is_following_ =
         !followers_[0].is_idle() || !followers_[1].is_idle() || !followers_[2].is_idle();

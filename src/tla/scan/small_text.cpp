@@ -6,9 +6,11 @@ namespace tla {
 
 namespace {
 
+// A table of its own pays for one record in sixteen, or for few at all.
 constexpr std::uint64_t RECORDS_A_PICK = 16;
 constexpr std::uint64_t FEW_PICKS = 1024;
 
+// The first value that the text has not ends it, mostly the very first.
 bool has_all(const Value_set& set, std::span<const std::byte> values) {
     for (std::size_t i = 0; i < values.size() / TLA_TOKEN_VALUE_BYTES; ++i) {
         if (!set.may_hold(tla_value_at(values, i))) return false;
@@ -33,6 +35,7 @@ std::optional<std::vector<std::uint64_t>> records_with(const Value_set& values,
                 ++fields;
                 has_key |= key_order[field] != NO_KEY;
             });
+        // One too many is enough to see that they are too many.
         if (has_key && fields >= least && offsets.size() <= most) offsets.push_back(offset);
         return next;
     });
