@@ -69,9 +69,13 @@ void Occurrence_window::add(const Occurrence& occurrence, std::uint64_t least) {
     if ((used_ + 1) * 2 > slots_.size()) make_room();
     Slot& slot = slots_[slot_of(occurrence.hash)];
     const bool is_known = slot.number != NONE && slot.number >= begin_;
-    Entry entry{occurrence, is_known ? slot.number : NONE, least, 0, end()};
+    Entry entry{occurrence, is_known ? slot.number : NONE, least, occurrence.last_word, 0, end()};
     if (is_known) entry.shift = shift_between(at(slot.number).occurrence, occurrence);
-    if (!entries_.empty() && entries_.back().shift == entry.shift) entry.run = entries_.back().run;
+    if (!entries_.empty()) {
+        const Entry& before = entries_.back();
+        entry.most = std::max(entry.most, before.most);
+        if (before.shift == entry.shift) entry.run = before.run;
+    }
     entries_.push_back(entry);
     if (slot.number == NONE) ++used_;
     slot = {occurrence.hash, end() - 1};

@@ -26,6 +26,7 @@ public:
         Occurrence occurrence;
         std::uint64_t previous; // the number of the last one before it of the same value, or NONE
         std::uint64_t least;    // no later one ends before this word
+        std::uint64_t most;     // and neither it nor an earlier one behind this
         // How many words behind the previous one it begins and ends; 0 where that is not the same.
         // In a text that repeats itself it mostly is, for all that occurs, and for long.
         std::uint64_t shift;

@@ -125,7 +125,8 @@ Record_judge::Numbers Record_judge::unchecked(const Occurrence& key,
     std::uint64_t& checked = checked_[key.hash];
     const std::uint64_t first = std::max(checked, window.begin());
     checked = std::max(first, end);
-    for (std::uint64_t number = end; number > first; --number) {
+    for (std::uint64_t number = end; number > first && window.at(number - 1).most > reach.last;
+         --number) {
         if (window.at(number - 1).occurrence.last_word > reach.last) checked = number - 1;
     }
     return {first, end};
