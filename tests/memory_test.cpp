@@ -5,6 +5,7 @@
 #include "scl/io/scl_buffers.hpp"
 #include "tla/c/dsmake.h"
 #include "tla/format/data_set_layout.hpp"
+#include "tla/scan/tla_text_scan.hpp"
 #include "tla/upgrade/upgrade_data_set.hpp"
 
 #include <algorithm>
@@ -185,6 +186,69 @@ TEST(No_memory_here, IsToldOfByTheCInterface) {
             dsmake_close(set);
             if (!open_failed && !Memory::has_failed) break;
         }
+    }
+}
+
+class Counter final : public tla::Tla_scan_listener {
+public:
+    bool take(const tla::Tla_scan_find& find) override {
+        sum += find.place + static_cast<std::uint64_t>(find.record) * find.fields.size();
+        return true;
+    }
+    std::uint64_t sum = 0;
+};
+
+std::uint64_t found_by(tla::Tla_text_scan& scan, std::string_view text) {
+    Counter counter;
+    scan.start(counter);
+    for (std::size_t at = 0; at < text.size(); at += 100) {
+        scan.feed(std::as_bytes(std::span(text.substr(at, 100))));
+    }
+    scan.finish();
+    return counter.sum;
+}
+
+// All that is found or a lack of memory, and the next text is right, whatever became of this one.
+TEST(No_memory_here, EndsOneScanAndNotTheNext) {
+    std::string many;
+    for (int i = 0; i < 150; ++i) {
+        many += i % 40 == 39 ? "it's " : "no ";
+    }
+    test::Rows table = rows();
+    table.push_back({many, "York", "4111"});
+    const std::string file = test::version2(SCHEMA, KEYS, table);
+    const std::string text = "New York 4111 1111 39 \u00E9 \xFF a name of words 39\n" + many +
+                             many + " York l'a.b_c's 4111 " + std::string(300, 'x');
+    std::uint64_t expected = 0;
+    for (const bool stays : {false, true}) {
+        const std::size_t short_text = stays ? 0 : 10'000;
+        long number = 0;
+        for (bool goes_on = true; goes_on; ++number) {
+            SCOPED_TRACE(number);
+            std::unique_ptr<const tla::Tla_scan_index> index;
+            std::unique_ptr<tla::Tla_text_scan> scan;
+            std::uint64_t found = 0;
+            const auto work = [&](scl::Scl_status& status) {
+                const auto bytes = std::as_bytes(std::span(file));
+                index = tla::Tla_scan_index::over(bytes, u"file", {}, status);
+                if (index == nullptr) return;
+                scan = std::make_unique<tla::Tla_text_scan>(
+                    *index, tla::Tla_scan_options{.within = number % 2 == 0
+                                                                ? std::optional<std::uint64_t>(1000)
+                                                                : std::nullopt,
+                                                  .short_text = short_text,
+                                                  .window = 200});
+                found = found_by(*scan, text);
+            };
+            const test::End end = test::with_failure_at(number, stays, work);
+            goes_on = number == 0 || Memory::has_failed;
+            if (number == 0) expected = found;
+            ASSERT_NE(expected, 0U);
+            ASSERT_NE(end, test::End::other);
+            EXPECT_TRUE(end == test::End::no_memory || found == expected);
+            EXPECT_TRUE(scan == nullptr || found_by(*scan, text) == expected);
+        }
+        EXPECT_GT(number, 100) << "many takings of memory were made to fail";
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "scan_readings.hpp"
 #include "small_reader.hpp"
 
 #include <cstddef>
@@ -39,23 +40,7 @@ public:
     [[nodiscard]] static std::vector<std::size_t> keys_of(const Small_reader& file);
 
 private:
-    // Characters of the text, the last one counted.
-    struct Span {
-        std::size_t first;
-        std::size_t last;
-        auto operator<=>(const Span&) const = default;
-    };
-    // A character of a reading, and which one of the text it stands for.
-    struct Read_char {
-        char32_t code;
-        std::size_t origin;
-    };
-    using Reading = std::vector<Read_char>;
     using Values = Small_reader::Values;
-    struct Token {
-        std::uint64_t value;
-        Span span;
-    };
     // A part of a card number, by the characters of the loosened text.
     struct Item {
         Span span;
@@ -69,12 +54,6 @@ private:
     };
 
     void decode(std::string_view text);
-    [[nodiscard]] static Reading loosened(Reading reading);
-    [[nodiscard]] static Reading parted(Reading reading);
-    [[nodiscard]] static std::u16string text_of(const Reading& reading);
-    [[nodiscard]] static std::vector<Span> tokens_of(const Reading& reading);
-    [[nodiscard]] static std::vector<Token> tokens_in_form(const Reading& reading,
-                                                           const std::string& type);
     void find_items();
     void add_stretches(const std::vector<Span>& words);
     [[nodiscard]] bool is_gap(std::size_t from, std::size_t to) const;

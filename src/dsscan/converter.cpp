@@ -8,6 +8,8 @@
 #include <new>
 #include <stdexcept>
 
+// The system's iconv stops at a byte that it cannot convert. The scan goes on: such a byte becomes
+// a character of its own, as in a text of UTF-8. Tested by Dsscan.KeepsWhatCannotBeConverted.
 namespace dsscan {
 
 namespace {
@@ -15,6 +17,7 @@ namespace {
 constexpr std::size_t ROOM_BYTES = std::size_t{64} << 10;
 constexpr std::string_view REPLACEMENT = "\xEF\xBF\xBD";
 
+// The name in the message is the one that the user gave.
 iconv_t open_converter(const char* to, const char* from) {
     // NOLINTNEXTLINE: the system's own sign of a failure
     const auto none = reinterpret_cast<iconv_t>(-1);
@@ -62,17 +65,20 @@ Converter::~Converter() {
     ::iconv_close(handle_);
 }
 
+// Encodings with states, as ISO-2022, begin each text anew.
 void Converter::start() {
     ::iconv(handle_, nullptr, nullptr, nullptr, nullptr);
     waiting_.clear();
     kept_.clear();
 }
 
+// What a character was cut in waits for the rest of it.
 void Converter::convert(std::span<const std::byte> bytes, std::string& to) {
     waiting_.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     convert_waiting(to);
 }
 
+// In rooms of a fixed size: how much longer a text becomes is not known before.
 void Converter::convert_waiting(std::string& to) {
     char* in = waiting_.data();
     std::size_t left = waiting_.size();
@@ -95,6 +101,8 @@ void Converter::convert_waiting(std::string& to) {
     waiting_.erase(0, waiting_.size() - left);
 }
 
+// ASCII would be read as a character, and so would bytes that happen to be UTF-8 side by side;
+// U+FFFD stands for those.
 void Converter::keep_byte(char byte, std::string& to) {
     constexpr unsigned FIRST_STRAY = 0x80;
     kept_ += byte;
@@ -108,6 +116,7 @@ void Converter::keep_byte(char byte, std::string& to) {
     if (kept_.size() == LONGEST_CHARACTER) kept_.erase(0, 1);
 }
 
+// Half a character at the end stays as bytes.
 void Converter::finish(std::string& to) {
     for (const char byte : waiting_) {
         keep_byte(byte, to);

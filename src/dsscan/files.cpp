@@ -15,6 +15,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+// Files, folders and programs by the system's own calls. Whatever fails is the fault of one text,
+// with the system's message. Tested by dsscan_test.cpp.
 namespace dsscan {
 
 namespace {
@@ -40,6 +42,7 @@ int open_file(const std::string& name, File_bytes::Kind kind) {
     return file;
 }
 
+// Signals that have a handler interrupt a read; it is then done again.
 std::size_t read_some(int file, std::span<std::byte> room) {
     for (;;) {
         const ssize_t size = ::read(file, room.data(), room.size());
@@ -114,6 +117,7 @@ std::vector<Name> names_in(const std::string& folder_name) {
     return names;
 }
 
+// What cannot be looked at is opened as a file, which gives the message.
 bool is_folder(const std::string& name) {
     struct stat what {};
     return name != "-" && ::stat(name.c_str(), &what) == 0 && S_ISDIR(what.st_mode);
@@ -124,6 +128,8 @@ class Folder_walk {
 public:
     Folder_walk(const Take_text& take, const Tell_fault& tell) : take_(take), tell_(tell) {}
 
+    // Names are taken from the back of a list, and a folder in it is gone through before the next
+    // name.
     bool run(const std::string& folder) {
         enter(folder);
         while (!levels_.empty()) {
@@ -169,6 +175,7 @@ Descriptor::~Descriptor() {
     if (number_ != NO_FILE) ::close(number_);
 }
 
+// The size is for the progress alone: a file may grow or shrink while it is read.
 File_bytes::File_bytes(const std::string& name, Kind kind) : file_(open_file(name, kind)) {
     struct stat what {};
     if (::fstat(file_.number(), &what) != 0) fail(errno);
@@ -197,6 +204,7 @@ Command_bytes::Command_bytes(const std::string& command, const std::string& name
     }
 }
 
+// A program that is still writing is ended: it would wait for a reader for ever.
 Command_bytes::~Command_bytes() {
     if (output_ != NO_FILE) ::close(output_);
     if (process_ <= 0) return;
@@ -210,6 +218,7 @@ std::size_t Command_bytes::read(std::span<std::byte> room) {
     return read_some(output_, room);
 }
 
+// The status is asked for at the end of what it wrote: what was found before stays told.
 void Command_bytes::finish() {
     const pid_t process = process_;
     process_ = 0;
@@ -226,6 +235,7 @@ bool each_text(const std::string& name, const Take_text& take, const Tell_fault&
     return Folder_walk(take, tell).run(name);
 }
 
+// On a terminal the line of the progress would stand among the finds.
 bool is_terminal(Stream stream) {
     return ::isatty(stream == Stream::output ? STDOUT_FILENO : STDERR_FILENO) == 1;
 }

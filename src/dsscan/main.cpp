@@ -19,6 +19,7 @@ namespace {
 
 enum Exit_status { SOMETHING_FOUND = 0, NOTHING_FOUND = 1, FAULT = 2 };
 
+// Messages of the library are UTF-16; bytes of a name that are no UTF-8 come out as they came in.
 std::string message_of(const scl::Scl_status& status) {
     std::u16string text;
     scl::Scl_status_lookup::to_string(status, text);
@@ -38,6 +39,7 @@ std::string message_of_keys(const Options& options, const tla::Tla_scan_index& i
     return shown_name(options.data_set) + ": " + message;
 }
 
+// What is wrong with the file or the keys is told before any text is opened.
 std::unique_ptr<const tla::Tla_scan_index> open_index(const Options& options) {
     std::u16string name;
     scl::scl_stow(options.data_set, name);
@@ -71,6 +73,7 @@ Exit_status scan_texts(const Options& options) {
     return scanner.has_found() ? SOMETHING_FOUND : NOTHING_FOUND;
 }
 
+// Help that could not be written was not shown.
 Exit_status run(int argument_count, char** arguments) {
     if (const auto options = parse_options(argument_count, arguments)) return scan_texts(*options);
     if (std::fflush(stdout) != 0) throw std::runtime_error("standard output: cannot be written");

@@ -10,6 +10,8 @@
 
 #include <getopt.h>
 
+// The options and what they are checked for, by the system's getopt_long. Tested by
+// Dsscan.TellsFaultsOfTheCommandLine.
 namespace dsscan {
 
 namespace {
@@ -39,6 +41,7 @@ it and below) or - for standard input.
 The exit status is 0 when something was found, 1 when nothing was, 2 after a fault.
 )";
 
+// Those without a letter, beyond all letters.
 enum Long_option { JSON = 256, ENCODING, PRE, VERSION };
 
 constexpr std::array<option, 12> LONG_OPTIONS{{{"least", required_argument, nullptr, 'm'},
@@ -70,6 +73,7 @@ std::uint64_t number_of(char letter, std::string_view argument) {
     return error == std::errc() ? number : std::numeric_limits<std::uint64_t>::max();
 }
 
+// The same one twice does no harm.
 void set_format(Options& options, Format format) {
     if (options.format != Format::lines && options.format != format) {
         fail_with_usage("only one of --json, -c, -l and -q");
@@ -77,6 +81,7 @@ void set_format(Options& options, Format format) {
     options.format = format;
 }
 
+// A variable of a script that is not set gives an empty argument.
 std::string not_empty(const char* option, const char* argument) {
     if (*argument == '\0') fail_with_usage(std::string(option) + ": an empty name");
     return argument;

@@ -10,6 +10,7 @@ namespace dsscan {
 
 namespace {
 
+// A quick scan shows nothing, and a slow one no more often than a reader can see.
 constexpr auto BEFORE_FIRST = std::chrono::seconds(1);
 constexpr auto BETWEEN = std::chrono::milliseconds(200);
 constexpr const char* CLEAR_LINE = "\r\x1B[K";
@@ -21,6 +22,7 @@ Progress::Progress()
       shares_terminal_(is_on_ && is_terminal(Stream::output)),
       next_(Clock::now() + BEFORE_FIRST) {}
 
+// A folder has many texts, of which most end before anything is shown: so the text is counted.
 void Progress::start(std::string_view name, std::uint64_t size) {
     if (!is_on_) return;
     name_ = name;
@@ -56,6 +58,7 @@ void Progress::show() {
     next_ = Clock::now() + BETWEEN;
 }
 
+// Before anything else is written to the terminal.
 void Progress::clear() {
     if (is_shown_) std::fputs(CLEAR_LINE, stderr);
     is_shown_ = false;

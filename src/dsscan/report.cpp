@@ -11,6 +11,7 @@ namespace dsscan {
 
 namespace {
 
+// A full disk or a closed pipe ends the program: finds that nobody gets are of no use.
 [[noreturn]] void fail() {
     throw Output_fault("standard output: " + std::string(std::strerror(errno)));
 }
@@ -21,6 +22,7 @@ void print(const std::string& line) {
 
 } // namespace
 
+// The names are shown with each find, so they are made ready once.
 Report::Report(Format format, const tla::Tla_scan_index& index) : format_(format) {
     for (const tla::Field_descriptor& field : index.fields()) {
         std::string name;
@@ -34,6 +36,7 @@ void Report::start(std::string_view name) {
     count_ = 0;
 }
 
+// Counting needs every find; names and silence only the first.
 bool Report::take(const tla::Tla_scan_find& find) {
     ++count_;
     has_found_ = true;
@@ -63,6 +66,7 @@ std::string Report::line_of(const tla::Tla_scan_find& find) const {
     return line + " (record " + std::to_string(find.record) + ")\n";
 }
 
+// By hand, as it is one line of a fixed form; json_string() sees to what is in it.
 std::string Report::json_of(const tla::Tla_scan_find& find) const {
     std::string fields;
     for (const std::size_t field : find.fields) {

@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <limits>
 
+// What comes from a text must not move a terminal's cursor, break a line or pretend to be something
+// else: control characters and stray bytes are shown by their numbers.
 namespace dsscan {
 
 namespace {
@@ -20,6 +22,7 @@ void append_hex(std::string& to, std::string_view prefix, std::string_view digit
     to.append(prefix) += {digits[byte >> 4U], digits[byte & 0xFU]};
 }
 
+// Those of ISO 8859 as well, which some terminals obey.
 bool is_control(char32_t c) {
     return c < 0x20 || (c >= 0x7F && c < 0xA0);
 }
@@ -38,6 +41,7 @@ void each_character(std::string_view text, const Take& take) {
     }
 }
 
+// Counted as written, so that a long stretch of white space ends a quotation as well.
 std::string shown(std::string_view text, std::size_t most, bool is_whole) {
     std::string line;
     std::size_t characters = 0;

@@ -29,6 +29,7 @@ Text_scanner::Text_scanner(const Options& options, const tla::Tla_scan_index& in
     if (!options.encoding.empty()) converter_.emplace(options.encoding);
 }
 
+// A name on the command line may be a folder; then each text in it is one of its own.
 bool Text_scanner::scan(const std::string& name) {
     return each_text(
         name,
@@ -36,6 +37,7 @@ bool Text_scanner::scan(const std::string& name) {
         [this](const std::string& folder, std::string_view fault) { tell(folder, fault); });
 }
 
+// A fault ends this text alone.
 bool Text_scanner::scan_text(const std::string& name, File_bytes::Kind kind) {
     report_.start(name);
     bool is_faultless = false;
@@ -77,6 +79,7 @@ void Text_scanner::read_through(Text_bytes& bytes) {
     if (scan_.finish()) bytes.finish();
 }
 
+// The converter's room is used again and again.
 bool Text_scanner::feed(std::span<const std::byte> bytes) {
     if (!converter_) return scan_.feed(bytes);
     converted_.clear();
@@ -96,6 +99,7 @@ void Text_scanner::tell(const std::string& name, std::string_view fault) {
     std::fprintf(stderr, "%s: %s\n", shown_name(name).c_str(), std::string(fault).c_str());
 }
 
+// Here a full disk shows at last.
 void Text_scanner::finish() {
     progress_.clear();
     report_.flush();

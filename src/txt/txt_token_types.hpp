@@ -44,6 +44,12 @@ static_assert(txt_token_type(scl::Scl_unicode_code_point_type::punctuation) ==
     return scl::Scl_crc64::calculate_units(text);
 }
 
+// The same of a text that goes on with `more`, from the value of what is before.
+[[nodiscard]] inline std::uint64_t txt_extended_value(std::uint64_t value,
+                                                      std::u16string_view more) {
+    return scl::Scl_crc64::calculate_units(more, ~value);
+}
+
 // The same for a text of either unit; ASCII bytes are widened to 16-bit units.
 [[nodiscard]] inline std::uint64_t txt_token_value(scl::Scl_text_span<char16_t> text) {
     return txt_token_value(text.view());

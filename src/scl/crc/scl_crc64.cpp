@@ -111,8 +111,8 @@ std::uint64_t Scl_crc64::calculate(const void* data, std::size_t size, std::uint
 }
 
 // For big-endian processors, unit by unit: they read files that were made elsewhere.
-std::uint64_t Scl_crc64::calculate_swapped(std::u16string_view text) {
-    std::uint64_t reg = INITIAL;
+std::uint64_t Scl_crc64::calculate_swapped(std::u16string_view text, std::uint64_t initial) {
+    std::uint64_t reg = initial;
     for (const char16_t unit : text) {
         reg = impl::crc64_by_table(reg, std::bit_cast<Scl_raw<char16_t>>(scl_little_endian(unit)));
     }

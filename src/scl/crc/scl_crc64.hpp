@@ -23,10 +23,13 @@ public:
     [[nodiscard]] static std::uint64_t calculate(const void* data, std::size_t size,
                                                  std::uint64_t initial);
 
-    // calculate() from INITIAL over the units of a text, each little-endian.
-    [[nodiscard]] static std::uint64_t calculate_units(std::u16string_view text) {
-        if constexpr (std::endian::native == std::endian::big) return calculate_swapped(text);
-        return calculate(text.data(), text.size() * sizeof(char16_t), INITIAL);
+    // calculate() over the units of a text, each little-endian.
+    [[nodiscard]] static std::uint64_t calculate_units(std::u16string_view text,
+                                                       std::uint64_t initial = INITIAL) {
+        if constexpr (std::endian::native == std::endian::big) {
+            return calculate_swapped(text, initial);
+        }
+        return calculate(text.data(), text.size() * sizeof(char16_t), initial);
     }
 
     // calculate() from INITIAL over the UTF-16 form (little-endian) of an ASCII text of `size`
@@ -51,7 +54,8 @@ public:
     }
 
 private:
-    [[nodiscard]] static std::uint64_t calculate_swapped(std::u16string_view text);
+    [[nodiscard]] static std::uint64_t calculate_swapped(std::u16string_view text,
+                                                         std::uint64_t initial);
 
     std::uint64_t register_ = INITIAL;
 };

@@ -9,6 +9,7 @@ namespace tla::c {
 
 namespace {
 
+// Names go to C as UTF-8, and stay as long as the data set is open.
 std::string narrow(std::u16string_view wide) {
     std::string text;
     scl::scl_wtos(wide, text, true);
@@ -17,6 +18,7 @@ std::string narrow(std::u16string_view wide) {
 
 } // namespace
 
+// Flags that are unknown are refused: a later version may mean something by them.
 Open_data_set::Open_data_set(std::string_view path, unsigned flags, scl::Scl_status& status) {
     if ((flags & ~unsigned{DSMAKE_HOLD_IN_MEMORY}) != 0) {
         throw Caller_fault(DSMAKE_BAD_ARGUMENT, "unknown flags: " + std::to_string(flags));
@@ -39,12 +41,15 @@ Open_data_set::Open_data_set(std::string_view path, unsigned flags, scl::Scl_sta
     }
 }
 
+// Made when the first scan is opened: who only looks records up does not pay for it. Threads that
+// share the data set wait for one another here.
 const Tla_scan_index* Open_data_set::scan_index(scl::Scl_status& status) const {
     const std::scoped_lock lock(index_making_);
     if (scan_index_ == nullptr) scan_index_ = make_scan_index(status);
     return scan_index_.get();
 }
 
+// A file that is in memory already is not read again.
 std::unique_ptr<const Tla_scan_index>
 Open_data_set::make_scan_index(scl::Scl_status& status) const {
     const std::span<const std::byte> bytes = connector_.bytes_in_memory();
@@ -60,6 +65,8 @@ const char* dsmake_version(void) {
     return DSMAKE_VERSION;
 }
 
+// A failure gives a data set that only tells its message. NULL is left for when even that has no
+// memory.
 dsmake_data_set* dsmake_open(const char* path, unsigned flags) {
     try {
         auto set = std::make_unique<dsmake_data_set>(tla::c::view_of(path));
@@ -76,6 +83,7 @@ dsmake_data_set* dsmake_open(const char* path, unsigned flags) {
     }
 }
 
+// One that could not be opened shares its message.
 dsmake_data_set* dsmake_share(const dsmake_data_set* set) {
     if (set == nullptr) return nullptr;
     try {
@@ -96,6 +104,7 @@ void dsmake_close(dsmake_data_set* set) {
     delete set; // NOLINT(cppcoreguidelines-owning-memory): the caller in C owned it
 }
 
+// NULL stands for what dsmake_open() returns without memory.
 uint32_t dsmake_code(const dsmake_data_set* set) {
     return set != nullptr ? set->report.code() : DSMAKE_NO_MEMORY;
 }
@@ -106,6 +115,7 @@ const char* dsmake_message(const dsmake_data_set* set) {
 
 namespace {
 
+// Of what is not open there are none, so that callers need not ask first.
 std::span<const Open_data_set::Field> fields_of(const dsmake_data_set* set) {
     if (set == nullptr || set->open == nullptr) return {};
     return set->open->fields();
@@ -122,6 +132,7 @@ uint32_t dsmake_field_count(const dsmake_data_set* set) {
     return static_cast<uint32_t>(fields_of(set).size());
 }
 
+// Never NULL: in C that would end the program that prints it.
 const char* dsmake_field_name(const dsmake_data_set* set, uint32_t field) {
     return field < fields_of(set).size() ? fields_of(set)[field].name.c_str() : "";
 }

@@ -21,11 +21,13 @@ void find(dsmake_data_set& set, std::size_t key, std::string_view value, scl::Sc
     if (status == tla::TLA_STATUS_NO_TOKENS) status.clear();
 }
 
+// A number that is too large is the caller's fault, and told as that.
 void expect_key(const dsmake_data_set& set, std::uint32_t key) {
     if (key < set.open->keys().size()) return;
     throw Caller_fault(DSMAKE_NO_SUCH_KEY, "no such key: number " + std::to_string(key));
 }
 
+// There are few keys, so each is compared.
 std::size_t key_of(const dsmake_data_set& set, std::string_view name) {
     const auto& keys = set.open->keys();
     const auto key = std::ranges::find(keys, name, &Open_data_set::Key::name);
@@ -55,6 +57,7 @@ int64_t dsmake_find_text(dsmake_data_set* set, uint32_t key, const char* value, 
     });
 }
 
+// The offsets of all values stand one after another; the counts tell which are whose.
 int64_t dsmake_find_many(dsmake_data_set* set, uint32_t key, const dsmake_text* values, size_t size,
                          uint64_t* counts) {
     return looked_up(set, [&](scl::Scl_status& status) {

@@ -18,6 +18,7 @@ void read(dsmake_data_set& set, std::int64_t offset, scl::Scl_status& status) {
 
 } // namespace
 
+// Records follow one another without a gap, so that each tells where the next begins.
 int64_t dsmake_first_record(dsmake_data_set* set) {
     if (set == nullptr || set->open == nullptr) return -1;
     set->next_record = static_cast<std::int64_t>(set->connector->data_start());
@@ -25,6 +26,7 @@ int64_t dsmake_first_record(dsmake_data_set* set) {
     return dsmake_next_record(set);
 }
 
+// 0 is no record's offset: the header stands there. So it says that there are no more.
 int64_t dsmake_next_record(dsmake_data_set* set) {
     std::int64_t offset = 0;
     const bool done = guarded(set, [&](scl::Scl_status& status) {
@@ -41,6 +43,7 @@ int64_t dsmake_next_record(dsmake_data_set* set) {
     return done ? offset : -1;
 }
 
+// In front of the records stand bytes that could be read as one.
 int dsmake_read_record(dsmake_data_set* set, int64_t offset) {
     return guarded(set,
                    [&](scl::Scl_status& status) {
@@ -55,6 +58,7 @@ int dsmake_read_record(dsmake_data_set* set, int64_t offset) {
                : -1;
 }
 
+// The values lie in memory of the data set until the next call.
 int64_t dsmake_record_values(dsmake_data_set* set, uint32_t field, const uint64_t** values) {
     const bool done = guarded(set, [&](scl::Scl_status&) {
         set->values.clear();

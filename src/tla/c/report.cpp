@@ -5,6 +5,7 @@
 
 namespace tla::c {
 
+// A message is either one's own text or a constant; only a text has to be copied.
 void Report::copy(const Report& other) {
     message_ = other.message_;
     const bool is_own = other.last_message_ == other.message_.c_str();
@@ -16,6 +17,7 @@ void Report::set(std::uint32_t code, const char* message) {
     last_message_ = message;
 }
 
+// As programs tell it: the file, then the fault.
 void Report::tell(std::uint32_t code, std::string_view fault) {
     message_.assign(path_).append(": ").append(fault);
     set(code, message_.c_str());

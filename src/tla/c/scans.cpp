@@ -51,6 +51,7 @@ struct dsmake_scan {
 
 namespace {
 
+// More fields than records have would be found in no text, which is hardly what is meant.
 void open(dsmake_scan& scan, std::uint64_t least, std::uint64_t within, scl::Scl_status& status) {
     const std::size_t fields = scan.open->fields().size();
     if (least > fields) {
@@ -81,6 +82,7 @@ int done(dsmake_scan* scan, const Step& step) noexcept {
 
 } // namespace
 
+// As dsmake_open(): a failure gives a scan that tells its message.
 dsmake_scan* dsmake_scan_open(const dsmake_data_set* set, uint64_t least, uint64_t within) {
     if (set == nullptr) return nullptr;
     try {
@@ -102,6 +104,7 @@ void dsmake_scan_close(dsmake_scan* scan) {
     delete scan; // NOLINT(cppcoreguidelines-owning-memory): the caller in C owned it
 }
 
+// A text that was not finished is forgotten.
 int dsmake_scan_start(dsmake_scan* scan, dsmake_listener* listener, void* context) {
     if (scan == nullptr || !scan->scan) return -1;
     scan->listener.emplace(listener, context);
@@ -118,6 +121,7 @@ int dsmake_scan_feed(dsmake_scan* scan, const void* bytes, size_t size) {
     });
 }
 
+// Without a listener no more can be fed until the next text.
 int dsmake_scan_finish(dsmake_scan* scan) {
     const int result = done(scan, [](tla::Tla_text_scan& text) { return text.finish(); });
     if (scan != nullptr) scan->listener.reset();

@@ -27,6 +27,7 @@ namespace {
 constexpr char SEPARATOR = '\t';
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
+// Nothing is left of an empty field, which is one without values.
 void tokenise(dsmake_tokeniser& tokeniser, std::string_view value,
               const tla::Formatter_type_id& type) {
     scl::scl_stow(value, tokeniser.text);
@@ -73,6 +74,7 @@ bool find_type(const char* name, tla::Formatter_type_id& type) {
 
 } // namespace
 
+// How many there are is told also where the room is too small, so that the caller can ask again.
 int64_t dsmake_token_values(const char* type, const char* text, size_t size, uint64_t* values,
                             size_t room) {
     try {

@@ -3,6 +3,9 @@
 #include "tla/scan/number_words.hpp"
 #include "txt/txt_token_types.hpp"
 
+// A chunk of ASCII, which most are. Nothing of it changes with normal forms, and a letter has one
+// byte in either case: so the forms are made byte by byte, and offsets stay what they are. Tested
+// by Scan.FindsWhatAModelFinds, whose model knows no chunks.
 namespace tla {
 
 namespace {
@@ -14,6 +17,8 @@ scl::Scl_text_span<char> padded(std::string& text) {
     return {text.data(), text.data() + size};
 }
 
+// Where a stretch of a reading stands in the chunk. Its last byte is asked for rather than the one
+// behind it: what was left out may stand between.
 Chunk_span ascii_span(std::size_t begin, std::size_t end,
                       const std::vector<std::uint32_t>* origins) {
     if (origins == nullptr) {
@@ -30,6 +35,7 @@ char upper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
 }
 
+// Setting one bit makes a small letter of a capital.
 bool is_ascii_letter(char c) {
     const char folded = static_cast<char>(c | 0x20);
     return folded >= 'a' && folded <= 'z';
@@ -47,6 +53,7 @@ const Chunk_words& Chunk_reader::read(std::string_view chunk, bool is_ascii) {
     return words_;
 }
 
+// The memory stays: the next chunk takes as much.
 void Chunk_reader::clear() {
     words_.words.clear();
     words_.reading_count = 0;
@@ -58,6 +65,7 @@ void Chunk_reader::clear() {
     words_.tail_is_clean = true;
 }
 
+// Lists are kept from chunk to chunk, so that a chunk takes no memory of its own.
 Reading_tokens& Chunk_reader::reading_of(std::size_t form, std::uint8_t readings) {
     Reading_tokens& reading = words_.forms[form][words_.reading_count];
     reading.readings = readings;
@@ -77,15 +85,8 @@ void Chunk_reader::read_ascii(std::string_view chunk) {
     const auto* const origins = is_loosened ? &ascii_loosened_.origins : nullptr;
     const scl::Scl_text_span<char> loose_text = is_loosened ? padded(ascii_loosened_.text) : text;
 
-    std::uint8_t first = READING_AS_WRITTEN;
-    if (!is_loosened) first |= READING_LOOSENED;
-    if (!is_loosened && !is_parted) first |= READING_PARTED;
-    add_ascii_reading(first, text, nullptr);
-    if (is_loosened) {
-        const auto readings =
-            static_cast<std::uint8_t>(READING_LOOSENED | (is_parted ? 0 : READING_PARTED));
-        add_ascii_reading(readings, loose_text, origins);
-    }
+    add_ascii_reading(readings_as_written(is_loosened, is_parted), text, nullptr);
+    if (is_loosened) add_ascii_reading(readings_as_loosened(is_parted), loose_text, origins);
     if (is_parted) add_ascii_reading(READING_PARTED, padded(ascii_parted_), origins);
 
     if (!wants(Value_kind::number)) return;
@@ -104,6 +105,7 @@ void Chunk_reader::add_ascii_reading(std::uint8_t readings, scl::Scl_text_span<c
     const bool wants_simple = wants(Value_kind::simple);
     const bool wants_lower = wants(Value_kind::lower);
     if (!wants_simple && !wants_lower) return;
+    // Words end at the same bytes in small letters, so that both forms share one walk.
     ascii_lower_.resize(text.size() + 2 * scl::SCL_BLOCK_BYTES);
     scl::scl_lower_ascii(text, ascii_lower_.data());
     each_token(text, [&](std::size_t begin, std::size_t end) {
@@ -115,6 +117,7 @@ void Chunk_reader::add_ascii_reading(std::uint8_t readings, scl::Scl_text_span<c
     });
 }
 
+// Numbers are looked for in words alone, never in what they share with marks.
 void Chunk_reader::add_ascii_numbers(scl::Scl_text_span<char> text,
                                      const std::vector<std::uint32_t>* origins) {
     ascii_lower_.resize(text.size() + 2 * scl::SCL_BLOCK_BYTES);
@@ -138,6 +141,7 @@ void Chunk_reader::add_ascii_numbers(scl::Scl_text_span<char> text,
             add_value(word, value_of(ascii_lower_.data(), begin, end));
         }
         word.has_digit = digits > 0;
+        // A long word without a digit is text, and would make every text one stretch.
         word.is_group =
             letters + digits == end - begin && (word.has_digit || letters <= MOST_GROUP_LETTERS);
         if (!word.is_group) return;

@@ -12,8 +12,8 @@
 
 namespace tla {
 
-// Works out a chunk's words. ASCII stays bytes; other text becomes UTF-16. Both give the same, held
-// together by Scan.FindsWhatAModelFinds.
+// Works out a chunk's words. ASCII stays bytes; other text becomes UTF-16. Both give the same,
+// which Scan.FindsWhatAModelFinds tests.
 class Chunk_reader {
 public:
     // For the kinds of values that are looked for.
@@ -45,6 +45,7 @@ private:
     void format(Value_kind kind, std::u16string_view text);
     void append_formatted(Value_kind kind, std::u16string_view text, std::size_t offset);
     void add_wide_numbers(std::u16string_view text, const std::vector<std::uint32_t>* origins);
+    void add_wide_written_numbers();
     [[nodiscard]] Chunk_span wide_span(std::size_t begin, std::size_t end,
                                        const std::vector<std::uint32_t>* origins) const;
 

@@ -18,6 +18,7 @@ namespace tla {
 
 namespace {
 
+// The same walk as over bytes.
 template <typename Take>
 void each_token(std::u16string_view text, Take take) {
     each_token(scl::scl_span_of(text), take);
@@ -29,6 +30,7 @@ const Formatter_type_id& type_of(Value_kind kind) {
                                        : Tla_ccnum_formatter::TYPE_ID;
 }
 
+// A byte that is no UTF-8 became one unit of its own, and leads back to one byte.
 std::size_t utf8_size(char32_t c) {
     const bool is_byte = c >= 0xDC80 && c <= 0xDCFF;
     return c < 0x80 || is_byte ? 1 : c < 0x800 ? 2 : c < 0x10000 ? 3 : 4;
@@ -36,6 +38,7 @@ std::size_t utf8_size(char32_t c) {
 
 } // namespace
 
+// Units of UTF-16, and for each the byte that it comes from.
 void Chunk_reader::widen(std::string_view chunk) {
     scl::scl_stow(chunk, wide_);
     byte_offsets_.clear();
@@ -72,20 +75,17 @@ void Chunk_reader::read_wide(std::string_view chunk) {
     const bool is_parted = part(wide_parted_);
     const auto* const origins = is_loosened ? &wide_loosened_.origins : nullptr;
 
-    std::uint8_t first = READING_AS_WRITTEN;
-    if (!is_loosened) first |= READING_LOOSENED;
-    if (!is_loosened && !is_parted) first |= READING_PARTED;
-    add_wide_reading(first, wide_, nullptr);
-    if (is_loosened) {
-        const auto readings =
-            static_cast<std::uint8_t>(READING_LOOSENED | (is_parted ? 0 : READING_PARTED));
-        add_wide_reading(readings, loose, origins);
-    }
+    add_wide_reading(readings_as_written(is_loosened, is_parted), wide_, nullptr);
+    if (is_loosened) add_wide_reading(readings_as_loosened(is_parted), loose, origins);
     if (is_parted) add_wide_reading(READING_PARTED, wide_parted_, origins);
 
     if (!wants(Value_kind::number)) return;
     add_wide_numbers(loose, origins);
-    if (!is_loosened) return;
+    if (is_loosened) add_wide_written_numbers();
+}
+
+// A number is looked for in words as written, too: what is loosened may have cut it.
+void Chunk_reader::add_wide_written_numbers() {
     const Tla_ccnum_formatter formatter;
     each_token(wide_, [&](std::size_t begin, std::size_t end) {
         formatter.format(std::u16string_view(wide_).substr(begin, end - begin), number_form_,
@@ -96,6 +96,7 @@ void Chunk_reader::read_wide(std::string_view chunk) {
     });
 }
 
+// Both forms, so that those of one reading have one index.
 void Chunk_reader::add_wide_reading(std::uint8_t readings, std::u16string_view text,
                                     const std::vector<std::uint32_t>* origins) {
     for (const Value_kind kind : {Value_kind::simple, Value_kind::lower}) {
@@ -147,6 +148,8 @@ void Chunk_reader::format(Value_kind kind, std::u16string_view text) {
     unit_offsets_.push_back(static_cast<std::uint32_t>(text.size()));
 }
 
+// Each unit of the form leads to the one that it was made of; marks that were put together lead to
+// the first of them.
 void Chunk_reader::append_formatted(Value_kind kind, std::u16string_view text, std::size_t offset) {
     const Tla_formatted_text form(text, type_of(kind));
     for (std::size_t at = 0; at < form.text().size(); ++at) {
@@ -190,6 +193,7 @@ void classify(Number_word& word, std::u16string_view text) {
 
 } // namespace
 
+// A group may have digits of any script, as a table may.
 void Chunk_reader::add_wide_numbers(std::u16string_view text,
                                     const std::vector<std::uint32_t>* origins) {
     const Tla_ccnum_formatter formatter;

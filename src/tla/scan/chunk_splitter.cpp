@@ -3,6 +3,10 @@
 #include <array>
 #include <cstdint>
 
+// Where a text may be cut is decided by its bytes alone, with no look at what was before: so it is
+// the same wherever the pieces end in which a text comes. Too few places cost memory, one too many
+// would cost a find: whatever is in doubt is no place. Tested by Scan.MakesNothingOfPieces and,
+// with windows of one byte, by Scan.FindsWhatAModelFinds.
 namespace tla {
 
 namespace {
@@ -19,6 +23,7 @@ constexpr auto make_classes() {
 }
 constexpr auto CLASSES = make_classes();
 
+// Plain char is signed on some processors.
 std::uint8_t byte_at(std::string_view text, std::size_t at) {
     return static_cast<std::uint8_t>(text[at]);
 }
@@ -67,6 +72,7 @@ bool is_hard_place(std::string_view text, std::size_t at) {
 // Longer chunks are cut where it costs a look at each byte.
 constexpr std::size_t LONG_CHUNK = std::size_t{16} << 10;
 
+// White space beyond ASCII belongs to chunks: it is seldom.
 std::size_t skip_space(std::string_view text, std::size_t at) {
     while (at < text.size() && class_at(text, at) == space) {
         ++at;
@@ -84,6 +90,7 @@ std::size_t first_of_chunk(std::string_view text, std::size_t at) {
 
 } // namespace
 
+// Goes through white space that something joins, so that the chunk holds both.
 Chunk_cut next_chunk(std::string_view text, std::size_t at) {
     const std::size_t begin = first_of_chunk(text, at);
     Chunk_cut cut{begin, begin, begin, true};
@@ -109,6 +116,8 @@ Chunk_cut next_chunk(std::string_view text, std::size_t at) {
     return cut;
 }
 
+// The last line end if there is one, as most texts have; then white space, then a hard mark. Each
+// looks from the end backwards, and what was looked at before is not looked at again.
 std::size_t last_cut(std::string_view text, std::size_t known) {
     const std::size_t line_end = text.substr(known).rfind('\n');
     if (line_end != text.npos) return known + line_end + 1;

@@ -18,9 +18,10 @@ Data_set_records::Data_set_records(std::span<const std::byte> section, std::uint
     survey(is_key, status);
 }
 
-// The one place that checks bounds: all other code steps through the same bytes again.
+// The one offset that checks bounds: all other code steps through the same bytes again.
 void Data_set_records::survey(const std::vector<bool>& is_key, scl::Scl_status& status) {
     std::size_t at = 0;
+    // Compared by what is left, which cannot overflow.
     const auto fits = [&](std::size_t bytes) { return section_.size() - at >= bytes; };
     for (std::uint64_t record = 0; record < count_; ++record) {
         std::uint64_t values_here = 0;
@@ -29,13 +30,14 @@ void Data_set_records::survey(const std::vector<bool>& is_key, scl::Scl_status& 
             if (!fits(TLA_COUNT_BYTES) || !fits(tla_field_size(&section_[at]))) {
                 return status.push(scl::SCL_STATUS_END_OF_DATA);
             }
+            // A value counts for the tables only if it can occur.
             const std::size_t size = tla_field_size(&section_[at]);
             const std::uint64_t values = size / TLA_TOKEN_VALUE_BYTES;
             at += size;
             if (kinds_[field] == Value_kind::none || values == 0) continue;
             std::uint64_t& largest = totals_.largest[static_cast<std::size_t>(kinds_[field])];
             largest = std::max(largest, values);
-            totals_.sequences += values;
+            totals_.sequences += std::min<std::uint64_t>(values, Scan_hashes::SHORT_LENGTH + 1);
             ++values_here;
             keys_here += is_key[field] ? 1 : 0;
         }
@@ -46,6 +48,16 @@ void Data_set_records::survey(const std::vector<bool>& is_key, scl::Scl_status& 
         totals_.pairs += keys_here * (values_here - (keys_here == 0 ? 0 : 1));
     }
     size_ = at;
+}
+
+std::uint64_t hash_of_long_values(const Scan_hashes& hashes, Value_kind kind,
+                                  std::span<const std::byte> values) {
+    const std::size_t count = values.size() / TLA_TOKEN_VALUE_BYTES;
+    std::uint64_t sum = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        sum = hashes.rolled(sum, tla_value_at(values, i));
+    }
+    return hashes.of_long(kind, sum, count);
 }
 
 } // namespace tla

@@ -3,6 +3,7 @@
 #include "records/values/record_layout.hpp"
 #include "tla/scan/scan_hashes.hpp"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -16,14 +17,14 @@ namespace tla {
 
 // What there is of the values of a data set, for tables of the right size.
 struct Value_totals {
-    std::uint64_t sequences = 0;          // values, and beginnings of values
+    std::uint64_t sequences = 0;          // values, and their short beginnings
     std::uint64_t values = 0;             // fields with a value
     std::uint64_t key_values = 0;         // key fields with one
     std::uint64_t pairs = 0;              // a key's value beside another field's
     std::uint64_t largest[VALUE_KINDS]{}; // token values of the longest value of each kind
 };
 
-// The records of a data set file in memory, checked to lie in it. A record's place counts in bytes
+// The records of a data set file in memory, checked to lie in it. A record's offset counts in bytes
 // from the first record on.
 class Data_set_records {
 public:
@@ -41,15 +42,17 @@ public:
 
     // A number for each record, below number_limit(), that no other record has: a record is at
     // least as long as its counts.
-    [[nodiscard]] std::uint64_t number_of(std::uint64_t place) const { return place / least_size_; }
+    [[nodiscard]] std::uint64_t number_of(std::uint64_t offset) const {
+        return offset / least_size_;
+    }
     [[nodiscard]] std::uint64_t number_limit() const { return size_ / least_size_ + 1; }
 
     // Shows the values of each field to `take(field, values)`, where they lie in the record; gives
-    // the place of the next record.
+    // the offset of the next record.
     template <typename Take>
-    std::uint64_t each_field(std::uint64_t place, Take take) const;
+    std::uint64_t each_field(std::uint64_t offset, Take take) const;
 
-    // Shows each record's place to `take`, which gives that of the next.
+    // Shows each record's offset to `take`, which gives that of the next.
     template <typename Take>
     void each_record(Take take) const;
 
@@ -65,8 +68,8 @@ private:
 };
 
 template <typename Take>
-std::uint64_t Data_set_records::each_field(std::uint64_t place, Take take) const {
-    const std::byte* at = section_.data() + place;
+std::uint64_t Data_set_records::each_field(std::uint64_t offset, Take take) const {
+    const std::byte* at = section_.data() + offset;
     for (std::size_t field = 0; field < kinds_.size(); ++field) {
         const std::size_t size = tla_field_size(at);
         take(field, std::span(at + TLA_COUNT_BYTES, size - TLA_COUNT_BYTES));
@@ -77,22 +80,32 @@ std::uint64_t Data_set_records::each_field(std::uint64_t place, Take take) const
 
 template <typename Take>
 void Data_set_records::each_record(Take take) const {
-    std::uint64_t place = 0;
+    std::uint64_t offset = 0;
     for (std::uint64_t left = count_; left > 0; --left) {
-        place = take(place);
+        offset = take(offset);
     }
 }
 
-// The hash of a field's values; take_beginning(hash) is shown that of each proper beginning.
+// Of more than Scan_hashes::SHORT_LENGTH values; seldom asked for.
+[[nodiscard]] std::uint64_t hash_of_long_values(const Scan_hashes& hashes, Value_kind kind,
+                                                std::span<const std::byte> values);
+
+// The hash of a field's values; take_beginning(hash) is shown that of each proper beginning of up
+// to Scan_hashes::SHORT_LENGTH values.
 template <typename Take>
 [[nodiscard]] std::uint64_t hash_of_values(const Scan_hashes& hashes, Value_kind kind,
                                            std::span<const std::byte> values, Take take_beginning) {
+    const std::size_t count = values.size() / TLA_TOKEN_VALUE_BYTES;
+    const bool is_long = count > Scan_hashes::SHORT_LENGTH;
+    const std::size_t followed = is_long ? Scan_hashes::SHORT_LENGTH : count;
     std::uint64_t hash = hashes.extended(hashes.start(kind), tla_value_at(values, 0));
-    for (std::size_t i = 1; i < values.size() / TLA_TOKEN_VALUE_BYTES; ++i) {
+    for (std::size_t i = 1; i < followed; ++i) {
         take_beginning(hash);
         hash = hashes.extended(hash, tla_value_at(values, i));
     }
-    return hash;
+    if (!is_long) return hash;
+    take_beginning(hash);
+    return hash_of_long_values(hashes, kind, values);
 }
 [[nodiscard]] inline std::uint64_t hash_of_values(const Scan_hashes& hashes, Value_kind kind,
                                                   std::span<const std::byte> values) {

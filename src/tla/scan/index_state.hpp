@@ -18,7 +18,7 @@ namespace tla {
 // once.
 class Index_state {
 public:
-    std::unique_ptr<const scl::Scl_buffer> held; // null where a caller holds the bytes
+    std::unique_ptr<const scl::Scl_buffer> contents; // null where the bytes are a caller's
     std::span<const std::byte> file;
     Tla_data_set_header header;
     std::vector<Field_descriptor> fields;
@@ -34,21 +34,21 @@ public:
     // Of all records; made when first asked for, by whichever thread comes first.
     [[nodiscard]] const Scan_tables& tables() const;
     // Null when they are not made yet.
-    [[nodiscard]] const Scan_tables* tables_at_hand() const {
-        return tables_at_hand_.load(std::memory_order_acquire);
+    [[nodiscard]] const Scan_tables* ready_tables() const {
+        return ready_tables_.load(std::memory_order_acquire);
     }
 
     // Whether one more short text should do without them.
     [[nodiscard]] bool does_without_tables() const {
         constexpr unsigned FEW_TEXTS = 2;
-        return tables_at_hand() == nullptr &&
+        return ready_tables() == nullptr &&
                short_texts_.fetch_add(1, std::memory_order_relaxed) < FEW_TEXTS;
     }
 
 private:
     mutable std::once_flag tables_flag_;
     mutable std::unique_ptr<const Scan_tables> tables_;
-    mutable std::atomic<const Scan_tables*> tables_at_hand_ = nullptr;
+    mutable std::atomic<const Scan_tables*> ready_tables_ = nullptr;
     mutable std::atomic<unsigned> short_texts_ = 0;
 };
 

@@ -9,18 +9,22 @@
 #include <algorithm>
 #include <optional>
 
+// A file says how many keys it has, but not how long each table is. Tested by
+// Scan.FindsEqualRecordsAndAllKeys, and on files that were cut by Scan.RefusesFilesThatAreCut.
 namespace tla {
 
 namespace {
 
 using Fields = std::span<const Field_descriptor>;
 
+// The first of that name.
 std::optional<std::size_t> field_of(Fields fields, std::u16string_view name) {
     const auto field = std::ranges::find(fields, name, &Field_descriptor::name);
     if (field == fields.end()) return {};
     return static_cast<std::size_t>(field - fields.begin());
 }
 
+// A key that is named twice is no second one. There are few, so each is compared.
 void add_once(std::vector<std::size_t>& fields, std::size_t field) {
     if (std::ranges::find(fields, field) == fields.end()) fields.push_back(field);
 }
@@ -58,6 +62,8 @@ public:
     }
 
 private:
+    // What follows a table is the name of the next, which as a number may lie in the records by
+    // chance; that a record begins there as well, hardly.
     [[nodiscard]] bool is_record(std::uint64_t offset) {
         if (offset < header_.data_start || offset >= header_.key_table_offset) return false;
         if (begins_.empty()) mark_records();

@@ -14,7 +14,7 @@ public:
         byte_ = byte;
         line_ = 1;
     }
-    // What of the text is at hand, and where it stands in the text. Places and the one asked for
+    // What of the text is in memory, and where it begins in the text. Places and the one asked for
     // last must lie in it.
     void look_at(std::string_view text, std::uint64_t begin) {
         text_ = text;

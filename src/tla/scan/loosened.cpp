@@ -7,6 +7,9 @@
 #include <algorithm>
 #include <cstddef>
 
+// The order of the steps is part of the rules: apostrophes are made one before a genitive is looked
+// for, and marks become blanks before it is seen what stands behind one. Tested by
+// Scan.FindsWhatAModelFinds, whose model goes by code points and by the database's own categories.
 namespace tla {
 
 namespace {
@@ -44,6 +47,7 @@ char32_t plain_form(char32_t c) {
     }
 }
 
+// 0 at the front, which is of no category.
 template <typename Unit>
 char32_t previous(const std::basic_string<Unit>& text, std::size_t at) {
     if (at == 0) return 0;
@@ -64,6 +68,7 @@ char32_t next(const std::basic_string<Unit>& text, std::size_t at) {
     }
 }
 
+// What people put between words without a blank.
 bool is_joiner(char32_t c) {
     return c == U'.' || c == U',' || c == U':' || c == U';';
 }
@@ -101,6 +106,7 @@ bool blank_joiners(std::basic_string<Unit>& text) {
     return changes;
 }
 
+// Of a word that goes on behind, as in "l'son", it is none.
 template <typename Unit>
 bool is_genitive(const std::basic_string<Unit>& text, std::size_t at) {
     if (text[at] != static_cast<Unit>(APOSTROPHE) || at + 1 >= text.size()) return false;
@@ -135,6 +141,7 @@ bool remove_genitives(Reading<Unit>& reading) {
     return true;
 }
 
+// One after the other: each sees what the one before has left.
 template <typename Unit>
 bool loosen_units(std::basic_string_view<Unit> text, Reading<Unit>& to) {
     bool changes = take_plain_forms(text, to);
@@ -143,6 +150,7 @@ bool loosen_units(std::basic_string_view<Unit> text, Reading<Unit>& to) {
     return changes;
 }
 
+// No apostrophe is a letter, so that blanks do not change what others stand between.
 template <typename Unit>
 bool part_units(std::basic_string<Unit>& text) {
     bool changes = false;

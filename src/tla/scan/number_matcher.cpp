@@ -4,10 +4,14 @@
 
 #include <algorithm>
 
+// Most words of a text are groups or nothing, and belong to no number. So groups are only
+// collected, and their values worked out when one with a digit comes: every stretch begins or ends
+// with one. Tested by Scan.FindsWhatAModelFinds and Scan.KeepsTheBoundsOfNumbers.
 namespace tla {
 
 namespace {
 
+// These bounds are rules, told in docs/scanning.md.
 // What joins two groups.
 constexpr std::uint64_t MOST_GAP_CHARACTERS = 8;
 constexpr std::uint64_t MOST_GAP_LINE_ENDS = 1;
@@ -32,6 +36,7 @@ void Number_matcher::clear_groups() {
     has_digits_ = false;
 }
 
+// Groups count: the text of a stretch is quoted from its first one.
 std::optional<Text_place> Number_matcher::oldest() const {
     std::optional<Text_place> oldest;
     if (!groups_.empty()) oldest = groups_.front().first;
@@ -48,12 +53,14 @@ void Number_matcher::break_off() {
     ++number_;
 }
 
+// Only blanks and hyphens may stand between the items of a value.
 void Number_matcher::pass_gap(std::uint32_t characters, std::uint32_t line_ends, bool is_clean) {
     if (!is_clean) break_off();
     gap_characters_ += characters;
     gap_line_ends_ += line_ends;
 }
 
+// A group that ends no stretch may still begin one.
 void Number_matcher::pass_group(std::string_view letters, Text_place place) {
     Number_word word{};
     word.characters = static_cast<std::uint32_t>(letters.size());
@@ -65,12 +72,14 @@ void Number_matcher::pass_group(std::string_view letters, Text_place place) {
     ++number_;
 }
 
+// Groups too far apart for one stretch begin anew.
 void Number_matcher::add_group(const Number_word& word, std::u16string_view text,
                                Text_place first) {
     const bool joins = gap_characters_ >= 1 && gap_characters_ <= MOST_GAP_CHARACTERS &&
                        gap_line_ends_ <= MOST_GAP_LINE_ENDS;
     if (!joins) clear_groups();
-    groups_.push_back({first, number_, text_.size(), word.characters, word.has_digit});
+    groups_.push_back({first, number_, text_.size(), word.characters, word.has_digit, text_.size(),
+                       0, 0, 0, false, false, 0});
     text_ += text;
     has_digits_ |= word.has_digit;
     drop_groups();
@@ -92,6 +101,7 @@ void Number_matcher::drop_groups() {
     groups_.erase(groups_.begin(), groups_.begin() + static_cast<std::ptrdiff_t>(first));
     for (Group& group : groups_) {
         group.text -= text;
+        group.valued_to -= text;
     }
     has_digits_ = std::ranges::any_of(groups_, &Group::has_digit);
 }
@@ -102,6 +112,8 @@ void Number_matcher::drop_beginnings() {
     std::erase_if(open_, [oldest](const Beginning& b) { return b.last_number + 1 < oldest; });
 }
 
+// Words as written are looked up apart, where the loosened text differs: a value of one token may
+// be found there alone.
 void Number_matcher::read(const Chunk_words& words, const Chunk_place& place,
                           const Scan_tables& tables, const Take& take) {
     place_ = &place;
@@ -117,6 +129,7 @@ void Number_matcher::read(const Chunk_words& words, const Chunk_place& place,
     }
 }
 
+// The same walk without tables, for the values of a short text.
 void Number_matcher::gather(const Chunk_words& words, const Chunk_place& place,
                             const Take_value& take) {
     place_ = &place;
@@ -128,6 +141,7 @@ void Number_matcher::gather(const Chunk_words& words, const Chunk_place& place,
     }
 }
 
+// In the text's order, as what stands between two words decides whether they join.
 void Number_matcher::read_words(const Chunk_words& words) {
     const std::u16string_view text = words.number_text;
     for (const Number_word& word : words.number_words) {
@@ -137,6 +151,7 @@ void Number_matcher::read_words(const Chunk_words& words) {
     pass_gap(words.tail_characters, words.tail_line_ends, words.tail_is_clean);
 }
 
+// The items that end with this word: the word itself in up to three forms, then stretches.
 void Number_matcher::read_word(const Number_word& word, std::u16string_view text) {
     span_ = word.span;
     const Text_place first = place_->first_of(word.span);
@@ -147,7 +162,7 @@ void Number_matcher::read_word(const Number_word& word, std::u16string_view text
     }
     items_.clear();
     for (std::size_t i = 0; i < word.value_count; ++i) {
-        add_item(first, number_, false, word.values[i]);
+        add_item(first, number_, false, word.values[i], word.is_group ? groups_.size() - 1 : NONE);
     }
     if (word.is_group) add_stretches();
     read_items();
@@ -161,45 +176,56 @@ void Number_matcher::read_word(const Number_word& word, std::u16string_view text
 void Number_matcher::add_stretches() {
     std::uint64_t characters = groups_.back().characters;
     for (std::size_t i = groups_.size() - 1; i > 0; --i) {
-        const Group& group = groups_[i - 1];
+        Group& group = groups_[i - 1];
         characters += group.characters;
         if (characters > MOST_CHARACTERS) return;
         if (!group.has_digit && !groups_.back().has_digit) continue;
-        stretch_.assign(text_, group.text);
-        add_stretch(group, stretch_);
+        carry_on(group);
+        add_item(group.first, group.number, true, group.value, i - 1);
+        if (group.has_small) add_item(group.first, group.number, true, group.upper, i - 1);
+        if (group.has_capital) add_item(group.first, group.number, true, group.lower, i - 1);
     }
 }
 
-// As it is, with a to z as capitals, with A to Z as small letters; what does not differ, once.
-void Number_matcher::add_stretch(const Group& group, std::u16string& text) {
-    const auto add = [&] {
-        add_item(group.first, group.number, true, txt::txt_token_value(std::u16string_view(text)));
-    };
-    const auto change = [&text](char16_t first, char16_t last, int by) {
-        bool changes = false;
-        for (char16_t& unit : text) {
-            if (unit < first || unit > last) continue;
-            unit = static_cast<char16_t>(unit + by);
-            changes = true;
+// To the last group. Up to 64 stretches end with each word, and most of each was in one that ended
+// with the word before: so each character is taken into each value once.
+void Number_matcher::carry_on(Group& group) {
+    const std::u16string_view more = std::u16string_view(text_).substr(group.valued_to);
+    group.valued_to = text_.size();
+    const auto is_small = [](char16_t unit) { return unit >= u'a' && unit <= u'z'; };
+    const auto is_capital = [](char16_t unit) { return unit >= u'A' && unit <= u'Z'; };
+    if (!group.has_small && std::ranges::any_of(more, is_small)) {
+        group.has_small = true;
+        group.upper = group.value;
+    }
+    if (!group.has_capital && std::ranges::any_of(more, is_capital)) {
+        group.has_capital = true;
+        group.lower = group.value;
+    }
+    group.value = txt::txt_extended_value(group.value, more);
+    const auto carry_form_on = [&](std::uint64_t value, auto changes, int by) {
+        changed_.assign(more);
+        for (char16_t& unit : changed_) {
+            if (changes(unit)) unit = static_cast<char16_t>(unit + by);
         }
-        return changes;
+        return txt::txt_extended_value(value, changed_);
     };
     constexpr int TO_CAPITAL = 'A' - 'a';
-    add();
-    if (change(u'a', u'z', TO_CAPITAL)) add();
-    // Where all letters were small, this is the stretch as it is once more.
-    if (change(u'A', u'Z', -TO_CAPITAL)) add();
+    if (group.has_small) group.upper = carry_form_on(group.upper, is_small, TO_CAPITAL);
+    if (group.has_capital) group.lower = carry_form_on(group.lower, is_capital, -TO_CAPITAL);
 }
 
 // Has memory bring the filter's answer while others are worked out.
 void Number_matcher::add_item(Text_place first, std::uint64_t first_number, bool is_stretch,
-                              std::uint64_t value) {
+                              std::uint64_t value, std::size_t group) {
     if (take_value_ != nullptr) return (*take_value_)(value);
     const std::uint64_t alone = hashes_.extended(hashes_.start(Value_kind::number), value);
     tables_->prefetch(alone);
-    items_.push_back({first, first_number, is_stretch, value, alone});
+    items_.push_back({first, first_number, is_stretch, value, alone, group});
 }
 
+// Beginnings are in the order of their last words, so that those in front of an item lie together.
+// Items of one word are not extended by one another: `open` is fixed before.
 void Number_matcher::read_items() {
     const std::size_t open = open_.size();
     for (const Item& item : items_) {
@@ -213,6 +239,7 @@ void Number_matcher::read_items() {
     }
 }
 
+// Goes on with a value, ends one, or both, as the filter says.
 void Number_matcher::extend(Beginning beginning, std::uint64_t hash, const Item& item) {
     const Value_filter::Answer found = tables_->ask(hash);
     if (!found.any()) return;
@@ -221,12 +248,20 @@ void Number_matcher::extend(Beginning beginning, std::uint64_t hash, const Item&
     beginning.has_stretch |= item.is_stretch;
     ++beginning.values;
     if (beginning.has_stretch && beginning.values > MOST_VALUES) return;
-    if (beginning.values == 1) beginning.line = place_->line_at(item.first.byte);
+    if (beginning.values == 1) beginning.line = line_of(item);
     if (found.is_value) {
         (*take_)({hash, beginning.first, place_->last_word_of(span_), place_->end_of(span_),
                   beginning.line, Value_kind::number});
     }
     if (found.begins_one && !is_open(beginning)) open_.push_back(beginning);
+}
+
+// Counted once for each group: items that end with many a word begin with it.
+std::uint64_t Number_matcher::line_of(const Item& item) {
+    if (item.group == NONE) return place_->line_at(item.first.byte);
+    std::uint64_t& line = groups_[item.group].line;
+    if (line == 0) line = place_->line_at(item.first.byte);
+    return line;
 }
 
 // Two ways of putting a stretch together may come to the same.

@@ -58,6 +58,16 @@ private:
         std::size_t text;     // where its characters begin in text_
         std::uint32_t characters;
         bool has_digit;
+        // Of the stretch from here to `valued_to` in text_: its token value as it is, with a to z
+        // as capitals, with A to Z as small letters; the last two count once it has such letters.
+        // They are carried on when a stretch is asked for: most groups are words of letters alone.
+        std::size_t valued_to;
+        std::uint64_t value;
+        std::uint64_t upper;
+        std::uint64_t lower;
+        bool has_small;
+        bool has_capital;
+        std::uint64_t line; // of its first character; 0 until it is asked for
     };
     // A beginning of a value, by the number of its last word.
     struct Beginning {
@@ -74,7 +84,10 @@ private:
         bool is_stretch;
         std::uint64_t value;
         std::uint64_t alone; // the hash of the value by itself
+        std::size_t group;   // that it begins with, or NONE
     };
+
+    static constexpr std::size_t NONE = ~std::size_t{0};
 
     [[nodiscard]] bool is_at_rest() const { return groups_.empty() && open_.empty(); }
     void clear_groups();
@@ -86,9 +99,10 @@ private:
     void pass_gap(std::uint32_t characters, std::uint32_t line_ends, bool is_clean);
     void read_word(const Number_word& word, std::u16string_view text);
     void add_stretches();
-    void add_stretch(const Group& group, std::u16string& text);
+    void carry_on(Group& group);
     void add_item(Text_place first, std::uint64_t first_number, bool is_stretch,
-                  std::uint64_t value);
+                  std::uint64_t value, std::size_t group);
+    [[nodiscard]] std::uint64_t line_of(const Item& item);
     void read_items();
     void extend(Beginning beginning, std::uint64_t hash, const Item& item);
     [[nodiscard]] bool is_open(const Beginning& beginning) const;
@@ -101,8 +115,8 @@ private:
     std::uint64_t number_ = 0; // of the next word; numbers of words apart differ by more than one
     std::uint64_t gap_characters_ = 0;
     std::uint64_t gap_line_ends_ = 0;
-    std::vector<Item> items_; // that end with the word at hand
-    std::u16string stretch_;
+    std::vector<Item> items_; // that end with the word that is read
+    std::u16string changed_;
 
     // While a word is read.
     const Chunk_place* place_ = nullptr;

@@ -25,6 +25,15 @@ void each_token(scl::Scl_text_span<Unit> text, Take take) {
     });
 }
 
+// Readings that come to the same are gone through once: those that the text as written stands for.
+[[nodiscard]] constexpr std::uint8_t readings_as_written(bool is_loosened, bool is_parted) {
+    if (is_loosened) return READING_AS_WRITTEN;
+    return READING_AS_WRITTEN | READING_LOOSENED | (is_parted ? 0 : READING_PARTED);
+}
+[[nodiscard]] constexpr std::uint8_t readings_as_loosened(bool is_parted) {
+    return READING_LOOSENED | (is_parted ? 0 : READING_PARTED);
+}
+
 inline void add_value(Number_word& word, std::uint64_t value) {
     for (std::size_t i = 0; i < word.value_count; ++i) {
         if (word.values[i] == value) return;

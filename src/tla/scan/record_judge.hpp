@@ -16,7 +16,7 @@ namespace tla {
 
 // A record that is to be reported at a place of a text.
 struct Found_record {
-    std::uint64_t place; // the record's, among the records
+    std::uint64_t offset; // of the record, in bytes from the first one
     std::size_t key_order;
     std::uint64_t end;  // of the occurrence
     std::uint64_t line; // and what else is to be told of it
@@ -42,28 +42,32 @@ public:
     // The words within reach of an occurrence.
     [[nodiscard]] Word_range reach_of(const Occurrence& occurrence) const;
 
-    // Adds the records to be reported at the occurrence, if no other one stands at the same place.
-    // All occurrences within its reach are in the window.
-    void judge(const Occurrence& key, const Occurrence_window& window,
+    // Adds the records to be reported at the occurrence of that number, if no other one stands at
+    // the same place. All occurrences within its reach are in the window.
+    void judge(std::uint64_t number, const Occurrence_window& window,
                std::vector<Found_record>& found);
-    void mark_reported(std::uint64_t place) { reported_.add(index_.records->number_of(place)); }
-    [[nodiscard]] bool is_reported(std::uint64_t place) const {
-        return reported_.holds(index_.records->number_of(place));
+    void mark_reported(std::uint64_t offset) { reported_.add(index_.records->number_of(offset)); }
+    [[nodiscard]] bool is_reported(std::uint64_t offset) const {
+        return reported_.holds(index_.records->number_of(offset));
     }
 
 private:
-    [[nodiscard]] bool is_told(Value_kind kind) const;
     void choose_kinds();
     void judge_all(const Occurrence& key, const Occurrence_window& window,
                    std::vector<Found_record>& found);
-    void judge_pairs(const Occurrence& key, const Record_table& pairs,
+    void judge_pairs(const Occurrence_window::Entry& key, const Record_table& pairs,
                      const Occurrence_window& window, std::vector<Found_record>& found);
+    void judge_beside(const Occurrence& key, const Occurrence& other, const Record_table& pairs,
+                      const Occurrence_window& window, std::vector<Found_record>& found);
     [[nodiscard]] bool judge_pair(std::uint64_t pair, const Occurrence& key,
                                   const Record_table& pairs, const Occurrence_window& window,
                                   std::vector<Found_record>& found);
-    [[nodiscard]] std::uint64_t first_unchecked(const Occurrence& key,
-                                                const Occurrence_window& window);
-    bool judge_record(std::uint64_t place, const Occurrence& key, const Occurrence_window& window,
+    struct Numbers { // in a window; begin may be behind end
+        std::uint64_t begin;
+        std::uint64_t end;
+    };
+    [[nodiscard]] Numbers unchecked(const Occurrence& key, const Occurrence_window& window);
+    bool judge_record(std::uint64_t offset, const Occurrence& key, const Occurrence_window& window,
                       std::vector<Found_record>& found);
 
     const Index_state& index_;
@@ -80,7 +84,7 @@ private:
     // window was gone through.
     std::unordered_set<std::uint64_t> done_;
     std::unordered_map<std::uint64_t, std::uint64_t> checked_;
-    std::vector<std::size_t> fields_; // of the record at hand
+    std::vector<std::size_t> fields_; // of the record that is judged
 };
 
 } // namespace tla

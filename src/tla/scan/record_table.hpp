@@ -11,7 +11,7 @@
 
 namespace tla {
 
-// From a hash to records: a bucket for some hashes each, in it the records' places and eight bits
+// From a hash to records: a bucket for some hashes each, in it the records' offsets and eight bits
 // of each one's hash, all buckets back to back. It is filled in two passes over the same hashes:
 // each is counted, then, in any order, each is put in. So nothing is moved or linked, and a hash
 // that millions of records share takes no more than any other.
@@ -23,7 +23,7 @@ public:
         [[nodiscard]] std::uint64_t size() const { return end - begin; }
     };
 
-    // For about so many entries, of places below `limit`.
+    // For about so many entries, of offsets below `limit`.
     Record_table(std::uint64_t entries, std::uint64_t limit);
 
     // How many bytes a table of so many entries takes.
@@ -33,11 +33,11 @@ public:
     // All are counted. Shows each bucket's size to `take(bucket, size)`.
     template <typename Take>
     void lay_out(Take take);
-    void put(std::uint64_t hash, std::uint64_t place) {
+    void put(std::uint64_t hash, std::uint64_t offset) {
         std::byte* const entry = entry_at(ends_[bucket_of(hash)]++);
         entry[0] = tag_of(hash);
-        std::array<std::byte, sizeof place> bytes{};
-        scl::scl_store_le(bytes.data(), place);
+        std::array<std::byte, sizeof offset> bytes{};
+        scl::scl_store_le(bytes.data(), offset);
         std::copy_n(bytes.begin(), width_, entry + 1);
     }
     void prefetch(std::uint64_t hash) const { __builtin_prefetch(&ends_[bucket_of(hash)], 1); }
@@ -57,7 +57,7 @@ public:
     [[nodiscard]] bool may_be(std::uint64_t entry, std::uint64_t hash) const {
         return *entry_at(entry) == tag_of(hash);
     }
-    [[nodiscard]] std::uint64_t place(std::uint64_t entry) const {
+    [[nodiscard]] std::uint64_t offset(std::uint64_t entry) const {
         std::array<std::byte, sizeof(std::uint64_t)> bytes{};
         std::copy_n(entry_at(entry) + 1, width_, bytes.begin());
         return scl::scl_load_le<std::uint64_t>(bytes.data());
@@ -78,9 +78,9 @@ private:
     [[nodiscard]] static std::size_t width_of(std::uint64_t limit);
 
     Large_array<std::uint64_t> ends_; // of the buckets; while it is filled, where the next one goes
-    std::size_t width_;               // bytes of a place
+    std::size_t width_;               // bytes of an offset
     Large_array<std::byte>
-        entries_; // of each eight bits of its hash, then its place, little-endian
+        entries_; // of each eight bits of its hash, then its offset, little-endian
 };
 
 template <typename Take>

@@ -4,6 +4,9 @@
 
 #include <algorithm>
 
+// Goes through a text once. Most chunks of a text were seen before and begin nothing; they pass by
+// the cache. What takes time is asked in the order of its cost: cache, filter, tables, records.
+// Tested by Scan.FindsWhatAModelFinds, in windows of one byte and of all.
 namespace tla {
 
 namespace {
@@ -17,11 +20,13 @@ std::size_t short_text_of(const Index_state& index) {
     return index.records->count() < MANY_RECORDS ? 0 : std::size_t{32} << 10;
 }
 
+// The key is a field as well, so that 0 and 1 mean the same.
 std::size_t least_of(const Index_state& index, const Tla_scan_options& options) {
     const auto usual = std::min<std::size_t>(index.fields.size(), 2);
     return std::max<std::size_t>(options.least.value_or(usual), 1);
 }
 
+// Forms of which the data set has no value are not made.
 std::array<bool, VALUE_KINDS> kinds_of(const Index_state& index) {
     std::array<bool, VALUE_KINDS> kinds{};
     for (std::size_t kind = 0; kind < VALUE_KINDS; ++kind) {
@@ -95,14 +100,15 @@ void Tla_text_scan::Engine::make_small_tables() {
     buffer_.resize(buffer_.size() - PADDING);
     gathered_ = nullptr;
     start_reading();
-    const auto places = records_with(values, *index_.records, index_.key_order, least_);
-    if (!places) return use(index_.tables());
+    const auto offsets = records_with(values, *index_.records, index_.key_order, least_);
+    if (!offsets) return use(index_.tables());
     small_tables_ = std::make_unique<const Scan_tables>(
-        *index_.records, index_.key_order, index_.hashes, index_.room_for_pairs(), *places);
+        *index_.records, index_.key_order, index_.hashes, index_.room_for_pairs(), *offsets);
     cached_of_ = nullptr;
     use(*small_tables_);
 }
 
+// Windows are small enough for the processor's cache, whatever the caller's pieces are.
 bool Tla_text_scan::Engine::feed(std::span<const std::byte> bytes) {
     while (!bytes.empty() && !is_over_) {
         const auto piece = bytes.first(std::min(bytes.size(), window_bytes_));
@@ -116,6 +122,7 @@ bool Tla_text_scan::Engine::feed(std::span<const std::byte> bytes) {
     return !is_over_;
 }
 
+// `is_over_` is set while something may throw: a text that failed takes no more.
 bool Tla_text_scan::Engine::finish() {
     if (!is_over_) {
         is_over_ = true;
@@ -128,15 +135,19 @@ bool Tla_text_scan::Engine::finish() {
     return ended_well;
 }
 
+// A short text waits for its end: its own values then say which records are worth a table.
+void Tla_text_scan::Engine::choose_tables(bool is_end) {
+    if (tables_ != nullptr) return;
+    if (is_end && buffer_.size() <= short_text_) {
+        make_small_tables();
+    } else {
+        use(index_.tables());
+    }
+}
+
 // Where an exception leaves, the text is over.
 void Tla_text_scan::Engine::scan_buffer(bool is_end) try {
-    if (tables_ == nullptr) {
-        if (is_end && buffer_.size() <= short_text_) {
-            make_small_tables();
-        } else {
-            use(index_.tables());
-        }
-    }
+    choose_tables(is_end);
     const std::size_t size = buffer_.size();
     const std::size_t end = is_end ? size : last_cut(buffer_, std::max(uncut_, scanned_));
     if (end > scanned_) {
@@ -145,14 +156,7 @@ void Tla_text_scan::Engine::scan_buffer(bool is_end) try {
         buffer_.resize(size);
         if (is_over_) return;
     }
-    if (is_end) {
-        for (Sequence_matcher& matcher : sequences_) {
-            matcher.start();
-        }
-        numbers_.start();
-        static_cast<void>(settle_first_keys(~std::uint64_t{0}));
-        return;
-    }
+    if (is_end) return end_text();
     // A cut may need two characters to be seen.
     constexpr std::size_t LONGEST_CUT = 6;
     uncut_ = size > LONGEST_CUT ? size - LONGEST_CUT : 0;
@@ -161,6 +165,15 @@ void Tla_text_scan::Engine::scan_buffer(bool is_end) try {
 } catch (...) {
     is_over_ = true;
     throw;
+}
+
+// Nothing goes on any more, so that all keys that wait have all that is within their reach.
+void Tla_text_scan::Engine::end_text() {
+    for (Sequence_matcher& matcher : sequences_) {
+        matcher.start();
+    }
+    numbers_.start();
+    static_cast<void>(settle_first_keys(~std::uint64_t{0}));
 }
 
 // What still belongs to something that may go on stays.
@@ -177,6 +190,7 @@ void Tla_text_scan::Engine::drop_text() {
     uncut_ -= std::min(uncut_, size);
 }
 
+// Keys are settled between chunks, when nothing of a chunk is half done.
 void Tla_text_scan::Engine::scan_text(std::string_view text) {
     lines_.look_at(text, buffer_at_);
     for (std::size_t at = scanned_; at < text.size() && !is_over_;) {
@@ -194,6 +208,7 @@ void Tla_text_scan::Engine::scan_text(std::string_view text) {
     scanned_ = text.size();
 }
 
+// Long chunks are not remembered: they hardly come again, and would push out short ones.
 void Tla_text_scan::Engine::scan_chunk(std::string_view chunk, bool is_ascii) {
     if (gathered_ != nullptr) return gather_chunk(reader_.read(chunk, is_ascii));
     const bool is_short = chunk.size() <= Chunk_cache::MOST_BYTES;
@@ -226,6 +241,7 @@ bool Tla_text_scan::Engine::pass_known(std::string_view chunk) {
     return true;
 }
 
+// More words than the entry counts: it is read each time.
 void Tla_text_scan::Engine::learn(Chunk_cache::Entry& entry, std::string_view chunk,
                                   const Chunk_words& words) {
     const bool are_few = words.words.size() <= Chunk_cache::MOST_WORDS;
@@ -233,10 +249,13 @@ void Tla_text_scan::Engine::learn(Chunk_cache::Entry& entry, std::string_view ch
     entry.words = static_cast<std::uint8_t>(are_few ? words.words.size() : 0);
 }
 
+// Or is one.
 bool Tla_text_scan::Engine::begins_value(Value_kind kind, std::uint64_t value) const {
     return tables_->ask(index_.hashes.extended(index_.hashes.start(kind), value)).any();
 }
 
+// Neither a hyphen alone nor what is left out is of no interest where numbers are looked for: it
+// may stand between groups.
 Chunk_interest Tla_text_scan::Engine::interest_of(std::string_view chunk,
                                                   const Chunk_words& words) const {
     for (const Value_kind kind : {Value_kind::simple, Value_kind::lower}) {
@@ -247,25 +266,29 @@ Chunk_interest Tla_text_scan::Engine::interest_of(std::string_view chunk,
             }
         }
     }
-    if (!has_numbers_ || words.number_words.empty()) {
-        // Nothing but hyphens or what is left out: it may stand between groups.
-        return has_numbers_ ? Chunk_interest::some : Chunk_interest::none;
-    }
-    for (const Chunk_token& word : words.written_numbers) {
-        if (begins_value(Value_kind::number, word.value)) return Chunk_interest::some;
-    }
-    for (const Number_word& word : words.number_words) {
-        if (word.has_digit && word.is_group) return Chunk_interest::some;
-        for (std::size_t i = 0; i < word.value_count; ++i) {
-            if (begins_value(Value_kind::number, word.values[i])) return Chunk_interest::some;
-        }
-    }
+    if (!has_numbers_) return Chunk_interest::none;
+    if (words.number_words.empty() || may_begin_number(words)) return Chunk_interest::some;
     if (!words.number_words.back().is_group) return Chunk_interest::none;
     const bool is_group =
         words.number_words.size() == 1 && words.number_words.back().characters == chunk.size();
     return is_group ? Chunk_interest::group : Chunk_interest::some;
 }
 
+// A group with a digit begins stretches, whatever it is by itself.
+bool Tla_text_scan::Engine::may_begin_number(const Chunk_words& words) const {
+    for (const Chunk_token& word : words.written_numbers) {
+        if (begins_value(Value_kind::number, word.value)) return true;
+    }
+    for (const Number_word& word : words.number_words) {
+        if (word.has_digit && word.is_group) return true;
+        for (std::size_t i = 0; i < word.value_count; ++i) {
+            if (begins_value(Value_kind::number, word.values[i])) return true;
+        }
+    }
+    return false;
+}
+
+// Simple, SimpleNC, then numbers; in which order they are found makes no difference.
 void Tla_text_scan::Engine::read_chunk(const Chunk_words& words) {
     const Chunk_place place(place_, words, lines_);
     const auto take_one = [this](const Occurrence& occurrence) { take(occurrence); };
@@ -276,6 +299,7 @@ void Tla_text_scan::Engine::read_chunk(const Chunk_words& words) {
     if (has_numbers_) numbers_.read(words, place, *tables_, take_one);
 }
 
+// Whatever the filter would be asked of, it may be asked of later.
 void Tla_text_scan::Engine::gather_chunk(const Chunk_words& words) {
     for (const auto& readings : words.forms) {
         for (std::size_t i = 0; i < words.reading_count; ++i) {

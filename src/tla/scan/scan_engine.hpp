@@ -38,13 +38,16 @@ private:
     void use(const Scan_tables& tables);
     void make_small_tables();
     void start_reading();
+    void choose_tables(bool is_end);
     void scan_buffer(bool is_end);
+    void end_text();
     void scan_text(std::string_view text);
     void scan_chunk(std::string_view chunk, bool is_ascii);
     [[nodiscard]] bool pass_known(std::string_view chunk);
     void learn(Chunk_cache::Entry& entry, std::string_view chunk, const Chunk_words& words);
     [[nodiscard]] Chunk_interest interest_of(std::string_view chunk,
                                              const Chunk_words& words) const;
+    [[nodiscard]] bool may_begin_number(const Chunk_words& words) const;
     [[nodiscard]] bool begins_value(Value_kind kind, std::uint64_t value) const;
     void read_chunk(const Chunk_words& words);
     void gather_chunk(const Chunk_words& words);

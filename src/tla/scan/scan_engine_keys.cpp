@@ -20,11 +20,12 @@ std::size_t size_of_first(std::string_view text, std::size_t characters) {
 
 } // namespace
 
+// An occurrence is kept for the keys near it even if it is no key itself.
 void Tla_text_scan::Engine::take(const Occurrence& occurrence) {
     if (!within_) return take_first(occurrence);
     const bool is_key = !judge_.is_done(occurrence.hash) && judge_.may_be_key(occurrence);
     if (!is_key && has_one_field_) return;
-    window_.add(occurrence);
+    window_.add(occurrence, place_.word);
     if (is_key) add_key(occurrence);
 }
 
@@ -33,7 +34,7 @@ void Tla_text_scan::Engine::take(const Occurrence& occurrence) {
 void Tla_text_scan::Engine::take_first(const Occurrence& occurrence) {
     const std::uint64_t known = window_.last_of(occurrence.hash);
     if (known == Occurrence_window::NONE) {
-        window_.add(occurrence);
+        window_.add(occurrence, place_.word);
         if (judge_.may_be_key(occurrence)) add_key(occurrence);
         return;
     }
@@ -47,6 +48,7 @@ void Tla_text_scan::Engine::take_first(const Occurrence& occurrence) {
     }
 }
 
+// The text of a key without bound has to be copied: the buffer is gone when it is judged.
 void Tla_text_scan::Engine::add_key(const Occurrence& occurrence) {
     const std::uint64_t number = window_.end() - 1;
     if (!within_) texts_.emplace(number, text_at(occurrence.first.byte, occurrence.end));
@@ -123,7 +125,7 @@ void Tla_text_scan::Engine::judge_batch() {
     for (const Key_place& key : batch_) {
         const Occurrence& occurrence = window_.at(key.number).occurrence;
         const bool is_current = occurrence.first.byte == key.byte && occurrence.end == key.end;
-        if (is_current) judge_.judge(occurrence, window_, found_);
+        if (is_current) judge_.judge(key.number, window_, found_);
     }
     if (!found_.empty()) report(batch_.front().byte);
 }
@@ -132,11 +134,11 @@ void Tla_text_scan::Engine::judge_batch() {
 // occurrence; then by the records.
 void Tla_text_scan::Engine::report(std::uint64_t byte) {
     std::ranges::sort(found_, {}, [](const Found_record& found) {
-        return std::tuple(found.place, found.key_order, found.end);
+        return std::tuple(found.offset, found.key_order, found.end);
     });
     for (const Found_record& found : found_) {
-        if (judge_.is_reported(found.place)) continue;
-        judge_.mark_reported(found.place);
+        if (judge_.is_reported(found.offset)) continue;
+        judge_.mark_reported(found.offset);
         const auto key = std::ranges::find(batch_, found.end, &Key_place::end);
         const std::string_view text =
             within_ ? text_at(byte, found.end) : std::string_view(texts_.at(key->number));
@@ -145,7 +147,7 @@ void Tla_text_scan::Engine::report(std::uint64_t byte) {
             .place = decoder_.bytes_in_front() + byte,
             .length = found.end - byte,
             .key = index_.keys[found.key_order],
-            .record = static_cast<std::int64_t>(index_.header.data_start + found.place),
+            .record = static_cast<std::int64_t>(index_.header.data_start + found.offset),
             .text = text,
             .text_is_whole = text.size() == found.end - byte,
             .fields = found.fields};

@@ -13,6 +13,7 @@ Value_kind value_kind_of(const Formatter_type_id& type) {
     return Value_kind::none;
 }
 
+// Without random numbers there is no scan: with known ones a text could be made that takes hours.
 Scan_hashes Scan_hashes::draw() try {
     std::random_device random;
     const auto next = [&random] { return std::uint64_t{random()} << 32U | random(); };
@@ -24,6 +25,7 @@ Scan_hashes Scan_hashes::draw() try {
     hashes.right_ = next();
     hashes.pair_left_ = next();
     hashes.pair_right_ = next();
+    hashes.base_ = reduced(next());
     return hashes;
 } catch (const std::exception&) {
     throw std::bad_alloc();

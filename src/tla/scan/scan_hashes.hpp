@@ -31,6 +31,28 @@ public:
     [[nodiscard]] std::uint64_t extended(std::uint64_t hash, std::uint64_t value) const {
         return folded(hash ^ left_, value ^ right_);
     }
+
+    // Sequences of more values than this have a hash of another kind, which of any part of a text
+    // comes from two sums over the text. A power of two.
+    static constexpr std::size_t SHORT_LENGTH = 32;
+    // The sum over a sequence, from that over all its values but the last: a polynomial modulo
+    // 2^61 - 1. The values are mixed first, as others can choose ones that are equal modulo that.
+    [[nodiscard]] std::uint64_t rolled(std::uint64_t sum, std::uint64_t value) const {
+        return reduced(reduced_product(sum, base_) + (mixed(value) & MODULUS));
+    }
+    // The sum over what follows `before` up to `all`; `power` is the base's, to the length of it.
+    [[nodiscard]] static std::uint64_t rolled_from(std::uint64_t before, std::uint64_t all,
+                                                   std::uint64_t power) {
+        return reduced(all + MODULUS - reduced_product(before, power));
+    }
+    [[nodiscard]] std::uint64_t next_power(std::uint64_t power) const {
+        return reduced_product(power, base_);
+    }
+    [[nodiscard]] std::uint64_t of_long(Value_kind kind, std::uint64_t sum,
+                                        std::size_t length) const {
+        return extended(extended(start(kind), length), sum);
+    }
+
     // Of two sequences that one record has, in either order.
     [[nodiscard]] std::uint64_t paired(std::uint64_t a, std::uint64_t b) const {
         return a < b ? folded(a ^ pair_left_, b ^ pair_right_)
@@ -48,11 +70,23 @@ private:
         return product.low ^ product.high;
     }
 
+    // Modulo 2^61 - 1, where the upper bits count as much as the lower ones that they are added to.
+    static constexpr std::uint64_t MODULUS = (std::uint64_t{1} << 61U) - 1;
+    [[nodiscard]] static std::uint64_t reduced(std::uint64_t number) {
+        const std::uint64_t sum = (number & MODULUS) + (number >> 61U);
+        return sum >= MODULUS ? sum - MODULUS : sum;
+    }
+    [[nodiscard]] static std::uint64_t reduced_product(std::uint64_t a, std::uint64_t b) {
+        const Wide_product product = wide_product(a, b);
+        return reduced((product.low & MODULUS) + (product.high << 3U | product.low >> 61U));
+    }
+
     std::array<std::uint64_t, VALUE_KINDS> starts_{};
     std::uint64_t left_ = 0;
     std::uint64_t right_ = 0;
     std::uint64_t pair_left_ = 0;
     std::uint64_t pair_right_ = 0;
+    std::uint64_t base_ = 0;
 };
 
 } // namespace tla

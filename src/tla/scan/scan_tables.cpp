@@ -3,13 +3,15 @@
 #include <algorithm>
 #include <array>
 
+// Tables are counted, laid out and filled in passes over the records: what a pass needs, the one
+// before has counted, so nothing grows while it is filled, and memory is known before it is taken.
 namespace tla {
 
 namespace {
 
 // Lets memory bring what an operation will touch while others are done: most of them lead to
-// another place of a large table, and would wait for it each. In two steps, as where an entry goes
-// is known when its bucket is at hand.
+// another offset of a large table, and would wait for it each. In two steps, as where an entry goes
+// is known once its bucket has come from memory.
 template <typename Operation, typename Prepare, typename Run>
 class Delayed {
 public:
@@ -42,7 +44,7 @@ private:
 
 struct Entry {
     std::uint64_t hash;
-    std::uint64_t place;
+    std::uint64_t offset;
 };
 
 } // namespace
@@ -51,39 +53,35 @@ struct Entry {
 class Scan_tables::Maker {
 public:
     Maker(Scan_tables& tables, const Data_set_records& records, const Key_order& key_order,
-          const Scan_hashes& hashes, std::optional<std::span<const std::uint64_t>> places)
+          const Scan_hashes& hashes, std::optional<std::span<const std::uint64_t>> offsets)
         : tables_(tables),
           records_(records),
           key_order_(key_order),
           hashes_(hashes),
-          places_(places) {}
+          offsets_(offsets) {}
 
     void note_values() {
         const auto run = [this](const Noted& noted) { note(noted); };
         const auto nothing = [](const Noted&) {};
         Delayed<Noted, decltype(nothing), decltype(run)> waiting(nothing, run);
-        each_value([&](std::size_t field, std::span<const std::byte> values, std::uint64_t) {
-            const Value_kind kind = records_.kinds()[field];
-            const auto push = [&](std::uint64_t hash, bool is_value) {
-                tables_.values_.prefetch(hash);
-                const bool is_key = is_value && key_order_[field] != NO_KEY;
-                if (is_key) tables_.by_key_.prefetch(hash);
-                waiting.push({hash, kind, is_value, is_key});
-            };
-            push(hash_of_values(hashes_, kind, values,
-                                [&push](std::uint64_t hash) { push(hash, false); }),
-                 true);
+        tables_.has_pairs_.resize(tables_.by_key_.bucket_count());
+        each_offset([&](std::uint64_t offset) {
+            const std::uint64_t next =
+                each_value(offset, [&](std::size_t field, std::span<const std::byte> values) {
+                    note_value(field, values, waiting);
+                });
+            if (next - offset > LONG_RECORD) ask_for_pairs(offset);
+            return next;
         });
         waiting.finish();
+        tables_.long_values_.finish(hashes_);
     }
 
     // Gives how many records have a key value that many share.
     std::uint64_t lay_out_keys() {
         std::uint64_t shared = 0;
-        const bool is_long = records_.kinds().size() > MANY_FIELDS;
-        tables_.has_pairs_.resize(tables_.by_key_.bucket_count());
         tables_.by_key_.lay_out([&](std::size_t bucket, std::uint64_t size) {
-            tables_.has_pairs_[bucket] = is_long || size > FEW_RECORDS;
+            if (size > FEW_RECORDS) tables_.has_pairs_[bucket] = true;
             if (tables_.has_pairs_[bucket]) shared += size;
         });
         return shared;
@@ -94,23 +92,23 @@ public:
     [[nodiscard]] bool put_keys(std::uint64_t most_bytes) {
         Record_table& keys = tables_.by_key_;
         const auto prepare = [&keys](const Entry& e) { keys.prefetch_entry(e.hash); };
-        const auto put = [&keys](const Entry& e) { keys.put(e.hash, e.place); };
+        const auto put = [&keys](const Entry& e) { keys.put(e.hash, e.offset); };
         Delayed<Entry, decltype(prepare), decltype(put)> entries(prepare, put);
         const auto nothing = [](const Entry&) {};
         const auto count = [this](const Entry& e) { tables_.by_pair_->count(e.hash); };
         Delayed<Entry, decltype(nothing), decltype(count)> pairs(nothing, count);
         std::uint64_t pair_count = 0;
-        each_place([&](std::uint64_t place) {
-            gather(place);
+        each_offset([&](std::uint64_t offset) {
+            gather(offset);
             for (const Field_value& value : values_) {
                 for (std::uint32_t times = value.key_times; times > 0; --times) {
                     keys.prefetch(value.hash);
-                    entries.push({value.hash, place});
+                    entries.push({value.hash, offset});
                 }
             }
             each_pair([&](std::uint64_t hash) {
                 tables_.by_pair_->prefetch(hash);
-                pairs.push({hash, place});
+                pairs.push({hash, offset});
                 ++pair_count;
             });
             return next_;
@@ -119,17 +117,18 @@ public:
         pairs.finish();
         return Record_table::bytes_of(pair_count, records_.size()) <= most_bytes;
     }
+    // The same pairs in the same order as they were counted in.
     void put_pairs() {
         Record_table& pairs = *tables_.by_pair_;
         pairs.lay_out([](std::size_t, std::uint64_t) {});
         const auto prepare = [&pairs](const Entry& e) { pairs.prefetch_entry(e.hash); };
-        const auto put = [&pairs](const Entry& e) { pairs.put(e.hash, e.place); };
+        const auto put = [&pairs](const Entry& e) { pairs.put(e.hash, e.offset); };
         Delayed<Entry, decltype(prepare), decltype(put)> entries(prepare, put);
-        each_place([&](std::uint64_t place) {
-            gather(place);
+        each_offset([&](std::uint64_t offset) {
+            gather(offset);
             each_pair([&](std::uint64_t hash) {
                 pairs.prefetch(hash);
-                entries.push({hash, place});
+                entries.push({hash, offset});
             });
             return next_;
         });
@@ -144,6 +143,33 @@ private:
         bool is_key;
     };
 
+    // Which sequences there are; each is written down when its offset has come from memory.
+    template <typename Waiting>
+    void note_value(std::size_t field, std::span<const std::byte> values, Waiting& waiting) {
+        const Value_kind kind = records_.kinds()[field];
+        const auto push = [&](std::uint64_t hash, bool is_value) {
+            tables_.values_.prefetch(hash);
+            const bool is_key = is_value && key_order_[field] != NO_KEY;
+            if (is_key) tables_.by_key_.prefetch(hash);
+            waiting.push({hash, kind, is_value, is_key});
+        };
+        push(hash_of_values(hashes_, kind, values,
+                            [&push](std::uint64_t hash) { push(hash, false); }),
+             true);
+        if (values.size() / TLA_TOKEN_VALUE_BYTES > Scan_hashes::SHORT_LENGTH) {
+            tables_.long_values_.add(hashes_, kind, values);
+        }
+    }
+
+    void ask_for_pairs(std::uint64_t offset) {
+        static_cast<void>(
+            each_value(offset, [this](std::size_t field, std::span<const std::byte> values) {
+                if (key_order_[field] == NO_KEY) return;
+                const std::uint64_t hash = hash_of_values(hashes_, records_.kinds()[field], values);
+                tables_.has_pairs_[tables_.by_key_.bucket_of(hash)] = true;
+            }));
+    }
+
     void note(const Noted& noted) {
         if (!noted.is_value) return tables_.values_.add_beginning(noted.hash);
         if (!tables_.values_.ask(noted.hash).is_value) {
@@ -154,23 +180,21 @@ private:
     }
 
     template <typename Take>
-    void each_place(Take take) {
-        if (!places_) return records_.each_record(take);
-        for (const std::uint64_t place : *places_) {
-            static_cast<void>(take(place));
+    void each_offset(Take take) {
+        if (!offsets_) return records_.each_record(take);
+        for (const std::uint64_t offset : *offsets_) {
+            static_cast<void>(take(offset));
         }
     }
 
     // Fields without token values never occur, nor do those of a type that nobody knows.
     template <typename Take>
-    void each_value(Take take) {
-        each_place([&](std::uint64_t place) {
-            return records_.each_field(
-                place, [&](std::size_t field, std::span<const std::byte> values) {
-                    if (values.empty() || records_.kinds()[field] == Value_kind::none) return;
-                    take(field, values, place);
-                });
-        });
+    std::uint64_t each_value(std::uint64_t offset, Take take) {
+        return records_.each_field(
+            offset, [&](std::size_t field, std::span<const std::byte> values) {
+                if (values.empty() || records_.kinds()[field] == Value_kind::none) return;
+                take(field, values);
+            });
     }
 
     // Of the record that was gathered: the hash of each pair.
@@ -185,7 +209,8 @@ private:
         }
     }
 
-    // A value of the record at hand, each once: it may have the same in a hundred thousand fields.
+    // A value of the record that was gathered, each once: it may have the same in a hundred
+    // thousand fields.
     struct Field_value {
         std::uint64_t hash;
         std::uint32_t times;     // that the record has it
@@ -199,20 +224,16 @@ private:
         return !other.is_shared_key || key.hash < other.hash;
     }
 
-    void gather(std::uint64_t place) {
+    void gather(std::uint64_t offset) {
         values_.clear();
         has_shared_key_ = false;
-        next_ =
-            records_.each_field(place, [&](std::size_t field, std::span<const std::byte> values) {
-                const Value_kind kind = records_.kinds()[field];
-                if (values.empty() || kind == Value_kind::none) return;
-                const std::uint64_t hash = hash_of_values(hashes_, kind, values);
-                const bool is_key = key_order_[field] != NO_KEY;
-                const bool is_shared =
-                    is_key && tables_.has_pairs_[tables_.by_key_.bucket_of(hash)];
-                has_shared_key_ |= is_shared;
-                values_.push_back({hash, 1, is_key ? 1U : 0U, is_shared});
-            });
+        next_ = each_value(offset, [&](std::size_t field, std::span<const std::byte> values) {
+            const std::uint64_t hash = hash_of_values(hashes_, records_.kinds()[field], values);
+            const bool is_key = key_order_[field] != NO_KEY;
+            const bool is_shared = is_key && tables_.has_pairs_[tables_.by_key_.bucket_of(hash)];
+            has_shared_key_ |= is_shared;
+            values_.push_back({hash, 1, is_key ? 1U : 0U, is_shared});
+        });
         if (has_shared_key_) merge_values();
     }
 
@@ -242,7 +263,7 @@ private:
     const Data_set_records& records_;
     const Key_order& key_order_;
     const Scan_hashes& hashes_;
-    std::optional<std::span<const std::uint64_t>> places_;
+    std::optional<std::span<const std::uint64_t>> offsets_;
     std::vector<Field_value> values_;
     bool has_shared_key_ = false;
     std::uint64_t next_ = 0;
@@ -250,10 +271,10 @@ private:
 
 Scan_tables::Scan_tables(const Data_set_records& records, const Key_order& key_order,
                          const Scan_hashes& hashes, std::uint64_t most_bytes,
-                         std::optional<std::span<const std::uint64_t>> places)
-    : values_(places ? places->size() * SEQUENCES_A_PLACE : records.totals().sequences),
-      by_key_(places ? places->size() : records.totals().key_values, records.size()) {
-    Maker maker(*this, records, key_order, hashes, places);
+                         std::optional<std::span<const std::uint64_t>> offsets)
+    : values_(offsets ? offsets->size() * SEQUENCES_A_RECORD : records.totals().sequences),
+      by_key_(offsets ? offsets->size() : records.totals().key_values, records.size()) {
+    Maker maker(*this, records, key_order, hashes, offsets);
     maker.note_values();
     const std::uint64_t shared = maker.lay_out_keys();
     const Value_totals& totals = records.totals();

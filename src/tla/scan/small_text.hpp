@@ -20,14 +20,14 @@ class Value_set {
 public:
     explicit Value_set(const Scan_hashes& hashes) : hashes_(hashes), bits_(BITS) {}
 
-    void add(std::uint64_t value) { bits_[place_of(value)] = true; }
-    [[nodiscard]] bool may_hold(std::uint64_t value) const { return bits_[place_of(value)]; }
+    void add(std::uint64_t value) { bits_[bit_of(value)] = true; }
+    [[nodiscard]] bool may_hold(std::uint64_t value) const { return bits_[bit_of(value)]; }
 
 private:
     static constexpr unsigned LOG_BITS = 17; // 16 KiB: half of a first-level cache
     static constexpr std::size_t BITS = std::size_t{1} << LOG_BITS;
 
-    [[nodiscard]] std::size_t place_of(std::uint64_t value) const {
+    [[nodiscard]] std::size_t bit_of(std::uint64_t value) const {
         return static_cast<std::size_t>(hashes_.mixed(value) >> (64U - LOG_BITS));
     }
 
@@ -35,7 +35,7 @@ private:
     std::vector<bool> bits_;
 };
 
-// The places of the records of which a key and enough fields in all have token values of the set
+// The offsets of the records of which a key and enough fields in all have token values of the set
 // alone. None when they are more than tables of their own would pay for.
 [[nodiscard]] std::optional<std::vector<std::uint64_t>>
 records_with(const Value_set& values, const Data_set_records& records, const Key_order& key_order,

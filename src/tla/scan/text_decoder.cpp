@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <utility>
 
+// The first bytes decide on the encoding, so they are kept until there are enough, however small
+// the pieces are that they come in. Tested by Scan.ReadsUtf16BehindItsMark and Scan.DropsOneMark.
 namespace tla {
 
 namespace {
@@ -42,6 +44,8 @@ void Text_decoder::decode(std::span<const std::byte> bytes, std::string& to) {
     if (!bytes.empty()) pass(bytes, to);
 }
 
+// A mark of UTF-8 counts for the places that are told, as it is in the file; one that a converter
+// wrote is not.
 void Text_decoder::settle(std::span<const std::byte> front, std::string& to) {
     encoding_ = Encoding::utf8;
     if (!is_converted_ && begins_with(front, UTF16_LE_MARK)) {
@@ -57,6 +61,7 @@ void Text_decoder::settle(std::span<const std::byte> front, std::string& to) {
     pass(front, to);
 }
 
+// Bytes that are no UTF-8 go on as they are: whoever reads them makes characters of their own.
 void Text_decoder::pass(std::span<const std::byte> bytes, std::string& to) {
     if (encoding_ == Encoding::utf8) {
         to.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());

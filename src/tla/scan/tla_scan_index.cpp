@@ -25,6 +25,8 @@ private:
     std::span<const std::byte> bytes_;
 };
 
+// Where the records and the key tables begin is checked here, and what is in them by those who
+// read.
 void read_header(const scl::Scl_buffer& file, std::u16string_view name, Tla_data_set_header& header,
                  scl::Scl_status& status) {
     tla_read_header(file, name, false, header, status);
@@ -57,15 +59,17 @@ std::uint64_t Index_state::room_for_pairs() const {
     return most > others ? most - others : 0;
 }
 
+// Other threads wait for the first. Should it fail, the next one that asks tries again.
 const Scan_tables& Index_state::tables() const {
     std::call_once(tables_flag_, [this] {
         tables_ =
             std::make_unique<const Scan_tables>(*records, key_order, hashes, room_for_pairs());
-        tables_at_hand_.store(tables_.get(), std::memory_order_release);
+        ready_tables_.store(tables_.get(), std::memory_order_release);
     });
     return *tables_;
 }
 
+// The checksum is made while the file is read: so it is read once.
 std::unique_ptr<const Tla_scan_index>
 Tla_scan_index::open(std::u16string_view file_name, std::span<const std::u16string> key_names,
                      scl::Scl_status& status) {
@@ -81,17 +85,18 @@ Tla_scan_index::open(std::u16string_view file_name, std::span<const std::u16stri
     name_file(file_name, status);
     if (status.has_failed()) return nullptr;
     scl::Scl_crc64 crc;
-    auto held = read_into_memory(opened, crc, status);
+    auto contents = read_into_memory(opened, crc, status);
     if (status.has_failed()) return nullptr;
     if (crc.result(false) != header.stored_checksum) {
         status = TLA_STATUS_CHECKSUM;
         return nullptr;
     }
-    auto index = over(held->contents(), file_name, key_names, status);
-    if (index != nullptr) index->state_->held = std::move(held);
+    auto index = over(contents->contents(), file_name, key_names, status);
+    if (index != nullptr) index->state_->contents = std::move(contents);
     return index;
 }
 
+// Whatever the bytes are, a status or an index that can be used.
 std::unique_ptr<const Tla_scan_index>
 Tla_scan_index::over(std::span<const std::byte> file, std::u16string_view file_name,
                      std::span<const std::u16string> key_names, scl::Scl_status& status) {
@@ -111,6 +116,7 @@ Tla_scan_index::over(std::span<const std::byte> file, std::u16string_view file_n
     return std::unique_ptr<const Tla_scan_index>(new Tla_scan_index(std::move(state)));
 }
 
+// Hashes are drawn for each index, so that two never have their collisions in common.
 void Index_state::take_records(scl::Scl_status& status) {
     std::vector<Value_kind> kinds;
     for (const Field_descriptor& field : fields) {

@@ -24,14 +24,14 @@ public:
     explicit Value_filter(std::uint64_t sequences)
         : words_(static_cast<std::size_t>(words_for(sequences)), true) {}
 
-    void add_value(std::uint64_t hash) { words_[place_of(hash)] |= value_bits(hash); }
-    void add_beginning(std::uint64_t hash) { words_[place_of(hash)] |= beginning_bits(hash); }
+    void add_value(std::uint64_t hash) { words_[word_of(hash)] |= value_bits(hash); }
+    void add_beginning(std::uint64_t hash) { words_[word_of(hash)] |= beginning_bits(hash); }
 
     [[nodiscard]] Answer ask(std::uint64_t hash) const {
-        const std::uint64_t word = words_[place_of(hash)];
+        const std::uint64_t word = words_[word_of(hash)];
         return {(~word & value_bits(hash)) == 0, (~word & beginning_bits(hash)) == 0};
     }
-    void prefetch(std::uint64_t hash) const { __builtin_prefetch(&words_[place_of(hash)], 1); }
+    void prefetch(std::uint64_t hash) const { __builtin_prefetch(&words_[word_of(hash)], 1); }
 
 private:
     // A byte a sequence; where that is little, up to eight.
@@ -41,7 +41,7 @@ private:
     }
 
     // By the upper bits of the hash; the bits in the word by lower ones.
-    [[nodiscard]] std::size_t place_of(std::uint64_t hash) const {
+    [[nodiscard]] std::size_t word_of(std::uint64_t hash) const {
         return static_cast<std::size_t>(index_of_hash(hash, words_.size()));
     }
     [[nodiscard]] static std::uint64_t three_bits(std::uint64_t from) {
