@@ -126,11 +126,11 @@ TEST(Scan, FindsLongValues) {
         const std::string text = part(0, words.size());
         const Scan_model model(reader, keys, text);
         const auto index = index_of(file);
-        for (const std::size_t least : {1, 2}) {
-            for (const std::size_t within : {0, 40}) {
+        for (const std::size_t least : {std::size_t{1}, std::size_t{2}}) {
+            for (const std::size_t within : {std::size_t{0}, std::size_t{40}}) {
                 const Finds expected = model.finds(least, within);
                 found += expected.size();
-                for (const std::size_t window : {1, 1000}) {
+                for (const std::size_t window : {std::size_t{1}, std::size_t{1000}}) {
                     ASSERT_EQ(finds_in(*index, text,
                                        {.least = least,
                                         .within = within,
@@ -218,6 +218,7 @@ TEST(Scan, SharesAnIndexAmongThreads) {
     const auto index = index_of(file);
     std::array<bool, 4> are_right{};
     std::vector<std::jthread> threads;
+    threads.reserve(are_right.size());
     for (bool& is_right : are_right) {
         threads.emplace_back([&] {
             is_right = true;

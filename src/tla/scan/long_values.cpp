@@ -27,8 +27,7 @@ void Long_values::add(const Scan_hashes& hashes, Value_kind kind,
 void Long_values::finish(const Scan_hashes& hashes) {
     if (steps_.empty()) return;
     std::ranges::sort(steps_);
-    const auto repeated = std::ranges::unique(steps_);
-    steps_.erase(repeated.begin(), repeated.end());
+    steps_.erase(std::unique(steps_.begin(), steps_.end()), steps_.end());
     steps_.shrink_to_fit();
     powers_.assign(longest_ + 1, 1);
     for (std::size_t length = 1; length <= longest_; ++length) {
@@ -37,8 +36,9 @@ void Long_values::finish(const Scan_hashes& hashes) {
 }
 
 std::span<const Long_values::Step> Long_values::steps_from(std::uint64_t checkpoint) const {
-    const auto range = std::ranges::equal_range(steps_, checkpoint, {}, &Step::from);
-    return {range.begin(), range.end()};
+    const auto begin = std::ranges::lower_bound(steps_, checkpoint, {}, &Step::from);
+    const auto end = std::ranges::upper_bound(begin, steps_.end(), checkpoint, {}, &Step::from);
+    return {begin, end};
 }
 
 } // namespace tla

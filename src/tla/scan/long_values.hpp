@@ -21,6 +21,7 @@ public:
     struct Step {
         std::uint64_t from; // a hash, see Scan_hashes::of_long()
         std::uint32_t length;
+        // NOLINTNEXTLINE(modernize-use-nullptr): no pointer
         auto operator<=>(const Step&) const = default;
     };
 

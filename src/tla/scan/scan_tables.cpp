@@ -243,17 +243,17 @@ private:
         const bool are_few = values_.size() <= FEW;
         if (!are_few) std::ranges::sort(values_, {}, &Field_value::hash);
         std::size_t kept = 0;
-        for (std::size_t i = 0; i < values_.size(); ++i) {
+        for (const Field_value value : values_) {
             std::size_t same = kept == 0 || are_few ? 0 : kept - 1;
-            while (same < kept && values_[same].hash != values_[i].hash) {
+            while (same < kept && values_[same].hash != value.hash) {
                 ++same;
             }
             if (same == kept) {
-                values_[kept++] = values_[i];
+                values_[kept++] = value;
             } else {
-                values_[same].times += values_[i].times;
-                values_[same].key_times += values_[i].key_times;
-                values_[same].is_shared_key |= values_[i].is_shared_key;
+                values_[same].times += value.times;
+                values_[same].key_times += value.key_times;
+                values_[same].is_shared_key |= value.is_shared_key;
             }
         }
         values_.resize(kept);

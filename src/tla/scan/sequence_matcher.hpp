@@ -110,8 +110,7 @@ template <typename Take>
 void Sequence_matcher::extend_all(const Chunk_token& token, const Chunk_place& place,
                                   const Scan_tables& tables, Take& take) {
     std::size_t kept = 0;
-    for (std::size_t i = 0; i < current_.size(); ++i) {
-        Beginning beginning = current_[i];
+    for (Beginning beginning : current_) {
         beginning.hash = hashes_.extended(beginning.hash, token.value);
         ++beginning.length;
         const Value_filter::Answer answer = tables.ask(beginning.hash);
