@@ -91,6 +91,8 @@ void Converter::convert_waiting(std::string& to) {
         const int error = result == static_cast<std::size_t>(-1) ? errno : 0;
         to.resize(to.size() - room);
         if (to.size() > before) kept_.clear();
+        // EILSEQ: bytes that are no character. EINVAL: half a character at the end, which waits.
+        // E2BIG: the room is full.
         const bool is_bad = error == EILSEQ && left != 0;
         for (std::size_t byte = is_bad ? std::min(unit_, left) : 0; byte > 0; --byte, --left) {
             keep_byte(*in++, to);

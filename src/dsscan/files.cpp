@@ -35,6 +35,7 @@ int open_flags(File_bytes::Kind kind) {
 }
 
 int open_file(const std::string& name, File_bytes::Kind kind) {
+    // A file of that name in a folder is a file.
     const bool is_input = name == "-" && kind == File_bytes::Kind::any;
     const int file = is_input ? ::fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
                               : ::open(name.c_str(), open_flags(kind));
@@ -102,6 +103,7 @@ std::vector<Name> names_in(const std::string& folder_name) {
     for (;;) {
         errno = 0;
         const dirent* const entry = ::readdir(folder.get());
+        // The end, or a fault: errno tells which.
         if (entry == nullptr) break;
         const std::string_view name = &entry->d_name[0];
         if (name == "." || name == "..") continue;

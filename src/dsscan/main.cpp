@@ -45,6 +45,7 @@ std::unique_ptr<const tla::Tla_scan_index> open_index(const Options& options) {
     scl::scl_stow(options.data_set, name);
     scl::Scl_status status;
     auto index = tla::Tla_scan_index::open(name, options.keys, status);
+    // Opened once more without the keys, to name the fields that there are.
     if (status == tla::TLA_STATUS_KEY_NAME) {
         status.clear();
         index = tla::Tla_scan_index::open(name, {}, status);

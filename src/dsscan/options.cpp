@@ -124,6 +124,7 @@ void take_option(Options& options, int letter) {
 std::optional<Options> parse_options(int argument_count, char** arguments) {
     Options options;
     for (;;) {
+        // Options and texts may stand in any order, as people expect of programs on this system.
         const int letter =
             getopt_long(argument_count, arguments, "m:w:k:clqh", LONG_OPTIONS.data(), nullptr);
         if (letter == -1) break;

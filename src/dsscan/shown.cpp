@@ -52,6 +52,7 @@ std::string shown(std::string_view text, std::size_t most, bool is_whole) {
             return false;
         }
         const bool is_space = scl::scl_is_white_space(c);
+        // A stretch of white space is one blank, so that a quotation stays on its line.
         if (is_space) {
             if (!after_space) line += ' ';
         } else if (is_control(c) || scl::scl_is_surrogate(c)) {
@@ -95,6 +96,7 @@ std::string json_string(std::string_view text) {
     each_character(text, [&json](char32_t c, std::string_view bytes) {
         if (c < 0x20) {
             append_control(json, static_cast<char>(c));
+            // JSON is UTF-8: a byte of its own has no form in it.
         } else if (scl::scl_is_surrogate(c)) {
             json += REPLACEMENT;
         } else {

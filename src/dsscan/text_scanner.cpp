@@ -54,6 +54,7 @@ bool Text_scanner::scan_text(const std::string& name, File_bytes::Kind kind) {
         is_faultless = true;
     } catch (const Text_fault& fault) {
         tell(name, fault.what());
+        // The next text may be smaller: memory that ran out ends this text alone.
     } catch (const std::bad_alloc&) {
         tell(name, "There is not enough memory.");
     }
@@ -76,6 +77,7 @@ void Text_scanner::read_through(Text_bytes& bytes) {
         converter_->finish(converted_);
         if (!feed_converted()) return;
     }
+    // Only a text that was read to its end tells whether its program ended well.
     if (scan_.finish()) bytes.finish();
 }
 

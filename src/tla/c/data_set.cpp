@@ -76,6 +76,7 @@ dsmake_data_set* dsmake_open(const char* path, unsigned flags) {
             set->connector = open->connector().share();
             set->open = std::move(open);
         });
+        // A handle is returned even then, as it has the message.
         if (!is_open) set->open.reset();
         return set.release();
     } catch (...) {

@@ -30,6 +30,7 @@ int64_t dsmake_first_record(dsmake_data_set* set) {
 int64_t dsmake_next_record(dsmake_data_set* set) {
     std::int64_t offset = 0;
     const bool done = guarded(set, [&](scl::Scl_status& status) {
+        // What the last record showed is gone, also when the next one cannot be read.
         set->record.reset();
         if (set->records_left == 0) return;
         const std::uint32_t left = set->records_left - 1;

@@ -76,6 +76,7 @@ int done(dsmake_scan* scan, const Step& step) noexcept {
         if (!scan->listener) throw Caller_fault(DSMAKE_BAD_ARGUMENT, "no text was begun");
         goes_on = step(*scan->scan);
     });
+    // The text is over: feeding goes on only after the next start.
     if (!is_good) scan->listener.reset();
     return is_good ? static_cast<int>(goes_on) : -1;
 }
@@ -87,6 +88,8 @@ dsmake_scan* dsmake_scan_open(const dsmake_data_set* set, uint64_t least, uint64
     if (set == nullptr) return nullptr;
     try {
         auto scan = std::make_unique<dsmake_scan>(set->report.path());
+        // Shared: the data set stays open as long as a scan uses it, whoever closes its handle
+        // first.
         scan->open = set->open;
         if (scan->open == nullptr) {
             scan->report.copy(set->report);

@@ -53,6 +53,7 @@ std::string_view without_marks(std::string_view line, std::string& room) {
 bool tokenise_line(dsmake_tokeniser& tokeniser, std::string_view line) {
     line = without_marks(line, tokeniser.line);
     const auto fields = static_cast<std::size_t>(std::ranges::count(line, SEPARATOR)) + 1;
+    // Counted before anything is worked out: a build refuses such a line as well.
     if (fields != tokeniser.types.size()) return false;
     tokeniser.numbers.clear();
     for (const tla::Formatter_type_id& type : tokeniser.types) {

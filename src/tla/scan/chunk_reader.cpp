@@ -78,6 +78,7 @@ void Chunk_reader::read_ascii(std::string_view chunk) {
     each_token(text, [this](std::size_t begin, std::size_t end) {
         words_.words.push_back(ascii_span(begin, end, nullptr));
     });
+    // Most chunks are the same in all three readings, and then are walked once.
     const bool is_loosened = loosen(chunk, ascii_loosened_);
     const std::string_view loose = is_loosened ? std::string_view(ascii_loosened_.text) : chunk;
     ascii_parted_.assign(loose);
@@ -93,6 +94,8 @@ void Chunk_reader::read_ascii(std::string_view chunk) {
     add_ascii_numbers(loose_text, origins);
     if (!is_loosened) return;
     for (const Chunk_span& word : words_.words) {
+        // Where loosening changed the chunk, a number may be whole only as written: "1.5" is two
+        // words in the loosened text.
         words_.written_numbers.push_back({value_of(text.begin, word.begin, word.end), word});
     }
 }

@@ -125,6 +125,8 @@ void Chunk_reader::add_wide_form(Value_kind kind, std::uint8_t readings, std::u1
 void Chunk_reader::format(Value_kind kind, std::u16string_view text) {
     formatted_.clear();
     unit_offsets_.clear();
+    // Plain text is in its normal form, and only letter case can change it. Offsets then are what
+    // they were, unless lower-casing made a unit more.
     if (scl::scl_is_plain(text)) {
         formatted_.assign(text);
         if (kind == Value_kind::lower) scl::scl_lower_normalized(formatted_);

@@ -42,6 +42,7 @@ void Data_set_records::survey(const std::vector<bool>& is_key, scl::Scl_status& 
             keys_here += is_key[field] ? 1 : 0;
         }
         if (!fits(TLA_RECORD_END_BYTES)) return status.push(scl::SCL_STATUS_END_OF_DATA);
+        // Only this byte tells that the counts in front of it were right.
         if (section_[at++] != std::byte{TLA_RECORD_END}) return status.push(TLA_STATUS_RECORD_END);
         totals_.values += values_here;
         totals_.key_values += keys_here;

@@ -55,6 +55,8 @@ public:
             if (file_.size() - at_ < TLA_INDEX_PAIR_BYTES) return;
             const auto hash = scl::scl_load_le<std::uint64_t>(&file_[at_]);
             const auto offset = scl::scl_load_le<std::uint64_t>(&file_[at_ + sizeof hash]);
+            // What follows the last pair is a name: as a number it hardly goes on in order and
+            // leads to a record.
             if (hash < last_hash || !is_record(offset)) return;
             last_hash = hash;
             at_ += TLA_INDEX_PAIR_BYTES;
@@ -120,6 +122,7 @@ std::vector<std::size_t> fields_of_key_tables(const Tla_data_set_header& header,
         }
         const auto field = field_of(fields, *name);
         if (!field) {
+            // A table of a field that the file has not: what was taken for a name is none.
             status.push(TLA_STATUS_NO_DATA_SET);
             return {};
         }

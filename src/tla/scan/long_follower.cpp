@@ -31,6 +31,8 @@ std::span<const Long_follower::Found> Long_follower::take(std::uint64_t value,
     found_.clear();
     if (!open_.empty()) {
         std::uint64_t& due = due_[static_cast<std::size_t>(tokens_) & (due_.size() - 1)];
+        // Beginnings wait in a ring by the token at which their next step is due, so that a token
+        // costs only those that are due with it.
         std::uint64_t number = due;
         due = NONE;
         while (number != NONE) {
@@ -46,6 +48,7 @@ std::span<const Long_follower::Found> Long_follower::take(std::uint64_t value,
 void Long_follower::begin(Text_place first, std::uint64_t line, const Long_values& values) {
     const std::uint64_t token = tokens_ - Scan_hashes::SHORT_LENGTH;
     const auto steps = values.steps_from(hash_from(token, values));
+    // No value of the data set goes on from these tokens.
     if (steps.empty()) return;
     if (due_.empty()) due_.assign(std::bit_ceil(values.longest() + 1), NONE);
     open_.push_back({token, first, line, steps, NONE});

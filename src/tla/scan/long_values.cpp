@@ -15,6 +15,8 @@ void Long_values::add(const Scan_hashes& hashes, Value_kind kind,
     std::size_t checkpoint = Scan_hashes::SHORT_LENGTH;
     std::uint64_t sum = 0;
     for (std::size_t i = 0; i < count; ++i) {
+        // Checkpoints at 32, 64, 128 and so on: a value has few, and a text that leaves it is found
+        // out before it has gone twice as far.
         if (i == checkpoint) {
             checkpoint *= 2;
             const auto length = static_cast<std::uint32_t>(std::min(checkpoint, count));
@@ -26,6 +28,7 @@ void Long_values::add(const Scan_hashes& hashes, Value_kind kind,
 
 void Long_values::finish(const Scan_hashes& hashes) {
     if (steps_.empty()) return;
+    // Values with a common front share its steps.
     std::ranges::sort(steps_);
     steps_.erase(std::unique(steps_.begin(), steps_.end()), steps_.end());
     steps_.shrink_to_fit();

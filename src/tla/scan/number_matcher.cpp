@@ -121,6 +121,8 @@ void Number_matcher::read(const Chunk_words& words, const Chunk_place& place,
     take_ = &take;
     read_words(words);
     for (const Chunk_token& word : words.written_numbers) {
+        // Such a word can only be a value of one token: what stands around it was looked at in the
+        // loosened text.
         const std::uint64_t hash = hashes_.extended(hashes_.start(Value_kind::number), word.value);
         if (!tables.ask(hash).is_value) continue;
         const Text_place first = place.first_of(word.span);
@@ -227,6 +229,7 @@ void Number_matcher::add_item(Text_place first, std::uint64_t first_number, bool
 // Beginnings are in the order of their last words, so that those in front of an item lie together.
 // Items of one word are not extended by one another: `open` is fixed before.
 void Number_matcher::read_items() {
+    // Fixed, since items of one word do not follow one another.
     const std::size_t open = open_.size();
     for (const Item& item : items_) {
         const auto before = std::ranges::lower_bound(
@@ -247,6 +250,8 @@ void Number_matcher::extend(Beginning beginning, std::uint64_t hash, const Item&
     beginning.last_number = number_;
     beginning.has_stretch |= item.is_stretch;
     ++beginning.values;
+    // A rule, and the reason for it: with stretches, a value of many tokens could be put together
+    // in more ways than can be tried.
     if (beginning.has_stretch && beginning.values > MOST_VALUES) return;
     if (beginning.values == 1) beginning.line = line_of(item);
     if (found.is_value) {

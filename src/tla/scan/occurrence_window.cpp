@@ -65,6 +65,8 @@ void Occurrence_window::make_room() {
     }
 }
 
+// Invariant: a slot leads to the last occurrence of its hash, and `previous` from each to the one
+// before, down to the first that is still in the queue.
 void Occurrence_window::add(const Occurrence& occurrence, std::uint64_t least) {
     if ((used_ + 1) * 2 > slots_.size()) make_room();
     Slot& slot = slots_[slot_of(occurrence.hash)];
@@ -73,6 +75,7 @@ void Occurrence_window::add(const Occurrence& occurrence, std::uint64_t least) {
     if (is_known) entry.shift = shift_between(at(slot.number).occurrence, occurrence);
     if (!entries_.empty()) {
         const Entry& before = entries_.back();
+        // How far any of those up to here reaches: a search from the back can stop early.
         entry.most = std::max(entry.most, before.most);
         if (before.shift == entry.shift) entry.run = before.run;
     }

@@ -90,6 +90,7 @@ void Record_judge::judge(std::uint64_t number, const Occurrence_window& window,
     const Record_table* const pairs = tables_->by_pair(key.hash);
     const std::uint64_t records = tables_->by_key().entries_of(key.hash).size();
     const std::uint64_t words = window.end() - window.begin();
+    // Looking at a record costs a step for each of its fields, asking for a pair one for each word.
     const bool are_few = records * index_.records->kinds().size() <= words;
     if (pairs == nullptr || (are_few && !within_)) {
         judge_all(key, window, found);
@@ -140,6 +141,8 @@ void Record_judge::judge_pairs(const Occurrence_window::Entry& key, const Record
     const auto [begin, end] = unchecked(key.occurrence, window);
     for (std::uint64_t number = end; number > begin;) {
         const Occurrence_window::Entry& entry = window.at(--number);
+        // Only for N of 2: with more fields, a pair that was asked for may still miss one that is
+        // within reach here.
         if (least_ == 2 && key.shift != 0 && entry.shift == key.shift) {
             number = std::max(entry.run, begin);
             continue;
@@ -185,6 +188,7 @@ bool Record_judge::judge_pair(std::uint64_t pair, const Occurrence& key, const R
 // True when the record has the key's value and enough fields within reach.
 bool Record_judge::judge_record(std::uint64_t offset, const Occurrence& key,
                                 const Occurrence_window& window, std::vector<Found_record>& found) {
+    // Before the record is read: of a frequent value most records were reported long ago.
     if (is_reported(offset)) return true;
     const Word_range reach = reach_of(key);
     std::size_t key_order = NO_KEY;

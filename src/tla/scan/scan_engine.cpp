@@ -37,6 +37,8 @@ std::array<bool, VALUE_KINDS> kinds_of(const Index_state& index) {
 
 } // namespace
 
+// Everything that a text needs is made here once and used for text after text: a folder of a
+// hundred thousand mails takes no more memory than one.
 Tla_text_scan::Engine::Engine(const Index_state& index, const Tla_scan_options& options)
     : index_(index),
       is_converted_(options.is_converted),
@@ -65,6 +67,7 @@ void Tla_text_scan::Engine::start(Tla_scan_listener& listener) {
     window_.clear();
     keys_.clear();
     texts_.clear();
+    // The tables of the last short text go, and with them what the cache knows by them.
     if (cached_of_ == small_tables_.get()) cached_of_ = nullptr;
     small_tables_.reset();
     tables_ = nullptr;
@@ -100,6 +103,8 @@ void Tla_text_scan::Engine::make_small_tables() {
     buffer_.resize(buffer_.size() - PADDING);
     gathered_ = nullptr;
     start_reading();
+    // The records that can be reported at all: those of which the text has a key and enough other
+    // fields, word by word. When they are many, the tables of all records pay.
     const auto offsets = records_with(values, *index_.records, index_.key_order, least_);
     if (!offsets) return use(index_.tables());
     small_tables_ = std::make_unique<const Scan_tables>(
@@ -116,6 +121,7 @@ bool Tla_text_scan::Engine::feed(std::span<const std::byte> bytes) {
         is_over_ = true; // until this is done
         decoder_.decode(piece, buffer_);
         is_over_ = false;
+        // Still short: its tables are chosen when its size is known.
         if (tables_ == nullptr && buffer_.size() <= short_text_) continue;
         if (buffer_.size() - scanned_ >= window_bytes_) scan_buffer(false);
     }
@@ -149,11 +155,13 @@ void Tla_text_scan::Engine::choose_tables(bool is_end) {
 void Tla_text_scan::Engine::scan_buffer(bool is_end) try {
     choose_tables(is_end);
     const std::size_t size = buffer_.size();
+    // Up to a place where no rule can look across, see last_cut().
     const std::size_t end = is_end ? size : last_cut(buffer_, std::max(uncut_, scanned_));
     if (end > scanned_) {
         buffer_.append(PADDING, '\0');
         scan_text(std::string_view(buffer_).substr(0, end));
         buffer_.resize(size);
+        // The listener has had enough.
         if (is_over_) return;
     }
     if (is_end) return end_text();
@@ -181,6 +189,7 @@ void Tla_text_scan::Engine::drop_text() {
     std::uint64_t needed = oldest().byte;
     if (within_ && !keys_.empty()) needed = std::min(needed, keys_.front().byte);
     const auto size = static_cast<std::size_t>(needed - buffer_at_);
+    // Erasing moves what is left, so it waits until half a window can go.
     if (size < window_bytes_ / 2) return;
     lines_.look_at(buffer_, buffer_at_);
     static_cast<void>(lines_.line_at(std::max(needed, place_.byte)));
@@ -195,6 +204,7 @@ void Tla_text_scan::Engine::scan_text(std::string_view text) {
     lines_.look_at(text, buffer_at_);
     for (std::size_t at = scanned_; at < text.size() && !is_over_;) {
         const Chunk_cut cut = next_chunk(text, at);
+        // The gaps between chunks matter to numbers alone: other values go over any white space.
         if (has_numbers_) numbers_.pass_space(text.substr(at, cut.begin - at));
         place_.byte = buffer_at_ + cut.begin;
         if (cut.end > cut.begin) {

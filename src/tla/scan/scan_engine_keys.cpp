@@ -24,6 +24,7 @@ std::size_t size_of_first(std::string_view text, std::size_t characters) {
 void Tla_text_scan::Engine::take(const Occurrence& occurrence) {
     if (!within_) return take_first(occurrence);
     const bool is_key = !judge_.is_done(occurrence.hash) && judge_.may_be_key(occurrence);
+    // With one field a record there is no other field whose occurrence could count.
     if (!is_key && has_one_field_) return;
     window_.add(occurrence, place_.word);
     if (is_key) add_key(occurrence);
@@ -104,6 +105,8 @@ bool Tla_text_scan::Engine::settle_first_keys(std::uint64_t complete_to) {
         const std::uint64_t byte = keys_.front().byte;
         if (byte >= complete_to) return true;
         batch_.clear();
+        // All keys at one place are judged together: which of them a record is reported for depends
+        // on the others.
         bool all_known = true;
         for (; !keys_.empty() && keys_.front().byte == byte; keys_.pop()) {
             batch_.push_back(keys_.front());

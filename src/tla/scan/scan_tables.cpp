@@ -20,6 +20,8 @@ public:
     Delayed& operator=(const Delayed&) = delete;
 
     void push(const Operation& operation) {
+        // An operation runs when DEPTH others have come behind it: about the time that memory
+        // takes.
         if (next_ >= DEPTH) run_(at(next_ - DEPTH));
         if (next_ >= DEPTH / 2) prepare_(at(next_ - DEPTH / 2));
         at(next_++) = operation;
@@ -81,6 +83,8 @@ public:
     std::uint64_t lay_out_keys() {
         std::uint64_t shared = 0;
         tables_.by_key_.lay_out([&](std::size_t bucket, std::uint64_t size) {
+            // By the bucket, not by the value: a bit each instead of a second table. Neighbours in
+            // a bucket get pairs that are never asked for, which costs little.
             if (size > FEW_RECORDS) tables_.has_pairs_[bucket] = true;
             if (tables_.has_pairs_[bucket]) shared += size;
         });
@@ -274,6 +278,8 @@ Scan_tables::Scan_tables(const Data_set_records& records, const Key_order& key_o
                          std::optional<std::span<const std::uint64_t>> offsets)
     : values_(offsets ? offsets->size() * SEQUENCES_A_RECORD : records.totals().sequences),
       by_key_(offsets ? offsets->size() : records.totals().key_values, records.size()) {
+    // Four passes: values and counts; layout; keys, counting pairs; pairs. Each fills what the one
+    // before has counted.
     Maker maker(*this, records, key_order, hashes, offsets);
     maker.note_values();
     const std::uint64_t shared = maker.lay_out_keys();

@@ -20,6 +20,7 @@ bool has_all(const Value_set& set, std::span<const std::byte> values) {
 
 } // namespace
 
+// Looks at words alone, not at their order: the tables made of what is left find that out.
 std::optional<std::vector<std::uint64_t>> records_with(const Value_set& values,
                                                        const Data_set_records& records,
                                                        const Key_order& key_order,

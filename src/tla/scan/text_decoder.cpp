@@ -39,6 +39,7 @@ void Text_decoder::decode(std::span<const std::byte> bytes, std::string& to) {
                     front_.begin() + static_cast<std::ptrdiff_t>(front_size_));
         front_size_ += taken;
         bytes = bytes.subspan(taken);
+        // Three bytes decide: the longest mark.
         if (front_size_ == front_.size()) settle(front_, to);
     }
     if (!bytes.empty()) pass(bytes, to);
@@ -83,6 +84,7 @@ void Text_decoder::decode_units(std::span<const std::byte> bytes, std::string& t
         const auto high = std::to_integer<unsigned>(is_little ? byte : half_);
         units_ += static_cast<char16_t>(high << 8U | low);
     }
+    // A lead surrogate at the end of a piece: its partner may be in the next one.
     const bool waits = !units_.empty() && scl::scl_is_lead(units_.back());
     const std::u16string_view ready =
         std::u16string_view(units_).substr(0, units_.size() - (waits ? 1 : 0));

@@ -53,6 +53,7 @@ void name_file(std::u16string_view name, scl::Scl_status& status) {
 std::uint64_t Index_state::room_for_pairs() const {
     constexpr std::uint64_t ALLOWANCE = std::uint64_t{48} << 20U;
     const Value_totals& totals = records->totals();
+    // What values and keys take, which no scan can do without; pairs get the rest.
     const std::uint64_t others =
         totals.sequences / 8 + Record_table::bytes_of(totals.key_values, records->size());
     const std::uint64_t most = file.size() / 2 + ALLOWANCE;
@@ -87,6 +88,7 @@ Tla_scan_index::open(std::u16string_view file_name, std::span<const std::u16stri
     scl::Scl_crc64 crc;
     auto contents = read_into_memory(opened, crc, status);
     if (status.has_failed()) return nullptr;
+    // Before anything is made of the bytes: a damaged file would be scanned for the wrong records.
     if (crc.result(false) != header.stored_checksum) {
         status = TLA_STATUS_CHECKSUM;
         return nullptr;

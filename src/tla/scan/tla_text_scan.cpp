@@ -5,6 +5,7 @@
 
 namespace tla {
 
+// The engine stands apart, so that the installed header needs none of its parts.
 Tla_text_scan::Tla_text_scan(const Tla_scan_index& index, const Tla_scan_options& options)
     : engine_(std::make_unique<Engine>(Index_access::state_of(index), options)) {}
 
