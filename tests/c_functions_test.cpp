@@ -105,6 +105,8 @@ TEST_F(Dsmake_h, FindsManyAtOnce) {
     ASSERT_EQ(found.size(), 3U);
     EXPECT_EQ(std::vector(found.begin() + 1, found.end()), both);
     EXPECT_EQ(offsets_of(set.get(), dsmake_find_text(set.get(), 1, "41\0", 3)).size(), 0U);
+    EXPECT_EQ(dsmake_find_text(set.get(), 2, "X", 1), -1);
+    EXPECT_EQ(dsmake_code(set.get()), DSMAKE_NO_SUCH_KEY);
 }
 
 TEST_F(Dsmake_h, ReadsRecordsWhileOthersAreLookedUp) {
@@ -206,6 +208,7 @@ TEST_F(Dsmake_h, AFailedOpeningKeepsItsMessage) {
     const std::string message = dsmake_message(none.get());
     EXPECT_EQ(message.rfind("none: 0xC2012515: ", 0), 0U);
     const Set shared(dsmake_share(none.get()));
+    EXPECT_NE(dsmake_message(shared.get()), dsmake_message(none.get())) << "which may be closed";
     for (dsmake_data_set* set : {none.get(), shared.get()}) {
         EXPECT_EQ(dsmake_find(set, "Name", "x"), -1);
         EXPECT_EQ(dsmake_first_record(set), -1);

@@ -74,11 +74,11 @@ TEST_F(Dsscan, SaysWhatThereIsInTheFormatAskedFor) {
 
 // What a text or its name holds cannot break a line, a terminal or a reader of JSON.
 TEST_F(Dsscan, ShowsWhatCannotBePrinted) {
-    place_.write("a \"\\\x01\xFF\n", "Zo\xEB\t K\xC3\xB6hl");
-    expect("-c out a*", 0, "a \\\"\\\\\\x01\\xFF :1\n");
+    place_.write("a \"\\\x01\xC2\x9B\xFF\n", "Zo\xEB\t K\xC3\xB6hl");
+    expect("-c out a*", 0, "a \\\"\\\\\\x01\\xC2\\x9B\\xFF :1\n");
     expect("-k First --json out a*", 0,
            R"({"text":"a \"\\\u0001)"
-           "\xEF\xBF\xBD"
+           "\xC2\x9B\xEF\xBF\xBD"
            R"(\n","line":1,"place":0,"length":3,)"
            R"("key":"First","quote":"Zo)"
            "\xEF\xBF\xBD"
@@ -211,6 +211,8 @@ TEST_F(Dsscan, TellsFaultsOfTheCommandLine) {
 
 TEST_F(Dsscan, TellsFaultsOfTextsAndOfTheOutput) {
     expect("out nothing text", 2, std::string(ANN) + BOB, "nothing: No such file or directory\n");
+    expect("out text nothing 2>&1", 2,
+           std::string(ANN) + BOB + "nothing: No such file or directory\n");
     expect("-c out text - < .", 2, "text:2\n", "-: Is a directory\n");
     expect("out text >/dev/full", 2, "", "standard output: No space left on device\n");
     expect("out text >&-", 2, "", "standard output: Bad file descriptor\n");

@@ -182,6 +182,11 @@ TEST(No_memory_here, IsToldOfByTheCInterface) {
             if (opened) {
                 EXPECT_EQ(test::with_failure_at(number, stays, find), test::End::done);
                 check(found == 14, set);
+            } else {
+                const std::string told = dsmake_message(set);
+                EXPECT_EQ(dsmake_find(set, "City", "York"), -1);
+                EXPECT_EQ(dsmake_message(set), told) << "not that it has no such key";
+                EXPECT_EQ(dsmake_code(set), DSMAKE_NO_MEMORY);
             }
             dsmake_close(set);
             if (!open_failed && !Memory::has_failed) break;
