@@ -1,5 +1,6 @@
 #include "scl/crc/crc64_kernels.hpp"
 #include "scl/crc/scl_crc64.hpp"
+#include "scl/io/scl_buffers.hpp"
 
 #include <gtest/gtest.h>
 
@@ -56,6 +57,12 @@ TEST(Crc64, GoesOnWithTheChecksumOfWhatFollows) {
         all.append(next, bytes.size() - front);
         EXPECT_EQ(all.result(false), slow_register(scl::Scl_crc64::INITIAL, bytes)) << front;
     }
+    scl::Scl_status status;
+    scl::Scl_heap_buffer buffer;
+    buffer.write_at(0, bytes, status);
+    scl::Scl_crc64 of_buffer; // of more than is read at once
+    of_buffer.update(scl::Scl_sub_buffer(buffer, 0, buffer.size(false, status), status), status);
+    EXPECT_EQ(of_buffer.result(false), slow_register(scl::Scl_crc64::INITIAL, bytes));
 }
 
 // Texts of all lengths, at every alignment.

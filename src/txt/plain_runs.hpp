@@ -4,8 +4,6 @@
 
 #include <cstddef>
 
-#pragma GCC visibility push(default) // installed
-
 namespace txt {
 
 // Of the texts that are tried: most names are shorter.
@@ -24,5 +22,3 @@ inline constexpr std::size_t TXT_PLAIN_RUN_BYTES = 32;
                                                 char16_t* to);
 
 } // namespace txt
-
-#pragma GCC visibility pop
