@@ -29,7 +29,7 @@ compile() {
         { cat "$log" >&2; rm -f "$log"; exit 1; }
     rm -f "$log"
     if ! cmake --build "$build" -- -n | grep -q 'no work to do'; then
-        echo 'Compiling dsmake, which takes about a minute the first time.' >&2
+        echo 'Compiling dsmake, which takes a minute or two the first time.' >&2
         cmake --build "$build" >&2
     fi
     mkdir -p "$programs" # one folder for the PATH
@@ -39,7 +39,8 @@ compile() {
 
 # A checkout that is built and cannot be written is used as it is.
 if [ -w "$here" ] || ! is_built; then
-    "$here/tools/setup.sh" g++:g++ cmake:cmake ninja-build:ninja python3:python3
+    # make: the linker optimises with all processors by its help.
+    "$here/tools/setup.sh" g++:g++ cmake:cmake make:make ninja-build:ninja python3:python3
     compile
 fi
 if [ $# -gt 0 ]; then
