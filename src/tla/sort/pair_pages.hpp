@@ -31,7 +31,7 @@ struct Pair_page {
     static constexpr std::size_t PAIRS = 255;
 
     Pair_page* next;
-    std::array<std::byte, sizeof(Index_pair) - sizeof(Pair_page*)> unused; // pointers differ
+    std::array<std::byte, sizeof(Index_pair) - sizeof(void*)> unused; // pointers differ
     std::array<Index_pair, PAIRS> pairs;
 };
 static_assert(sizeof(Pair_page) == 4096);
