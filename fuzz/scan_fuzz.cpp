@@ -2,6 +2,7 @@
 // byte is a choice, the second how many bytes the next piece of the text has; then come either
 // lines of a table, or a file's bytes as they are, up to two zero bytes, and then the text.
 
+#include "../tests/scan_listener.hpp"
 #include "../tests/scan_model.hpp"
 #include "records/input/tla_field_copies.hpp"
 #include "records/input/tla_record_processor.hpp"
@@ -66,23 +67,9 @@ std::string built_of(std::string_view table) {
     return {reinterpret_cast<const char*>(file.contents().data()), file.contents().size()};
 }
 
-class Listener final : public tla::Tla_scan_listener {
-public:
-    bool take(const tla::Tla_scan_find& find) override {
-        finds.push_back({find.line,
-                         find.place,
-                         find.length,
-                         find.key,
-                         static_cast<std::uint64_t>(find.record),
-                         {find.fields.begin(), find.fields.end()}});
-        return true;
-    }
-    Finds finds;
-};
-
 Finds scan(const tla::Tla_scan_index& index, const tla::Tla_scan_options& options,
            std::string_view text, std::size_t piece) {
-    Listener listener;
+    test::Finds_listener listener;
     tla::Tla_text_scan scan(index, options);
     scan.start(listener);
     for (std::size_t at = 0; at < text.size(); at += piece) {

@@ -1,5 +1,6 @@
 #include "data_set_files.hpp"
 #include "scan_cases.hpp"
+#include "scan_listener.hpp"
 #include "scan_model.hpp"
 #include "tla/scan/tla_text_scan.hpp"
 
@@ -24,21 +25,14 @@ namespace {
 using Find = Scan_model::Find;
 using Finds = std::vector<Find>;
 
-class Listener final : public tla::Tla_scan_listener {
+class Listener final : public Finds_listener {
 public:
     explicit Listener(std::string_view text) : text_(text) {}
     bool take(const tla::Tla_scan_find& find) override {
-        finds.push_back({find.line,
-                         find.place,
-                         find.length,
-                         find.key,
-                         static_cast<std::uint64_t>(find.record),
-                         {find.fields.begin(), find.fields.end()}});
         EXPECT_EQ(find.text, text_.substr(find.place, find.length));
         EXPECT_TRUE(find.text_is_whole);
-        return true;
+        return Finds_listener::take(find);
     }
-    Finds finds;
 
 private:
     std::string_view text_;

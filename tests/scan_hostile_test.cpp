@@ -1,6 +1,7 @@
 // Texts and data sets that were made to slow a scan down, to hide names or to upset it.
 
 #include "data_set_files.hpp"
+#include "scan_listener.hpp"
 #include "scan_model.hpp"
 #include "tla/scan/data_set_records.hpp"
 #include "tla/scan/long_follower.hpp"
@@ -21,23 +22,9 @@ namespace {
 
 using Finds = std::vector<Scan_model::Find>;
 
-class Listener final : public tla::Tla_scan_listener {
-public:
-    bool take(const tla::Tla_scan_find& find) override {
-        finds.push_back({find.line,
-                         find.place,
-                         find.length,
-                         find.key,
-                         static_cast<std::uint64_t>(find.record),
-                         {find.fields.begin(), find.fields.end()}});
-        return true;
-    }
-    Finds finds;
-};
-
 Finds finds_in(const tla::Tla_scan_index& index, std::string_view text,
                const tla::Tla_scan_options& options = {}) {
-    Listener listener;
+    Finds_listener listener;
     tla::Tla_text_scan scan(index, options);
     scan.start(listener);
     scan.feed(std::as_bytes(std::span(text)));
