@@ -10,7 +10,9 @@ fi
 ./tools/setup.sh g++:g++ cmake:cmake ninja-build:ninja libgtest-dev unicode-data bzip2:bzcat python3:python3
 [ -d build/debug ] ||
     echo 'Compiling everything with sanitizers, which takes a few minutes the first time.'
-cmake --preset debug >/dev/null
+# Lines, which a sanitizer tells, without variables: that compiles a tenth faster. For a debugger,
+# configure with -DCMAKE_CXX_FLAGS_DEBUG=-g.
+cmake --preset debug -DCMAKE_CXX_FLAGS_DEBUG=-g1 >/dev/null
 cmake --build --preset debug
 echo 'Running all tests.'
 ctest --preset debug -j "$(nproc)"

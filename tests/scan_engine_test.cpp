@@ -89,7 +89,7 @@ std::size_t number_from(const char* name, std::size_t otherwise) {
 }
 
 TEST(Scan, FindsWhatAModelFinds) {
-    const std::size_t cases = number_from("DSMAKE_SCAN_CASES", 400);
+    const std::size_t cases = number_from("DSMAKE_SCAN_CASES", 250);
     const auto seed = static_cast<unsigned>(number_from("DSMAKE_SCAN_SEED", 17));
     std::size_t with_finds = 0;
     const std::size_t first = number_from("DSMAKE_SCAN_FIRST", 0);
