@@ -87,12 +87,12 @@ void Record_judge::judge(std::uint64_t number, const Occurrence_window& window,
     const Occurrence& key = window.at(number).occurrence;
     if (is_done(key.hash)) return;
     if (least_ == 1) return judge_all(key, window, found);
-    const Record_table* const pairs = tables_->by_pair(key.hash);
+    const auto pairs = tables_->by_pair(key.hash);
     const std::uint64_t records = tables_->by_key().entries_of(key.hash).size();
     const std::uint64_t words = window.end() - window.begin();
     // Looking at a record costs a step for each of its fields, asking for a pair one for each word.
     const bool are_few = records * index_.records->kinds().size() <= words;
-    if (pairs == nullptr || (are_few && !within_)) {
+    if (!pairs || (are_few && !within_)) {
         judge_all(key, window, found);
     } else {
         judge_pairs(window.at(number), *pairs, window, found);
@@ -136,7 +136,7 @@ Record_judge::Numbers Record_judge::unchecked(const Occurrence& key,
 // From the last one to the first, which makes no difference to what is found. Where the key stands
 // some words behind its previous occurrence, whatever stands as many words behind its own was asked
 // for there: a text that repeats itself is gone through once and not again at each word.
-void Record_judge::judge_pairs(const Occurrence_window::Entry& key, const Record_table& pairs,
+void Record_judge::judge_pairs(const Occurrence_window::Entry& key, const Pairs_of_bucket& pairs,
                                const Occurrence_window& window, std::vector<Found_record>& found) {
     const auto [begin, end] = unchecked(key.occurrence, window);
     for (std::uint64_t number = end; number > begin;) {
@@ -160,7 +160,7 @@ void Record_judge::judge_pairs(const Occurrence_window::Entry& key, const Record
 
 // The key's records that have the other value, too.
 void Record_judge::judge_beside(const Occurrence& key, const Occurrence& other,
-                                const Record_table& pairs, const Occurrence_window& window,
+                                const Pairs_of_bucket& pairs, const Occurrence_window& window,
                                 std::vector<Found_record>& found) {
     const auto& asked = asked_kinds_[static_cast<std::size_t>(key.kind)];
     if (!asked[static_cast<std::size_t>(other.kind)]) return;
@@ -175,10 +175,11 @@ void Record_judge::judge_beside(const Occurrence& key, const Occurrence& other,
 }
 
 // Whether there are records with both values.
-bool Record_judge::judge_pair(std::uint64_t pair, const Occurrence& key, const Record_table& pairs,
-                              const Occurrence_window& window, std::vector<Found_record>& found) {
+bool Record_judge::judge_pair(std::uint64_t pair, const Occurrence& key,
+                              const Pairs_of_bucket& pairs, const Occurrence_window& window,
+                              std::vector<Found_record>& found) {
     bool any = false;
-    const Record_table::Range entries = pairs.entries_of(pair);
+    const Pairs_of_bucket::Range entries = pairs.entries_of(pair);
     for (std::uint64_t entry = entries.begin; entry < entries.end; ++entry) {
         if (pairs.may_be(entry, pair)) any |= judge_record(pairs.offset(entry), key, window, found);
     }

@@ -55,12 +55,12 @@ private:
     void choose_kinds();
     void judge_all(const Occurrence& key, const Occurrence_window& window,
                    std::vector<Found_record>& found);
-    void judge_pairs(const Occurrence_window::Entry& key, const Record_table& pairs,
+    void judge_pairs(const Occurrence_window::Entry& key, const Pairs_of_bucket& pairs,
                      const Occurrence_window& window, std::vector<Found_record>& found);
-    void judge_beside(const Occurrence& key, const Occurrence& other, const Record_table& pairs,
+    void judge_beside(const Occurrence& key, const Occurrence& other, const Pairs_of_bucket& pairs,
                       const Occurrence_window& window, std::vector<Found_record>& found);
     [[nodiscard]] bool judge_pair(std::uint64_t pair, const Occurrence& key,
-                                  const Record_table& pairs, const Occurrence_window& window,
+                                  const Pairs_of_bucket& pairs, const Occurrence_window& window,
                                   std::vector<Found_record>& found);
     struct Numbers { // in a window; begin may be behind end
         std::uint64_t begin;

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "scl/io/scl_endian.hpp"
 #include "tla/scan/large_array.hpp"
+#include "tla/scan/tagged_offset.hpp"
 #include "tla/scan/wide_product.hpp"
 
-#include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -17,7 +15,7 @@ namespace tla {
 // that millions of records share takes no more than any other.
 class Record_table {
 public:
-    struct Range {
+    struct Range { // of entries
         std::uint64_t begin;
         std::uint64_t end;
         [[nodiscard]] std::uint64_t size() const { return end - begin; }
@@ -34,11 +32,7 @@ public:
     template <typename Take>
     void lay_out(Take take);
     void put(std::uint64_t hash, std::uint64_t offset) {
-        std::byte* const entry = entry_at(ends_[bucket_of(hash)]++);
-        entry[0] = tag_of(hash);
-        std::array<std::byte, sizeof offset> bytes{};
-        scl::scl_store_le(bytes.data(), offset);
-        std::copy_n(bytes.begin(), width_, entry + 1);
+        format_.put(entry_at(ends_[bucket_of(hash)]++), hash, offset);
     }
     void prefetch(std::uint64_t hash) const { __builtin_prefetch(&ends_[bucket_of(hash)], 1); }
     void prefetch_entry(std::uint64_t hash) const {
@@ -49,38 +43,33 @@ public:
         return static_cast<std::size_t>(index_of_hash(hash, ends_.size()));
     }
     [[nodiscard]] std::size_t bucket_count() const { return ends_.size(); }
+    // How many entries it is filled with.
+    [[nodiscard]] std::uint64_t size() const { return ends_[ends_.size() - 1]; }
     // The entries that may be the hash's; those that may_be() says are with few exceptions.
-    [[nodiscard]] Range entries_of(std::uint64_t hash) const {
-        const std::size_t bucket = bucket_of(hash);
+    [[nodiscard]] Range entries_of(std::uint64_t hash) const { return entries_in(bucket_of(hash)); }
+    [[nodiscard]] Range entries_in(std::size_t bucket) const {
         return {bucket == 0 ? 0 : ends_[bucket - 1], ends_[bucket]};
     }
     [[nodiscard]] bool may_be(std::uint64_t entry, std::uint64_t hash) const {
-        return *entry_at(entry) == tag_of(hash);
+        return Tagged_offset::may_be(entry_at(entry), hash);
     }
     [[nodiscard]] std::uint64_t offset(std::uint64_t entry) const {
-        std::array<std::byte, sizeof(std::uint64_t)> bytes{};
-        std::copy_n(entry_at(entry) + 1, width_, bytes.begin());
-        return scl::scl_load_le<std::uint64_t>(bytes.data());
+        return format_.offset(entry_at(entry));
     }
 
 private:
     static constexpr std::uint64_t ENTRIES_A_BUCKET = 6;
 
-    [[nodiscard]] static std::byte tag_of(std::uint64_t hash) {
-        return static_cast<std::byte>(hash);
-    }
     [[nodiscard]] const std::byte* entry_at(std::uint64_t entry) const {
-        return &entries_[static_cast<std::size_t>(entry) * (1 + width_)];
+        return &entries_[static_cast<std::size_t>(entry) * format_.size()];
     }
     [[nodiscard]] std::byte* entry_at(std::uint64_t entry) {
-        return &entries_[static_cast<std::size_t>(entry) * (1 + width_)];
+        return &entries_[static_cast<std::size_t>(entry) * format_.size()];
     }
-    [[nodiscard]] static std::size_t width_of(std::uint64_t limit);
 
+    Tagged_offset format_;
     Large_array<std::uint64_t> ends_; // of the buckets; while it is filled, where the next one goes
-    std::size_t width_;               // bytes of an offset
-    Large_array<std::byte>
-        entries_; // of each eight bits of its hash, then its offset, little-endian
+    Large_array<std::byte> entries_;
 };
 
 template <typename Take>
@@ -92,7 +81,8 @@ void Record_table::lay_out(Take take) {
         ends_[bucket] = entries; // its begin: put() moves it to its end
         entries += size;
     }
-    entries_ = Large_array<std::byte>(static_cast<std::size_t>(entries + 1) * (1 + width_), false);
+    entries_ =
+        Large_array<std::byte>(static_cast<std::size_t>(entries + 1) * format_.size(), false);
 }
 
 } // namespace tla

@@ -1,5 +1,7 @@
 #include "tla/scan/scan_tables.hpp"
 
+#include "tla/scan/pair_maker.hpp"
+
 #include <algorithm>
 #include <array>
 
@@ -91,50 +93,17 @@ public:
         return shared;
     }
 
-    // Where all records' entries go is known now; which pairs there are is found on the way. False
-    // when their table would take more than `most_bytes`, which is seen at the end.
-    [[nodiscard]] bool put_keys(std::uint64_t most_bytes) {
+    // Where all records' entries go is known now.
+    void put_keys() {
         Record_table& keys = tables_.by_key_;
         const auto prepare = [&keys](const Entry& e) { keys.prefetch_entry(e.hash); };
         const auto put = [&keys](const Entry& e) { keys.put(e.hash, e.offset); };
         Delayed<Entry, decltype(prepare), decltype(put)> entries(prepare, put);
-        const auto nothing = [](const Entry&) {};
-        const auto count = [this](const Entry& e) { tables_.by_pair_->count(e.hash); };
-        Delayed<Entry, decltype(nothing), decltype(count)> pairs(nothing, count);
-        std::uint64_t pair_count = 0;
         each_offset([&](std::uint64_t offset) {
-            gather(offset);
-            for (const Field_value& value : values_) {
-                for (std::uint32_t times = value.key_times; times > 0; --times) {
-                    keys.prefetch(value.hash);
-                    entries.push({value.hash, offset});
-                }
-            }
-            each_pair([&](std::uint64_t hash) {
-                tables_.by_pair_->prefetch(hash);
-                pairs.push({hash, offset});
-                ++pair_count;
-            });
-            return next_;
-        });
-        entries.finish();
-        pairs.finish();
-        return Record_table::bytes_of(pair_count, records_.size()) <= most_bytes;
-    }
-    // The same pairs in the same order as they were counted in.
-    void put_pairs() {
-        Record_table& pairs = *tables_.by_pair_;
-        pairs.lay_out([](std::size_t, std::uint64_t) {});
-        const auto prepare = [&pairs](const Entry& e) { pairs.prefetch_entry(e.hash); };
-        const auto put = [&pairs](const Entry& e) { pairs.put(e.hash, e.offset); };
-        Delayed<Entry, decltype(prepare), decltype(put)> entries(prepare, put);
-        each_offset([&](std::uint64_t offset) {
-            gather(offset);
-            each_pair([&](std::uint64_t hash) {
-                pairs.prefetch(hash);
+            return each_key_value(offset, [&](std::uint64_t hash) {
+                keys.prefetch(hash);
                 entries.push({hash, offset});
             });
-            return next_;
         });
         entries.finish();
     }
@@ -166,12 +135,9 @@ private:
     }
 
     void ask_for_pairs(std::uint64_t offset) {
-        static_cast<void>(
-            each_value(offset, [this](std::size_t field, std::span<const std::byte> values) {
-                if (key_order_[field] == NO_KEY) return;
-                const std::uint64_t hash = hash_of_values(hashes_, records_.kinds()[field], values);
-                tables_.has_pairs_[tables_.by_key_.bucket_of(hash)] = true;
-            }));
+        static_cast<void>(each_key_value(offset, [this](std::uint64_t hash) {
+            tables_.has_pairs_[tables_.by_key_.bucket_of(hash)] = true;
+        }));
     }
 
     void note(const Noted& noted) {
@@ -201,66 +167,13 @@ private:
             });
     }
 
-    // Of the record that was gathered: the hash of each pair.
+    // The hash of each key field's value.
     template <typename Take>
-    void each_pair(Take take) {
-        if (!has_shared_key_) return;
-        for (const Field_value& key : values_) {
-            if (!key.is_shared_key) continue;
-            for (const Field_value& other : values_) {
-                if (is_pair(key, other)) take(hashes_.paired(key.hash, other.hash));
-            }
-        }
-    }
-
-    // A value of the record that was gathered, each once: it may have the same in a hundred
-    // thousand fields.
-    struct Field_value {
-        std::uint64_t hash;
-        std::uint32_t times;     // that the record has it
-        std::uint32_t key_times; // in key fields
-        bool is_shared_key;      // of which there are pairs
-    };
-
-    // Where both are keys' values that many records share, the pair is the same both ways.
-    [[nodiscard]] static bool is_pair(const Field_value& key, const Field_value& other) {
-        if (other.hash == key.hash) return other.times > 1;
-        return !other.is_shared_key || key.hash < other.hash;
-    }
-
-    void gather(std::uint64_t offset) {
-        values_.clear();
-        has_shared_key_ = false;
-        next_ = each_value(offset, [&](std::size_t field, std::span<const std::byte> values) {
-            const std::uint64_t hash = hash_of_values(hashes_, records_.kinds()[field], values);
-            const bool is_key = key_order_[field] != NO_KEY;
-            const bool is_shared = is_key && tables_.has_pairs_[tables_.by_key_.bucket_of(hash)];
-            has_shared_key_ |= is_shared;
-            values_.push_back({hash, 1, is_key ? 1U : 0U, is_shared});
+    std::uint64_t each_key_value(std::uint64_t offset, Take take) {
+        return each_value(offset, [&](std::size_t field, std::span<const std::byte> values) {
+            if (key_order_[field] == NO_KEY) return;
+            take(hash_of_values(hashes_, records_.kinds()[field], values));
         });
-        if (has_shared_key_) merge_values();
-    }
-
-    // Of few values it is quicker to compare each with all.
-    void merge_values() {
-        constexpr std::size_t FEW = 8;
-        const bool are_few = values_.size() <= FEW;
-        if (!are_few) std::ranges::sort(values_, {}, &Field_value::hash);
-        std::size_t kept = 0;
-        for (const Field_value value : values_) {
-            std::size_t same = kept == 0 || are_few ? 0 : kept - 1;
-            while (same < kept && values_[same].hash != value.hash) {
-                ++same;
-            }
-            if (same == kept) {
-                values_[kept++] = value;
-            } else {
-                values_[same].times += value.times;
-                values_[same].key_times += value.key_times;
-                values_[same].is_shared_key |= value.is_shared_key;
-            }
-        }
-        values_.resize(kept);
     }
 
     Scan_tables& tables_;
@@ -268,9 +181,6 @@ private:
     const Key_order& key_order_;
     const Scan_hashes& hashes_;
     std::optional<std::span<const std::uint64_t>> offsets_;
-    std::vector<Field_value> values_;
-    bool has_shared_key_ = false;
-    std::uint64_t next_ = 0;
 };
 
 Scan_tables::Scan_tables(const Data_set_records& records, const Key_order& key_order,
@@ -278,26 +188,22 @@ Scan_tables::Scan_tables(const Data_set_records& records, const Key_order& key_o
                          std::optional<std::span<const std::uint64_t>> offsets)
     : values_(offsets ? offsets->size() * SEQUENCES_A_RECORD : records.totals().sequences),
       by_key_(offsets ? offsets->size() : records.totals().key_values, records.size()) {
-    // Four passes: values and counts; layout; keys, counting pairs; pairs. Each fills what the one
-    // before has counted.
+    // Each pass fills what the one before has counted. Pairs come last: they are made of what the
+    // keys' table holds.
     Maker maker(*this, records, key_order, hashes, offsets);
     maker.note_values();
     const std::uint64_t shared = maker.lay_out_keys();
-    const Value_totals& totals = records.totals();
+    maker.put_keys();
     if (shared != 0) {
-        const std::uint64_t others = totals.pairs / totals.key_values + 1;
-        by_pair_.emplace(std::min(shared * others, totals.pairs), records.size());
-    }
-    const bool pairs_fit = maker.put_keys(most_bytes);
-    if (by_pair_ && pairs_fit) {
-        maker.put_pairs();
-    } else {
-        by_pair_.reset();
+        by_pair_ =
+            Pair_maker(records, key_order, hashes, by_key_).make(has_pairs_, shared, most_bytes);
     }
 }
 
-const Record_table* Scan_tables::by_pair(std::uint64_t key_value) const {
-    return by_pair_ && has_pairs_[by_key_.bucket_of(key_value)] ? &*by_pair_ : nullptr;
+std::optional<Pairs_of_bucket> Scan_tables::by_pair(std::uint64_t key_value) const {
+    const std::size_t bucket = by_key_.bucket_of(key_value);
+    if (!by_pair_ || !has_pairs_[bucket]) return {};
+    return by_pair_->pairs_of(bucket);
 }
 
 } // namespace tla

@@ -1,24 +1,21 @@
 #pragma once
 
 #include "tla/scan/data_set_records.hpp"
+#include "tla/scan/key_order.hpp"
 #include "tla/scan/long_values.hpp"
+#include "tla/scan/pair_table.hpp"
 #include "tla/scan/record_table.hpp"
 #include "tla/scan/value_filter.hpp"
 
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <optional>
 #include <span>
 #include <vector>
 
 namespace tla {
 
-// The position of each field among the keys, NO_KEY of one that is none.
-using Key_order = std::vector<std::size_t>;
-inline constexpr std::size_t NO_KEY = std::numeric_limits<std::size_t>::max();
-
-// What a scan asks of a data set's records, made in three passes over them:
+// What a scan asks of a data set's records, made in passes over them:
 //   values    which sequences of token values are a field's value, or begin one, and which steps
 //             the long ones are followed in
 //   by_key    from a key field's value to its records
@@ -39,8 +36,8 @@ public:
     [[nodiscard]] const Long_values& long_values() const { return long_values_; }
 
     [[nodiscard]] const Record_table& by_key() const { return by_key_; }
-    // Null for a key value of few and short records, which are quicker looked at one by one.
-    [[nodiscard]] const Record_table* by_pair(std::uint64_t key_value) const;
+    // None for a key value of few and short records, which are quicker looked at one by one.
+    [[nodiscard]] std::optional<Pairs_of_bucket> by_pair(std::uint64_t key_value) const;
 
     // How many different values a kind has, about; 0 for a kind that does not occur.
     [[nodiscard]] std::uint64_t different(Value_kind kind) const {
@@ -61,7 +58,7 @@ private:
     Long_values long_values_;
     Record_table by_key_;
     std::vector<bool> has_pairs_; // by bucket of by_key_
-    std::optional<Record_table> by_pair_;
+    std::optional<Pair_table> by_pair_;
     std::uint64_t different_[VALUE_KINDS]{};
 };
 
