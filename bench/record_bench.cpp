@@ -42,7 +42,7 @@ void whole_record(benchmark::State& state, std::u16string_view first, std::u16st
         scl::scl_wtos(text, narrow, true);
         fields.add(narrow);
     }
-    const tla::Tla_record_text record{fields.fields()};
+    const tla::Tla_record_text record = fields.fields();
     scl::Scl_status status;
     Discarding_buffer buffer;
     scl::Scl_ostream out(buffer);

@@ -141,13 +141,11 @@ TEST(Value_tokens, OfEveryCharacterAreThoseOfALookup) {
 // What is behind a text does not complete its last character.
 TEST(Plain_run, EndsWithItsLastCharacter) {
     const std::string bytes = "ZO\xC3\x8B" + std::string(scl::SCL_BLOCK_BYTES, ' ');
-    std::u16string units(txt::TXT_PLAIN_RUN_BYTES, u' ');
-    const auto convert = [&](std::size_t size) {
-        return txt::txt_convert_plain_run({bytes.data(), bytes.data() + size}, true, units.data());
+    const auto value_of = [&](std::size_t size) {
+        return txt::txt_plain_run_value({bytes.data(), bytes.data() + size}, true);
     };
-    EXPECT_EQ(convert(3), 0U);
-    ASSERT_EQ(convert(4), 3U);
-    EXPECT_EQ(units.substr(0, 3), u"zo\u00EB");
+    EXPECT_EQ(value_of(3), 0U);
+    EXPECT_EQ(value_of(4), txt::txt_token_value(u"zo\u00EB"));
 }
 
 TEST(Token_values, OfATextEndAtFifteenMillion) {
@@ -174,8 +172,7 @@ TEST(Delimiters, AreThoseThatABytewiseSearchFinds) {
         for (std::size_t i = 0; i < block.size(); ++i) {
             const bool ends = block[i] == '\t' || block[i] == '\r' || block[i] == '\n';
             ASSERT_EQ((found.ends >> i & 1U) == 1, ends) << i;
-            ASSERT_EQ((found.not_ascii >> i & 1U) == 1, static_cast<signed char>(block[i]) < 0)
-                << i;
+            ASSERT_EQ((found.mark_leads >> i & 1U) == 1, block[i] == '\xEF') << i;
         }
     }
 }

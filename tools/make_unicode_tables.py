@@ -266,6 +266,8 @@ def property_definitions(rows):
                    map(str, block_places)),
         derived("Unit_traits", "UNIT_TRAITS", "make_unit_traits"),
         derived("Small_letters", "SMALL_LETTERS", "make_small_letters"),
+        derived("Plain_units", "PLAIN_UNITS", "make_plain_units"),
+        derived("Plain_units", "PLAIN_SMALL_UNITS", "make_plain_small_units"),
     ]  # fmt: skip
 
 

@@ -1,56 +1,31 @@
 #include "txt/plain_runs.hpp"
 
+#include "scl/crc/scl_crc64.hpp"
 #include "scl/text/composer.hpp"
 #include "scl/text/unicode_tables.hpp"
-#include "txt/word_runs.hpp"
+
+#include <algorithm>
+#include <array>
 
 namespace txt {
 
 namespace {
 
-// The capitals whose small form depends on what is around them, or has two units.
-constexpr unsigned CAPITAL_SIGMA = 0x3A3;
-
-// Not 0 where normalisation or small letters take more than a look at the unit.
-unsigned is_special(unsigned unit) {
-    return (scl::impl::UNIT_TRAITS[unit] & scl::impl::UNIT_TOUCHED) |
-           static_cast<unsigned>(unit == CAPITAL_SIGMA) |
-           static_cast<unsigned>(unit == scl::impl::CAPITAL_I_WITH_DOT);
-}
-
-unsigned is_no_run(unsigned unit) {
-    return static_cast<unsigned>(!impl::RUN_UNITS[scl::impl::SCL_UNICODE_BIT_TABLE[unit]]);
-}
-
 // The letter that a letter and a mark behind it become, when that is plain, too; else 0. Several
 // marks need no ordering here: each letter on the way is equivalent to all that it was made of.
-unsigned composed(unsigned letter, unsigned mark) {
-    const char32_t unit = scl::impl::compose_pair(letter, mark);
-    if (unit >= scl::impl::SMALL_LETTERS.size()) return 0;
-    return (is_special(unit) | is_no_run(unit)) == 0 ? static_cast<unsigned>(unit) : 0;
+unsigned composed(unsigned letter, unsigned mark, const scl::impl::Plain_units& plain) {
+    const char32_t unit = letter == 0 ? 0 : scl::impl::compose_pair(letter, mark);
+    return unit < plain.size() && plain[unit] != 0 ? static_cast<unsigned>(unit) : 0;
 }
 
-// Joins a mark with the last letter.
-bool join(unsigned mark, char16_t* units, std::size_t count) {
-    const unsigned letter = count == 0 ? 0 : composed(units[count - 1], mark);
-    if (letter != 0) units[count - 1] = static_cast<char16_t>(letter);
-    return letter != 0;
-}
-
-// At the end, since only a composed letter has its small form.
-void lower(char16_t* units, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-        units[i] = scl::impl::SMALL_LETTERS[units[i]];
-    }
-}
-
-} // namespace
-
+// The units of a plain run, at most TXT_PLAIN_RUN_BYTES of them; gives their number, or 0.
+//
 // Computes with each character's length and faults. Branches would often be mispredicted, since
 // names such as "Müller" change between one byte and two. The byte behind the last one may be read.
-std::size_t txt_convert_plain_run(scl::Scl_text_span<char> text, bool lowers, char16_t* to) {
-    if (text.size() > TXT_PLAIN_RUN_BYTES) return 0;
+std::size_t convert(scl::Scl_text_span<char> text, const scl::impl::Plain_units& plain,
+                    char16_t* to) {
     std::size_t count = 0;
+    unsigned letter = 0; // the last one as written: only a composed letter has its small form
     const char* at = text.begin;
     while (at < text.end) {
         const unsigned lead = static_cast<unsigned char>(at[0]);
@@ -61,16 +36,31 @@ std::size_t txt_convert_plain_run(scl::Scl_text_span<char> text, bool lowers, ch
         const unsigned is_malformed = static_cast<unsigned>(lead - 0xC2U >= 0xE0U - 0xC2U) |
                                       static_cast<unsigned>((next & 0xC0U) != 0x80);
         if ((is_pair & is_malformed) != 0) return 0;
-        if ((is_special(unit) | is_no_run(unit)) == 0) {
-            to[count++] = static_cast<char16_t>(unit);
-        } else if (!join(unit, to, count)) {
-            return 0;
+        if (plain[unit] != 0) {
+            letter = unit;
+            ++count;
+        } else {
+            letter = composed(letter, unit, plain);
+            if (letter == 0) return 0;
         }
+        to[count - 1] = plain[letter];
         at += 1 + is_pair;
     }
-    if (at != text.end) return 0; // the last character is cut
-    if (lowers) lower(to, count);
-    return count;
+    return at == text.end ? count : 0; // else the last character is cut
+}
+
+} // namespace
+
+std::uint64_t txt_plain_run_value(scl::Scl_text_span<char> text, bool lowers) {
+    if (text.size() > TXT_PLAIN_RUN_BYTES) return 0;
+    constexpr std::size_t ZEROS = scl::Scl_crc64::WIDENED_BLOCK;
+    std::array<char16_t, ZEROS + TXT_PLAIN_RUN_BYTES> room; // NOLINT: not all of it is needed
+    std::fill_n(room.begin(), ZEROS, u'\0');
+    char16_t* const units = room.data() + ZEROS;
+    const std::size_t count =
+        convert(text, lowers ? scl::impl::PLAIN_SMALL_UNITS : scl::impl::PLAIN_UNITS, units);
+    if (count == 0 || count > ZEROS) return 0;
+    return scl::Scl_crc64::calculate_behind_zeros(units + count, count);
 }
 
 } // namespace txt

@@ -221,7 +221,7 @@ constexpr Word_steps make_steps() {
 // Whether letters and digits that follow a row never end the segment: a run of them can then be
 // taken in one step. Tested by Word_break.RandomTextsAsTheSlowModel.
 constexpr bool always_joins(const std::array<Word_step, WORD_COLUMNS>& row) {
-    return std::ranges::all_of(WORD_RUN_PROPERTIES, [&row](Wb p) {
+    return std::ranges::all_of(scl::SCL_WORD_RUN_PROPERTIES, [&row](Wb p) {
         return row[static_cast<std::size_t>(p)].action == Word_action::join;
     });
 }

@@ -42,12 +42,7 @@ inline constexpr std::size_t WORD_ROWS = 33;
 using Word_steps = std::array<std::array<Word_step, WORD_COLUMNS>, WORD_ROWS>;
 extern const Word_steps WORD_STEPS;
 
-// Letters, digits and connectors. Any of them joins any other before it: WB5, WB8, WB9, WB10, WB13a
-// and WB13b.
-inline constexpr std::array WORD_RUN_PROPERTIES{scl::Scl_word_break::aletter,
-                                                scl::Scl_word_break::numeric,
-                                                scl::Scl_word_break::extend_num_let};
-// The rows in which any of them joins the open segment or starts one.
+// The rows in which any of SCL_WORD_RUN_PROPERTIES joins the open segment or starts one.
 extern const std::array<bool, WORD_ROWS> WORD_RUNS;
 
 } // namespace txt::impl

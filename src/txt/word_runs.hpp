@@ -15,7 +15,7 @@
 #pragma GCC visibility push(default) // installed
 
 // Runs of letters, digits and connectors, as nearly all words are. Each of them joins the one
-// before (WORD_RUN_PROPERTIES), so that a run needs no step of the rules for each character.
+// before (SCL_WORD_RUN_PROPERTIES), so that a run needs no step of the rules for each character.
 //
 // Twins: runs and single steps. Tested by Token_values.OfBytesAreThoseOfUnits and
 // Word_break.RandomTextsAsTheSlowModel.
@@ -27,11 +27,7 @@ using Run_units = std::array<bool, 256>;
 constexpr Run_units make_run_units() {
     Run_units run_units{};
     for (std::size_t bits = 0; bits < run_units.size(); ++bits) {
-        const auto unit_class = static_cast<scl::Scl_unicode_code_point_type>(bits & 7U);
-        const auto property = static_cast<scl::Scl_word_break>(bits >> 3U);
-        run_units[bits] =
-            unit_class != scl::Scl_unicode_code_point_type::attached &&
-            std::ranges::find(WORD_RUN_PROPERTIES, property) != WORD_RUN_PROPERTIES.end();
+        run_units[bits] = scl::scl_joins_runs(static_cast<std::uint8_t>(bits));
     }
     return run_units;
 }

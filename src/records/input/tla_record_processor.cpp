@@ -40,6 +40,10 @@ struct Assembled_fields {
         assembly.add_run(run);
         return true;
     }
+    bool add_value(Tla_token_value value) {
+        assembly.add_value(value);
+        return true;
+    }
 
     Tla_record_assembly& assembly;
 };
@@ -60,6 +64,11 @@ struct Streamed_fields {
     template <typename Unit>
     bool add_run(scl::Scl_text_span<Unit> run) {
         return add_text(run);
+    }
+    bool add_value(Tla_token_value value) {
+        out.write_be(Tla_token_count{1}, status);
+        out.write_be(value, status);
+        return !status.has_failed();
     }
 
     scl::Scl_ostream& out;
@@ -83,9 +92,9 @@ Tla_record_processor::Tla_record_processor(std::span<const Field_descriptor> fie
     }
 }
 
-void Tla_record_processor::process(const Tla_record_text& record, scl::Scl_ostream& out,
+void Tla_record_processor::process(Tla_record_text record, scl::Scl_ostream& out,
                                    scl::Scl_status& status) {
-    if (record.fields.empty() || record.fields.size() != columns_.size()) return;
+    if (record.empty() || record.size() != columns_.size()) return;
     Tla_record_assembly assembly(out.room(ROOM_BYTES, status));
     Assembled_fields fields{assembly};
     if (status.has_failed() || !format_fields(record, status, fields)) return;
@@ -96,7 +105,7 @@ void Tla_record_processor::process(const Tla_record_text& record, scl::Scl_ostre
     if (listener_ != nullptr) listener_->record_made(assembly.record());
 }
 
-void Tla_record_processor::process_large(const Tla_record_text& record, scl::Scl_ostream& out,
+void Tla_record_processor::process_large(Tla_record_text record, scl::Scl_ostream& out,
                                          scl::Scl_status& status) {
     ++record_count_;
     Streamed_fields fields{out, status};
@@ -111,13 +120,13 @@ void Tla_record_processor::process_large(const Tla_record_text& record, scl::Scl
 // when a field or `to` fails. Most values are short runs; one look at 16 bytes finds that out and
 // saves trimming and general formatting.
 template <typename Fields>
-bool Tla_record_processor::format_fields(const Tla_record_text& record, scl::Scl_status& status,
+bool Tla_record_processor::format_fields(Tla_record_text record, scl::Scl_status& status,
                                          Fields& to) {
     const Column* column = columns_.data();
-    for (const Tla_field_text field : record.fields) {
+    for (const Tla_field_text field : record) {
         const bool is_run = txt::txt_is_short_run(field) && column->formatter.is_known();
         const bool is_good = is_run ? to.add_run(column->formatter.format_run(field, buffer_))
-                                    : format_text(*column, field, record.is_ascii, status, to);
+                                    : format_text(*column, field, status, to);
         if (!is_good) return false;
         ++column;
     }
@@ -125,11 +134,10 @@ bool Tla_record_processor::format_fields(const Tla_record_text& record, scl::Scl
 }
 
 template <typename Fields>
-bool Tla_record_processor::format_text(const Column& column, Tla_field_text field, bool is_ascii,
+bool Tla_record_processor::format_text(const Column& column, Tla_field_text field,
                                        scl::Scl_status& status, Fields& to) {
-    return is_ascii || scl::scl_is_ascii(field)
-               ? format_value(column, scl::scl_trimmed(field), status, to)
-               : format_wide(column, field, status, to);
+    return scl::scl_is_ascii(field) ? format_value(column, scl::scl_trimmed(field), status, to)
+                                    : format_wide(column, field, status, to);
 }
 
 // Apart, so that the ways of ASCII stay small enough to be inlined.
@@ -137,8 +145,8 @@ template <typename Fields>
 [[gnu::noinline]] bool Tla_record_processor::format_wide(const Column& column, Tla_field_text field,
                                                          scl::Scl_status& status, Fields& to) {
     if (column.formatter.is_known()) {
-        const auto run = column.formatter.format_plain_run(field, buffer_);
-        if (!run.empty()) return to.add_run(run);
+        const Tla_token_value value = column.formatter.plain_run_value(field);
+        if (value != 0) return to.add_value(value);
     }
     scl::scl_stow(field.view(), buffer_.wide);
     return format_value(column, scl::scl_trimmed(buffer_.wide), status, to);

@@ -16,10 +16,8 @@ namespace tla {
 // A field as it is read: UTF-8 bytes, or any others, which are kept as they are (scl_string.hpp).
 using Tla_field_text = scl::Scl_text_span<char>;
 
-struct Tla_record_text {
-    std::span<const Tla_field_text> fields;
-    bool is_ascii = false; // known to be, all of them
-};
+// One for each column.
+using Tla_record_text = std::span<const Tla_field_text>;
 
 // Records with a field of more tokens than its count can say: the count wraps, and who reads the
 // record takes values for counts.
@@ -60,7 +58,7 @@ public:
     // TLA_STATUS_EMPTY_KEY for a key field that is empty after trimming, and stops there; leaves
     // SCL_STATUS_WRITE_FAILED when `out` cannot be written. Throws std::runtime_error for a field
     // of more tokens than there may be.
-    void process(const Tla_record_text& record, scl::Scl_ostream& out, scl::Scl_status& status);
+    void process(Tla_record_text record, scl::Scl_ostream& out, scl::Scl_status& status);
 
 private:
     struct Column {
@@ -69,10 +67,9 @@ private:
     };
 
     template <typename Fields>
-    [[nodiscard]] bool format_fields(const Tla_record_text& record, scl::Scl_status& status,
-                                     Fields& to);
+    [[nodiscard]] bool format_fields(Tla_record_text record, scl::Scl_status& status, Fields& to);
     template <typename Fields>
-    [[nodiscard]] bool format_text(const Column& column, Tla_field_text field, bool is_ascii,
+    [[nodiscard]] bool format_text(const Column& column, Tla_field_text field,
                                    scl::Scl_status& status, Fields& to);
     template <typename Fields>
     [[nodiscard]] bool format_wide(const Column& column, Tla_field_text field,
@@ -81,8 +78,7 @@ private:
     [[nodiscard]] bool format_value(const Column& column, Value trimmed, scl::Scl_status& status,
                                     Fields& to);
     [[nodiscard]] bool ends_with_byte() const { return columns_.back().formatter.is_known(); }
-    void process_large(const Tla_record_text& record, scl::Scl_ostream& out,
-                       scl::Scl_status& status);
+    void process_large(Tla_record_text record, scl::Scl_ostream& out, scl::Scl_status& status);
 
     std::vector<Column> columns_;
     Tla_record_listener* listener_;

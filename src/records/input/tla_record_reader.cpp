@@ -10,9 +10,6 @@ namespace tla {
 
 namespace {
 
-// Dropped wherever it stands in a field, as the rule for lines says.
-constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
-
 std::string_view as_text(std::span<const std::byte> bytes) {
     return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
 }
@@ -92,8 +89,8 @@ std::size_t Tla_record_reader::take_lines(std::string_view text, scl::Scl_status
                 end_field(line, end);
             } else if (*end == LINE_FEED) {
                 const std::uint64_t before = ~ends & (ends - 1);
-                line.is_ascii = line.is_ascii && (found.not_ascii & before) == 0;
-                found.not_ascii &= ~before; // the next line's
+                line.mark_leads |= found.mark_leads & before;
+                found.mark_leads &= ~before; // the next line's
                 end_line(line, end, status);
                 if (!goes_on(status)) return 0;
                 line = Line{end + 1};
@@ -102,7 +99,7 @@ std::size_t Tla_record_reader::take_lines(std::string_view text, scl::Scl_status
                 return 0;
             }
         }
-        line.is_ascii = line.is_ascii && found.not_ascii == 0;
+        line.mark_leads |= found.mark_leads;
     }
     return static_cast<std::size_t>(line.begin - text.data());
 }
@@ -122,16 +119,13 @@ inline void Tla_record_reader::end_line(Line line, const char* at, scl::Scl_stat
         result_ = Tla_read_result::field_count_mismatch;
         return;
     }
-    const std::string_view bytes(line.begin, static_cast<std::size_t>(at - line.begin));
-    if (!line.is_ascii && bytes.find(BYTE_ORDER_MARK.front()) != std::string_view::npos) {
-        drop_marks();
-    }
-    processor_.process({fields_, line.is_ascii}, out_, status);
+    if (line.mark_leads != 0) drop_marks();
+    processor_.process(fields_, out_, status);
 }
 
-// Searches on behind each dropped mark, so that bytes which come together there are not taken for
-// another mark. Fields only become shorter: the memory for all of them is filled first, so that it
-// does not move while they are copied within it.
+// Marks are dropped wherever they stand in a field. Searches on behind each dropped mark, so that
+// bytes which come together there are not taken for another mark. Fields only become shorter: the
+// memory for all of them is filled first, so that it does not move while they are copied within it.
 void Tla_record_reader::drop_marks() {
     unmarked_.clear();
     for (const Tla_field_text& field : fields_) {

@@ -41,9 +41,9 @@ private:
     // A line whose end has not been found yet.
     struct Line {
         const char* begin;
-        const char* field = begin;   // where the next field begins
-        std::size_t field_count = 0; // fields beyond the last column are only counted
-        bool is_ascii = true;
+        const char* field = begin;    // where the next field begins
+        std::size_t field_count = 0;  // fields beyond the last column are only counted
+        std::uint64_t mark_leads = 0; // not 0 where a byte order mark may begin
     };
 
     void take_window(std::string_view window, scl::Scl_status& status);

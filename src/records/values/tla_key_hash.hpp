@@ -13,6 +13,9 @@ namespace tla {
 // has the values as bytes of a record, a lookup has them as numbers; both give the same hash.
 // Tested by Value_tokens.OfALookupAreThoseOfARecord.
 [[nodiscard]] inline std::uint64_t tla_key_hash(std::span<const std::byte> values_in_record) {
+    if (values_in_record.size() == sizeof(std::uint64_t)) {
+        return scl::Scl_crc64::calculate_8(values_in_record.data());
+    }
     return scl::Scl_crc64::calculate(values_in_record.data(), values_in_record.size(),
                                      scl::Scl_crc64::INITIAL);
 }

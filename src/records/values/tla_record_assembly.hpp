@@ -30,10 +30,14 @@ public:
     // (txt::txt_is_short_run).
     template <typename Unit>
     [[gnu::flatten]] void add_run(scl::Scl_text_span<Unit> formatted) {
+        add_value(txt::txt_token_value(formatted));
+    }
+    // A field of one token.
+    void add_value(Tla_token_value value) {
         std::byte* const to = take(tla_field_size(1));
         if (to == nullptr) return;
         scl::scl_store_be(to, Tla_token_count{1});
-        scl::scl_store_be(to + TLA_COUNT_BYTES, txt::txt_token_value(formatted));
+        scl::scl_store_be(to + TLA_COUNT_BYTES, value);
     }
     void add_end() {
         if (std::byte* const to = take(TLA_RECORD_END_BYTES)) *to = std::byte{TLA_RECORD_END};

@@ -16,7 +16,6 @@ namespace tla {
 struct Tla_value_buffer {
     Tla_padded_buffer<char> ascii;
     std::u16string wide;
-    std::array<char16_t, txt::TXT_PLAIN_RUN_BYTES> run;
 };
 
 // Brings values of one type into the form that their tokens are made from. Records and lookups both
@@ -44,12 +43,10 @@ public:
                                                       Tla_value_buffer& buffer) const {
         return lowers_case_ ? Tla_simplenc_formatter::format_ascii(run, buffer.ascii) : run;
     }
-    // The same of a plain run (txt::txt_convert_plain_run), as most other values are; empty for any
-    // other value, which has to be converted first.
-    [[nodiscard]] scl::Scl_text_span<char16_t> format_plain_run(scl::Scl_text_span<char> value,
-                                                                Tla_value_buffer& buffer) const {
-        char16_t* const run = buffer.run.data();
-        return {run, run + txt::txt_convert_plain_run(value, lowers_case_, run)};
+    // The token value of the formatted text, when the value is a plain run
+    // (txt::txt_plain_run_value), as most other values are; 0 for any other value.
+    [[nodiscard]] std::uint64_t plain_run_value(scl::Scl_text_span<char> value) const {
+        return txt::txt_plain_run_value(value, lowers_case_);
     }
     // The formatted text, in `buffer.wide`, of which `value` may view a part.
     [[nodiscard]] scl::Scl_text_span<char16_t> format(std::u16string_view value,

@@ -157,8 +157,6 @@ SCL_WITH_MULTIPLY std::uint64_t step_blocks(const Head& head, const std::byte* a
 }
 
 SCL_WITH_MULTIPLY std::uint64_t step(std::uint64_t reg, const std::byte* at, std::size_t count) {
-    // Most key fields have one token, and the key hash is then taken over these 8 bytes.
-    if (count == 8) return reduce(pair(0, scl_load_le<std::uint64_t>(at) ^ reg));
     const std::size_t head_bytes = (count - 1) % BLOCK + 1;
     const Head head = make_head(reg, at, head_bytes);
     if (head_bytes == count) return reduce(pair(head.low, head.high)) ^ head.left;
@@ -221,6 +219,10 @@ std::uint64_t crc64_by_multiply(std::uint64_t reg, std::span<const std::byte> by
     return bytes.empty() ? reg : step(reg, bytes.data(), bytes.size());
 }
 
+SCL_WITH_MULTIPLY std::uint64_t crc64_of_8(std::uint64_t bytes) {
+    return ~reduce(pair(0, ~bytes));
+}
+
 // Without a loop or a branch on the length, which a processor would often mispredict: the two
 // halves of the widened text take one fold and one reduction.
 SCL_WITH_MULTIPLY std::uint64_t crc64_widened_16(const char* text, std::size_t size) {
@@ -229,6 +231,10 @@ SCL_WITH_MULTIPLY std::uint64_t crc64_widened_16(const char* text, std::size_t s
     const __m128i first = _mm_cvtepu8_epi16(moved);
     const __m128i second = _mm_cvtepu8_epi16(_mm_srli_si128(moved, BLOCK / 2));
     return reduce(fold_by<BLOCK>(first, second)) ^ AFTER_ZEROS[size];
+}
+
+SCL_WITH_MULTIPLY std::uint64_t crc64_behind_zeros_16(const std::byte* end, std::size_t size) {
+    return reduce(fold_by<BLOCK>(load(end - 2 * BLOCK), load(end - BLOCK))) ^ AFTER_ZEROS[size];
 }
 
 SCL_WITH_MULTIPLY std::uint64_t crc64_widened_long(const char* text, std::size_t size) {
@@ -251,8 +257,16 @@ namespace scl::impl {
 std::uint64_t crc64_by_multiply(std::uint64_t reg, std::span<const std::byte> bytes) {
     return crc64_by_table(reg, bytes);
 }
+std::uint64_t crc64_of_8(std::uint64_t bytes) {
+    Scl_raw<std::uint64_t> raw;
+    scl_store_le(raw.data(), bytes);
+    return ~crc64_by_table(~std::uint64_t{0}, raw);
+}
 std::uint64_t crc64_widened_16(const char* text, std::size_t size) {
     return crc64_widened_by_table({text, size});
+}
+std::uint64_t crc64_behind_zeros_16(const std::byte* end, std::size_t size) {
+    return ~crc64_by_table(~std::uint64_t{0}, {end - 2 * size, end});
 }
 std::uint64_t crc64_widened_long(const char* text, std::size_t size) {
     return crc64_widened_by_table({text, size});

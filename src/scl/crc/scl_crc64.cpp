@@ -110,6 +110,11 @@ std::uint64_t Scl_crc64::calculate(const void* data, std::size_t size, std::uint
     return ~step(initial, {static_cast<const std::byte*>(data), size});
 }
 
+std::uint64_t Scl_crc64::calculate_8(const std::byte* bytes) {
+    if (!impl::has_carryless_multiply()) return calculate(bytes, 8, INITIAL);
+    return impl::crc64_of_8(scl_load_le<std::uint64_t>(bytes));
+}
+
 // For big-endian processors, unit by unit: they read files that were made elsewhere.
 std::uint64_t Scl_crc64::calculate_swapped(std::u16string_view text, std::uint64_t initial) {
     std::uint64_t reg = initial;
@@ -124,6 +129,11 @@ std::uint64_t Scl_crc64::calculate_widened(const char* text, std::size_t size) {
     if (!impl::has_carryless_multiply()) return impl::crc64_widened_by_table({text, size});
     return size <= WIDENED_BLOCK ? impl::crc64_widened_16(text, size)
                                  : impl::crc64_widened_long(text, size);
+}
+
+std::uint64_t Scl_crc64::calculate_behind_zeros(const char16_t* end, std::size_t size) {
+    if (!impl::has_carryless_multiply()) return calculate_units({end - size, size});
+    return impl::crc64_behind_zeros_16(reinterpret_cast<const std::byte*>(end), size);
 }
 
 void Scl_crc64::update(std::span<const std::byte> bytes) {

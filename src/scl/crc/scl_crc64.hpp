@@ -23,6 +23,9 @@ public:
     [[nodiscard]] static std::uint64_t calculate(const void* data, std::size_t size,
                                                  std::uint64_t initial);
 
+    // calculate() from INITIAL over 8 bytes, as most keys' values have, without a branch on the size.
+    [[nodiscard]] static std::uint64_t calculate_8(const std::byte* bytes);
+
     // calculate() over the units of a text, each little-endian.
     [[nodiscard]] static std::uint64_t calculate_units(std::u16string_view text,
                                                        std::uint64_t initial = INITIAL) {
@@ -37,6 +40,11 @@ public:
     // on, so that a text of up to as many takes one step, whatever its length.
     [[nodiscard]] static std::uint64_t calculate_widened(const char* text, std::size_t size);
     static constexpr std::size_t WIDENED_BLOCK = 16;
+
+    // calculate_units() over 1 to WIDENED_BLOCK units that stand before `end`, behind zeros:
+    // WIDENED_BLOCK units before `end` are readable.
+    [[nodiscard]] static std::uint64_t calculate_behind_zeros(const char16_t* end,
+                                                              std::size_t size);
 
     void update(std::span<const std::byte> bytes);
     // Feeds all bytes of the buffer. A read error is left in the status.

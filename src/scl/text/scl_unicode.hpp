@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -51,6 +52,19 @@ enum class Scl_word_break : std::uint8_t {
     pictographic = 19,         // Other, and Extended_Pictographic
     aletter_pictographic = 20, // ALetter, and Extended_Pictographic
 };
+
+// Letters, digits and connectors. Any of them joins any other before it: WB5, WB8, WB9, WB10, WB13a
+// and WB13b.
+inline constexpr std::array SCL_WORD_RUN_PROPERTIES{
+    Scl_word_break::aletter, Scl_word_break::numeric, Scl_word_break::extend_num_let};
+
+// Whether a character, by its byte of the bit table, is one of these and no mark.
+[[nodiscard]] constexpr bool scl_joins_runs(std::uint8_t bits) {
+    const auto property = static_cast<Scl_word_break>(bits >> 3U);
+    return static_cast<Scl_unicode_code_point_type>(bits & 7U) !=
+               Scl_unicode_code_point_type::attached &&
+           std::ranges::find(SCL_WORD_RUN_PROPERTIES, property) != SCL_WORD_RUN_PROPERTIES.end();
+}
 
 namespace impl {
 

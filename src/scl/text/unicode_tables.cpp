@@ -2857,6 +2857,12 @@ constinit const Unit_traits UNIT_TRAITS =
 constinit const Small_letters SMALL_LETTERS =
     make_small_letters(PROPERTIES_DATA, PROPERTY_PLACES_DATA, PROPERTY_BLOCKS.data());
 
+constinit const Plain_units PLAIN_UNITS =
+    make_plain_units(PROPERTIES_DATA, PROPERTY_PLACES_DATA, PROPERTY_BLOCKS.data());
+
+constinit const Plain_units PLAIN_SMALL_UNITS =
+    make_plain_small_units(PROPERTIES_DATA, PROPERTY_PLACES_DATA, PROPERTY_BLOCKS.data());
+
 namespace {
 constexpr Decomposition DECOMPOSITIONS_DATA[] = {
     {0xc0,0x41,0x300},{0xc1,0x41,0x301},{0xc2,0x41,0x302},{0xc3,0x41,0x303},{0xc4,0x41,0x308},

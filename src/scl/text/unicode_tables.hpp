@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-// The data behind normalisation and case mapping. The definitions are generated, but for the two
+// The data behind normalisation and case mapping. The definitions are generated, but for the
 // tables by unit, which unit_tables.hpp derives from the others.
 namespace scl::impl {
 
@@ -59,10 +59,19 @@ inline constexpr char16_t FIRST_MARK = 0x300;
 // The one character that grows when it is lower-cased (SpecialCasing.txt). The table of small
 // letters has it unchanged.
 inline constexpr char16_t CAPITAL_I_WITH_DOT = 0x130;
+// The one whose small form depends on what is around it.
+inline constexpr char16_t CAPITAL_SIGMA = 0x3A3;
 
 // The small form of each character that UTF-8 writes in one byte or two: Latin, Greek, Cyrillic.
 using Small_letters = std::array<char16_t, 0x800>;
 extern const Small_letters SMALL_LETTERS;
+
+// By a character that UTF-8 writes in one byte or two, what it becomes as a part of a plain run:
+// itself or its small form. 0 for what is no letter, digit or connector, and for what normalisation
+// or small letters take more than a look at it.
+using Plain_units = std::array<char16_t, 0x800>;
+extern const Plain_units PLAIN_UNITS;
+extern const Plain_units PLAIN_SMALL_UNITS;
 
 // The properties of a code point; values above U+10FFFF have those of an unassigned one.
 [[nodiscard]] inline const Properties& properties_of(char32_t code_point) {

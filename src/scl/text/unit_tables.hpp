@@ -1,5 +1,6 @@
 #pragma once
 
+#include "scl/text/scl_unicode.hpp"
 #include "scl/text/scl_utf.hpp"
 #include "scl/text/unicode_tables.hpp"
 
@@ -47,6 +48,33 @@ namespace scl::impl {
     }
     small[CAPITAL_I_WITH_DOT] = CAPITAL_I_WITH_DOT;
     return small;
+}
+
+[[nodiscard]] constexpr Plain_units make_plain_units(std::span<const Properties> properties,
+                                                     const std::uint8_t* indexes,
+                                                     const std::uint16_t* blocks) {
+    Plain_units plain{};
+    for (std::size_t unit = 0; unit < plain.size(); ++unit) {
+        const std::size_t block = blocks[unit / PROPERTY_BLOCK];
+        const Properties& found =
+            properties[indexes[block * PROPERTY_BLOCK + unit % PROPERTY_BLOCK]];
+        const bool is_touched = (traits_of(found) & UNIT_TOUCHED) != 0;
+        if (scl_joins_runs(found.bits) && !is_touched) plain[unit] = static_cast<char16_t>(unit);
+    }
+    return plain;
+}
+
+[[nodiscard]] constexpr Plain_units make_plain_small_units(std::span<const Properties> properties,
+                                                           const std::uint8_t* indexes,
+                                                           const std::uint16_t* blocks) {
+    const Small_letters small = make_small_letters(properties, indexes, blocks);
+    Plain_units plain = make_plain_units(properties, indexes, blocks);
+    for (char16_t& unit : plain) {
+        unit = small[unit]; // of U+0000, which is not plain, itself
+    }
+    plain[CAPITAL_I_WITH_DOT] = 0;
+    plain[CAPITAL_SIGMA] = 0;
+    return plain;
 }
 
 } // namespace scl::impl
