@@ -23,7 +23,8 @@ public:
     [[nodiscard]] static std::uint64_t calculate(const void* data, std::size_t size,
                                                  std::uint64_t initial);
 
-    // calculate() from INITIAL over 8 bytes, as most keys' values have, without a branch on the size.
+    // calculate() from INITIAL over 8 bytes, as most keys' values have, without a branch on the
+    // size.
     [[nodiscard]] static std::uint64_t calculate_8(const std::byte* bytes);
 
     // calculate() over the units of a text, each little-endian.
